@@ -1,0 +1,32 @@
+# Sourced by the scripts at the top: installs what is missing on Debian 12 and builds a preset. Expects the repository's
+# top as the working directory.
+
+as_root() {
+  if [ "$(id -u)" -eq 0 ]; then
+    "$@"
+  else
+    sudo "$@"
+  fi
+}
+
+missing_packages() {
+  for package in $(cat cmake/debian-packages.txt); do
+    dpkg-query -W -f '${Status}' "$package" 2>/dev/null | grep -q 'ok installed' || echo "$package"
+  done
+}
+
+install_missing() {
+  missing=$(missing_packages)
+  [ -z "$missing" ] && return 0
+  echo "installing:" $missing >&2
+  as_root apt-get update -qq
+  as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends $missing >/dev/null
+}
+
+# build PRESET: configures and builds below build/PRESET.
+build() {
+  cmake --preset "$1" >/dev/null
+  cmake --build --preset "$1" -- --quiet
+}
+
+install_missing
