@@ -1,0 +1,83 @@
+// Data documents: XML (RFC 7950 encoding, RFC 6241 messages) or JSON (RFC 7951, RFC 7952), read into trees of nodes.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "yfw.h"
+#include "yfw/error.hpp"
+#include "yfw/schema.hpp"
+
+namespace yfw {
+
+enum class data_format { xml, json };
+
+// What a reader takes before it refuses a document. All work is linear in the size within these bounds.
+struct read_limits {
+  size_t bytes = 0xffff0000;    // offsets have 32 bits, so that more is never possible
+  unsigned nesting = 128;       // elements, objects and arrays inside each other
+  unsigned attributes = 64;     // on one element
+  unsigned declarations = 256;  // namespace declarations in scope
+};
+
+// A document and the nodes read from it. Nodes, their texts and `roots()` live as long as the document and do not move
+// with it. Tags and values are memory of one node only: no two nodes share one. Text is kept exactly as written, with
+// references and escapes resolved.
+//
+// XML: prefixes are resolved; an empty element, or a blank one that is no leaf of a text type, has no value.
+// JSON: an entry of a list or leaf-list is a node; `null` is a node without value; `[null]` is the value "" (type
+// empty); the annotation `ietf-netconf:operation` sets `given_operation`, also of a leaf that is itself not there and
+// then is made, without value. Other annotations are ignored when their module is known.
+class document {
+ public:
+  // Tells XML from JSON by the first character that is not blank. `file` is for messages. The schema must outlive the
+  // document. Throws `error`, with file and line, for text that is not well-formed or not safe: invalid UTF-8,
+  // characters that YANG has not (RFC 7950, section 9.4), document types and entities (RFC 6241, section 3),
+  // undeclared prefixes, elements without namespace, unknown attributes of data, unknown modules, repeated attributes
+  // or members, an `operation` without namespace or with an unknown word, and whatever exceeds a limit.
+  static document read(std::string text, std::string file, const schema &schema, const read_limits &limits = {});
+
+  document(document &&) noexcept;
+  document &operator=(document &&) noexcept;
+  ~document();
+
+  data_format format() const;
+  const std::string &file() const;
+  const schema &modules() const;
+
+  // The root element, or the members of the JSON object.
+  std::span<yfw_node_t> roots();
+  std::span<const yfw_node_t> roots() const;
+
+  // The line where the node begins, from 1; in JSON the line of its name or of its place in the array.
+  unsigned line(const yfw_node_t &node) const;
+
+  // File, line and path of a node of this document.
+  place where(const yfw_node_t &node) const;
+
+  // The value of an XML attribute; `ns` is empty for one without prefix. None in JSON.
+  std::optional<std::string_view> attribute(const yfw_node_t &node, std::string_view ns, std::string_view name) const;
+
+  // The namespace that `prefix` has at that node: in XML by the declarations in scope ("" is the default namespace), in
+  // JSON by taking it as the name of a module.
+  std::optional<std::string_view> prefix_namespace(const yfw_node_t &node, std::string_view prefix) const;
+
+  // `schema::check_value` of the node's value with the prefixes in scope; for nodes that are leaves of the schema.
+  checked_value check(const yfw_node_t &node) const;
+
+  struct parts;  // of the readers
+
+ private:
+  explicit document(std::unique_ptr<parts> inside);
+  std::unique_ptr<parts> parts_;
+};
+
+// The path of a node with plain names and the keys that it has: /library/book[title="Emma"]/price. Envelopes around
+// data are left out.
+std::string path(const yfw_node_t &node);
+
+}  // namespace yfw

@@ -1,0 +1,49 @@
+// What a framework must know to call a plug-in and cannot ask of the YANG modules: the data file beside the plug-in.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace yfw {
+
+// `ox` takes a tree of the high model (a client's request), `xo` a tree of a low model (native data).
+enum class direction { ox, xo };
+
+// Serves the nodes of `module` that stand below the schema node `at` ("/": at the top).
+struct entry_point {
+  direction dir;
+  std::string module;
+  std::string at;
+  std::string function;
+};
+
+// A native list whose entries stand for entries of a list of the high model, by one key each.
+struct list_pair {
+  std::string high;
+  std::string high_key;
+  std::string low;
+  std::string low_key;
+};
+
+// Called for each entry of list `at`: `xo` reports defaults of a native entry, `ox` writes those of a created entry.
+struct default_function {
+  direction dir;
+  std::string at;
+  std::string function;
+};
+
+struct manifest {
+  std::vector<entry_point> entry_points;
+  std::vector<list_pair> lists;
+  std::vector<default_function> defaults;
+
+  // Reads a manifest. Throws `error` for a file that cannot be read, is not JSON, lacks a member, has an unknown one or
+  // was written for another version of the ABI.
+  static manifest read(const std::filesystem::path &file);
+
+  // The pair with that native list, or null.
+  const list_pair *pair_of_low(std::string_view path) const;
+};
+
+}  // namespace yfw

@@ -1,0 +1,54 @@
+// What the device is asked to set, delete or read for a client's request: the calls that a plug-in makes of it.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "yfw/client_request.hpp"
+#include "yfw/data_tree.hpp"
+#include "yfw/plugin.hpp"
+#include "yfw/schema.hpp"
+#include "yfw/trace.hpp"
+
+namespace yfw {
+
+enum class call_kind { set, remove, read };
+
+// One step of a native path. Keys that are not known select all entries of a list.
+struct path_step {
+  const lysc_node *node;
+  std::vector<std::pair<std::string_view, std::string>> keys;
+};
+
+// One path that the plug-in emitted. Schema nodes belong to the schema, the rest to the call.
+struct native_call {
+  call_kind kind;
+  std::vector<path_step> steps;
+  std::optional<std::string> value;  // of a set; in a read, the key that selects an entry
+  uint32_t operation;                // YFW_OPERATION_…, of a set or delete
+
+  // /list[key='x']/leaf with plain names, in the form of an instance-identifier (RFC 7950, section 9.13).
+  std::string path() const;
+};
+
+struct native_request {
+  client_request client;
+  std::vector<native_call> calls;  // in the order in which the plug-in made them
+  std::vector<std::string> notes;  // what is not done and why, one line each, place first
+};
+
+// Lets the plug-in translate a request. A leaf of a read that has no native counterpart is left out with a note, the rest
+// is served. Throws `error`, with the place in the document, for data that the modules do not have, for a write of a
+// leaf that is not mapped or whose value has no native counterpart, and for whatever the plug-in refuses.
+native_request translate_request(document &request, client_request client, const plugin &mapping, trace_log &log);
+
+// The net effect of the calls as one native tree: for reads a subtree filter (RFC 6241, section 6), whose nodes have no
+// values but for keys; for writes the content of an edit-config's `config`, where a later call on a leaf replaces an
+// earlier one.
+data_tree native_tree(const native_request &request, const schema &modules);
+
+}  // namespace yfw

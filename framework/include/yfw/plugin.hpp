@@ -1,0 +1,47 @@
+// A mapping plug-in, loaded from its shared library, with its manifest.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+
+#include "yfw.h"
+#include "yfw/manifest.hpp"
+
+namespace yfw {
+
+// The forms of the functions that a framework calls.
+using entry_function = uint32_t (*)(yfw_ctx_t *, yfw_node_t *, yfw_node_t *);
+using report_defaults_function = uint32_t (*)(void *, yfw_ctx_t *, void *, yfw_node_t *);
+using create_defaults_function = uint32_t (*)(void *, yfw_ctx_t *, yfw_node_t *, yfw_node_t *);
+
+class plugin {
+ public:
+  // Loads the library and the manifest beside it, `NAME.manifest.json` for `NAME.so`. Every function that the manifest
+  // names must be there. Throws `error` otherwise, and when the library needs a name that nothing defines.
+  static plugin load(const std::filesystem::path &library);
+
+  plugin(plugin &&other) noexcept;
+  plugin &operator=(plugin &&) = delete;
+  ~plugin();
+
+  const manifest &description() const {
+    return manifest_;
+  }
+
+  // The function of that name; the caller knows its form from where the manifest names it.
+  template <typename function_t>
+  function_t function(const std::string &name) const {
+    return reinterpret_cast<function_t>(address(name));
+  }
+
+ private:
+  plugin(std::filesystem::path library, void *handle, manifest description);
+  void *address(const std::string &name) const;
+
+  std::filesystem::path library_;
+  void *handle_;
+  manifest manifest_;
+};
+
+}  // namespace yfw

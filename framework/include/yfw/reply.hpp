@@ -1,0 +1,33 @@
+// Native data translated into data of the high model.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "yfw/data_tree.hpp"
+#include "yfw/document.hpp"
+#include "yfw/plugin.hpp"
+#include "yfw/trace.hpp"
+
+namespace yfw {
+
+// The `content` query parameter of RESTCONF (RFC 8040, section 4.8.1).
+enum class content { all, config, nonconfig };
+
+struct reply_options {
+  content wanted = content::all;
+  std::vector<std::string> entries;  // keys of the list entries that are wanted; empty: all
+};
+
+struct reply {
+  data_tree data;
+  std::vector<std::string> notes;  // what is left out and why, one line each, place first
+};
+
+// Lets the plug-in translate native data, with or without `rpc-reply` and `data` around. The data of a value that has no
+// counterpart is left out with a note. Throws `error`, with the place in the document, for top-level data that the
+// modules do not have, for a list entry without its key, for an rpc-error and for whatever the plug-in refuses.
+reply translate_reply(document &native, const plugin &mapping, const reply_options &options, trace_log &log);
+
+}  // namespace yfw

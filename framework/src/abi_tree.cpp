@@ -1,0 +1,85 @@
+// The calls of the ABI that read the input tree and keep the node hierarchy.
+#include <cstring>
+
+#include "context.hpp"
+#include "yfw/node.hpp"
+
+using yfw::active_context;
+using yfw::context;
+using yfw::context_of;
+
+namespace {
+
+bool writes(const context &ctx) {
+  const uint32_t operation = ctx.record.request->operation;
+  return operation != YFW_REQUEST_READ_CONFIG && operation != YFW_REQUEST_READ_ALL;
+}
+
+// Whether the running request writes and `node` carries an operation from `first` to `last`.
+uint32_t is_write_between(const yfw_node_t *node, uint32_t first, uint32_t last) {
+  const context *ctx = active_context();
+  return ctx != nullptr && writes(*ctx) && node->operation >= first && node->operation <= last ? 1 : 0;
+}
+
+}  // namespace
+
+uint32_t yfw_map_do_these_match(const char *first, const char *second) {
+  if (first == nullptr || second == nullptr) {
+    return 0;
+  }
+  if (context *ctx = active_context(); ctx != nullptr) {
+    ctx->last_compared = first;
+  }
+  return std::strcmp(first, second) == 0 ? 1 : 0;
+}
+
+void yfw_map_add_to_node_hierarchy(yfw_ctx_t *ctx, yfw_node_t *node, uint32_t /*level*/) {
+  context_of(ctx).hierarchy.push_back(node);
+}
+
+void yfw_map_remove_from_node_hierarchy(yfw_ctx_t *ctx, yfw_node_t * /*node*/) {
+  context_of(ctx).hierarchy.pop_back();
+}
+
+uint32_t yfw_map_is_request_add(const yfw_node_t *node) {
+  return is_write_between(node, YFW_OPERATION_MERGE, YFW_OPERATION_CREATE);
+}
+
+uint32_t yfw_map_is_request_delete(const yfw_node_t *node) {
+  return is_write_between(node, YFW_OPERATION_DELETE, YFW_OPERATION_REMOVE);
+}
+
+uint32_t yfw_map_get_node_info(yfw_ctx_t *ctx, const char *list_path, const char *key_name, const char **value) {
+  context &self = context_of(ctx);
+  const yfw_node_t *entry = self.open_entry(list_path);
+  if (entry == nullptr) {
+    return self.fail("no entry of list '" + std::string(list_path) + "' encloses the node");
+  }
+  const yfw_node_t *key = yfw::child(*entry, key_name);
+  if (key == nullptr || key->value == nullptr) {
+    return self.fail("the entry of list '" + std::string(list_path) + "' has no key '" + key_name + "'");
+  }
+  *value = key->value;
+  return 0;
+}
+
+uint32_t yfw_map_get_node_info_mpls_static(yfw_ctx_t *ctx, const char * /*list_path*/, const char *container,
+                                           const char *leaf, const char **value) {
+  const yfw_node_t *entry = context_of(ctx).native_entry;
+  const yfw_node_t *parent = entry != nullptr ? yfw::child(*entry, container) : nullptr;
+  const yfw_node_t *item = parent != nullptr ? yfw::child(*parent, leaf) : nullptr;
+  if (item == nullptr) {
+    return 1;
+  }
+  *value = item->value;
+  return 0;
+}
+
+uint32_t yfw_map_util_itree_stack_peak_level(yfw_ctx_t *ctx, uint32_t level, yfw_itree_entry_t **entry) {
+  context &self = context_of(ctx);
+  if (level >= self.tree_stack.size() || self.tree_stack[level].node == nullptr) {
+    return yfw::status_framework_failure;
+  }
+  *entry = &self.tree_stack[level];
+  return 0;
+}

@@ -1,0 +1,48 @@
+// The output of a client request: each emitted native path becomes a call.
+#pragma once
+
+#include <deque>
+#include <string>
+#include <vector>
+
+#include "context.hpp"
+#include "schema_steps.hpp"
+#include "yfw/native_request.hpp"
+
+namespace yfw {
+
+// A call as it was made. The mapping may still change the operation of `node` after it.
+struct recorded_call {
+  yfw_node_t node;  // the output node that the plug-in may get hold of
+  native_call call;
+  const yfw_node_t *source;   // the request node that it stands for, or null
+  const char *last_compared;  // text of the request node that the plug-in looked at last
+  bool value_lost;            // neither a set nor a delete: the value has no native counterpart
+};
+
+class call_recorder : public output_sink {
+ public:
+  explicit call_recorder(const schema &modules) : paths_(modules) {}
+
+  uint32_t add_path(context &ctx, std::string_view path, const char *ns, const char *value, yfw_node_t *source,
+                    yfw_node_t **created) override;
+  uint32_t enter_list(context &ctx, yfw_node_t **current_list, std::string_view path, const char *key_value,
+                      const char *key_name) override;
+
+  const std::deque<recorded_call> &recorded() const {
+    return recorded_;
+  }
+  void clear() {
+    recorded_.clear();
+  }
+  // Moves the calls to the end of `calls`, with the operations that their nodes have by now.
+  void take(std::vector<native_call> &calls);
+
+ private:
+  std::vector<path_step> steps_with_keys(const context &ctx, const schema_steps &steps) const;
+
+  path_table paths_;
+  std::deque<recorded_call> recorded_;
+};
+
+}  // namespace yfw

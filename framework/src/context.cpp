@@ -1,0 +1,78 @@
+#include "context.hpp"
+
+#include <cstdlib>
+#include <utility>
+
+namespace yfw {
+namespace {
+
+thread_local context *running_context = nullptr;
+
+}  // namespace
+
+context::context(const schema &model_schema, const manifest &plugin_description, yfw::trace_log &trace, output_sink &output,
+                 uint32_t request_operation)
+    : yfw_ctx_t{}, schemas(model_schema), description(plugin_description), log(trace), sink(output) {
+  request_.operation = request_operation;
+  record.request = &request_;
+  request = &record;
+  _debug_ctx.framework_0[0] = log.wants_short_form() ? 1 : 0;
+  // The handles tell the two levels apart; what they point to does not matter.
+  trace_log = this;
+  error_log = &problems;
+  ring_trace = &log;
+  ring_trace_enabled = log.wants_long_form() ? 1 : 0;
+}
+
+context::~context() {
+  std::free(record.error_tag);
+}
+
+void context::reset() {
+  std::free(std::exchange(record.error_tag, nullptr));
+  record.walker_flags = 0;
+  record.current_list = nullptr;
+  record.output_list_count = 0;
+  record.expansion_in_progress = 0;
+  record.expansion_flags = 0;
+  record.leaf_marking_suppressed = 0;
+  output_root = {};
+  last_compared = nullptr;
+  problems.clear();
+  failure.clear();
+}
+
+uint32_t context::fail(std::string reason) {
+  failure = std::move(reason);
+  return status_framework_failure;
+}
+
+void context::report(std::string text) {
+  problems.push_back({std::move(text), last_compared, hierarchy.empty() ? nullptr : hierarchy.back()});
+}
+
+const yfw_node_t *context::open_entry(std::string_view path) const {
+  size_t depth = 0;
+  while (!path.empty()) {
+    path.remove_prefix(1);  // the slash
+    const std::string_view name = path.substr(0, path.find('/'));
+    if (depth == hierarchy.size() || hierarchy[depth]->tag == nullptr || name != hierarchy[depth]->tag) {
+      return nullptr;
+    }
+    path.remove_prefix(name.size());
+    ++depth;
+  }
+  return depth == 0 ? nullptr : hierarchy[depth - 1];
+}
+
+context *active_context() {
+  return running_context;
+}
+
+active_scope::active_scope(context &ctx) : outer_(std::exchange(running_context, &ctx)) {}
+
+active_scope::~active_scope() {
+  running_context = outer_;
+}
+
+}  // namespace yfw

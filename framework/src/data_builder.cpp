@@ -1,0 +1,87 @@
+#include "data_builder.hpp"
+
+#include <algorithm>
+
+#include "yfw/node.hpp"
+#include "ymap_frame.h"
+
+namespace yfw {
+
+// The list nearest above step `count - 1`, or null.
+const lysc_node *data_builder::innermost_list(const schema_steps &steps, size_t count) {
+  while (count > 0 && !is_list(steps[count - 1])) {
+    --count;
+  }
+  return count > 0 ? steps[count - 1] : nullptr;
+}
+
+// The current list entry, or the one above it, that is an entry of `list`; null when there is none.
+data_node *data_builder::enclosing(const context &ctx, const lysc_node *list) const {
+  const yfw_node_t *current = ctx.record.current_list;
+  data_node *node = current != nullptr ? reinterpret_cast<const entered *>(current)->data : nullptr;
+  while (node != nullptr && node->schema != list) {
+    node = node->parent;
+  }
+  return node;
+}
+
+uint32_t data_builder::add_path(context &ctx, std::string_view path, const char *ns, const char *value,
+                                yfw_node_t * /*source*/, yfw_node_t **created) {
+  const schema_steps &steps = paths_.steps(path, ns);
+  if (steps.empty()) {
+    return ctx.fail("the modules have no path '" + std::string(path) + "' in namespace '" + ns + "'");
+  }
+  if (created != nullptr) {
+    *created = nullptr;
+  }
+  const lysc_node *list = innermost_list(steps, steps.size());
+  data_node *node = list != nullptr ? enclosing(ctx, list) : nullptr;
+  if (list != nullptr && node == nullptr) {
+    return ctx.fail("no entry of list '" + yfw::path(list) + "' is current for '" + std::string(path) + "'");
+  }
+  if (value == nullptr) {
+    const bool known = !ctx.problems.empty() && ctx.problems.back().last_compared == ctx.last_compared;
+    if (!known) {
+      ctx.report("no value for '" + std::string(path) + "'");
+    }
+    return YMAP_OK;
+  }
+  auto step = std::find(steps.begin(), steps.end(), list);
+  for (step = step == steps.end() ? steps.begin() : step + 1; step != steps.end(); ++step) {
+    node = is_leaf_list(*step) ? &tree_.item(node, yfw::ns(*step), name(*step), value) : &tree_.at(node, *step);
+  }
+  tree_.set_value(*node, value);
+  return YMAP_OK;
+}
+
+uint32_t data_builder::enter_list(context &ctx, yfw_node_t **current_list, std::string_view path, const char *key_text,
+                                  const char *key_name) {
+  if (!wanted_.empty()) {
+    if (std::find(wanted_.begin(), wanted_.end(), key_text) == wanted_.end()) {
+      return YMAP_ERR_NO_MATCH;
+    }
+    met_.insert(key_text);
+  }
+  const schema_steps &steps = paths_.steps(path, {});
+  if (steps.empty() || !is_list(steps.back())) {
+    return ctx.fail("the modules have no list '" + std::string(path) + "'");
+  }
+  const lysc_node *outer = innermost_list(steps, steps.size() - 1);
+  data_node *node = outer != nullptr ? enclosing(ctx, outer) : nullptr;
+  auto step = std::find(steps.begin(), steps.end(), outer);
+  for (step = step == steps.end() ? steps.begin() : step + 1; step + 1 != steps.end(); ++step) {
+    node = &tree_.at(node, *step);
+  }
+  const yfw::key_value key{key_name, key_text};
+  data_node &entry = tree_.entry(node, ns(steps.back()), name(steps.back()), {&key, 1});
+  entered *&known = known_[&entry];
+  if (known == nullptr) {
+    known = &entered_.emplace_back(entered{yfw_node_t{}, &entry});
+    known->node.tag = entry.tag.data();
+    known->node.ns = entry.ns.data();
+  }
+  *current_list = &known->node;
+  return YMAP_OK;
+}
+
+}  // namespace yfw

@@ -1,0 +1,49 @@
+// The output of native data: each emitted path becomes a leaf of the high model's tree.
+#pragma once
+
+#include <deque>
+#include <set>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "context.hpp"
+#include "schema_steps.hpp"
+#include "yfw/data_tree.hpp"
+
+namespace yfw {
+
+class data_builder : public output_sink {
+ public:
+  // Adds to `tree`. With names in `wanted`, only list entries with one of them as key are entered. Both must outlive it.
+  data_builder(data_tree &tree, const std::vector<std::string> &wanted)
+      : tree_(tree), wanted_(wanted), paths_(tree.modules()) {}
+
+  uint32_t add_path(context &ctx, std::string_view path, const char *ns, const char *value, yfw_node_t *source,
+                    yfw_node_t **created) override;
+  uint32_t enter_list(context &ctx, yfw_node_t **current_list, std::string_view path, const char *key_value,
+                      const char *key_name) override;
+
+  // Those of the wanted names that were met.
+  const std::set<std::string> &met() const {
+    return met_;
+  }
+
+ private:
+  // An entry as the plug-in knows it: by the address of a node.
+  struct entered {
+    yfw_node_t node;
+    data_node *data;
+  };
+  data_node *enclosing(const context &ctx, const lysc_node *list) const;
+  static const lysc_node *innermost_list(const schema_steps &steps, size_t count);
+
+  data_tree &tree_;
+  const std::vector<std::string> &wanted_;
+  path_table paths_;
+  std::set<std::string> met_;
+  std::deque<entered> entered_;
+  std::unordered_map<const data_node *, entered *> known_;
+};
+
+}  // namespace yfw

@@ -1,0 +1,185 @@
+#include "handover.hpp"
+
+#include <algorithm>
+
+namespace yfw {
+namespace {
+
+constexpr uint32_t tolerated_above_entry[] = {YFW_OPERATION_MERGE, YFW_OPERATION_CREATE};
+
+// "/" for the top, where entry points of root containers are.
+std::string path_or_top(const lysc_node *node) {
+  return node == nullptr ? "/" : path(node);
+}
+
+class planner {
+ public:
+  planner(document &request, const client_request &client, const manifest &description, walk_tree &nodes)
+      : document_(request), client_(client), manifest_(description), nodes_(nodes) {}
+
+  handover_plan plan() {
+    if (client_.everything) {
+      read_below(nullptr, "everything");
+    }
+    for (yfw_node_t *node : client_.data) {
+      require_known_node(document_, *node);
+      place_node(*node, nullptr, client_.default_operation);
+    }
+    return std::move(plan_);
+  }
+
+ private:
+  // Hands `node` over, goes below it, or finds nobody to serve it. `above` is its schema parent.
+  void place_node(yfw_node_t &node, const lysc_node *above, uint32_t inherited) {
+    const lysc_node *schema = extra(node).schema;
+    if (const entry_point *entry = entry_for(above, module_name(schema)); entry != nullptr) {
+      add({ancestors_, key_, &node, schema, inherited, entry, nullptr});
+    } else if (leads_to_entry(schema)) {
+      enter(node, schema, inherited);
+    } else {
+      nobody_serves(node);
+    }
+  }
+
+  void enter(yfw_node_t &node, const lysc_node *schema, uint32_t inherited) {
+    const uint32_t operation = operation_above_entry(node, inherited);
+    yfw_node_t *const outer_key = key_;
+    if (!client_.is_read()) {
+      require_unique_children(document_, node);
+    }
+    if (is_list(schema)) {
+      key_ = check_keys(node, schema);
+    }
+    ancestors_.push_back(&node);
+    if (operation == YFW_OPERATION_CREATE) {
+      add_defaults(node, schema);
+    }
+    size_t selections = 0;
+    for (yfw_node_t &below : children(node)) {
+      require_known_node(document_, below);
+      if (!is_key(extra(below).schema)) {
+        ++selections;
+        place_node(below, schema, operation);
+      } else if (client_.is_read() && below.value == nullptr) {
+        ++selections;
+        note(below, "is a key: it comes with whatever else is read");
+      }
+    }
+    if (selections == 0 && client_.is_read()) {
+      read_below(schema, document_.where(node).path);
+    }
+    ancestors_.pop_back();
+    key_ = outer_key;
+  }
+
+  // Reads all that the entry points below `above` serve.
+  void read_below(const lysc_node *above, const std::string &asked) {
+    bool found = false;
+    for (const lysc_node *below : document_.modules().children(above)) {
+      if (const entry_point *entry = entry_for(above, module_name(below)); entry != nullptr && !is_key(below)) {
+        add({ancestors_, key_, nullptr, below, YFW_OPERATION_MERGE, entry, nullptr});
+        found = true;
+      } else if (leads_to_entry(below)) {
+        ancestors_.push_back(nodes_.made(below));
+        read_below(below, asked);
+        ancestors_.pop_back();
+        found = true;
+      }
+    }
+    if (!found) {
+      plan_.notes.push_back(asked + ": nothing below it is mapped");
+    }
+  }
+
+  // A node above an entry point stands for itself only: no plug-in deletes or replaces it. A list entry may be created.
+  uint32_t operation_above_entry(const yfw_node_t &node, uint32_t inherited) const {
+    if (client_.is_read()) {
+      return YFW_OPERATION_MERGE;
+    }
+    const uint32_t given = extra(node).given_operation;
+    const uint32_t operation = given != no_operation ? given : inherited;
+    const bool tolerated = operation == no_operation || std::find(std::begin(tolerated_above_entry),
+                                                                  std::end(tolerated_above_entry),
+                                                                  operation) != std::end(tolerated_above_entry);
+    if (!tolerated || (operation == YFW_OPERATION_CREATE && !is_list(extra(node).schema))) {
+      throw error(document_.where(node), "no plug-in can carry out operation " + quoted(operation_word(operation)) +
+                                             " on it; give the operation on a mapped node below it");
+    }
+    return operation;
+  }
+
+  yfw_node_t *check_keys(yfw_node_t &entry, const lysc_node *list) const {
+    yfw_node_t *first = nullptr;
+    for (const std::string_view name : keys(list)) {
+      yfw_node_t *key = child(entry, name);
+      if (!client_.is_read() && (key == nullptr || key->value == nullptr)) {
+        throw error(document_.where(entry), "has no key " + quoted(name) + ", which an edit needs");
+      }
+      if (key != nullptr && key->value != nullptr) {
+        if (const checked_value checked = document_.check(*key); !checked.ok) {
+          throw error(document_.where(*key), checked.why);
+        }
+        first = first == nullptr ? key : first;
+      }
+    }
+    return first;
+  }
+
+  void add_defaults(yfw_node_t &node, const lysc_node *schema) {
+    for (const default_function &defaults : manifest_.defaults) {
+      if (defaults.dir == direction::ox && defaults.at == path(schema)) {
+        add({ancestors_, key_, &node, schema, YFW_OPERATION_CREATE, nullptr, &defaults});
+      }
+    }
+  }
+
+  void nobody_serves(const yfw_node_t &node) {
+    if (!client_.is_read()) {
+      throw error(document_.where(node), "is not mapped: no plug-in serves " + quoted(module_name(extra(node).schema)) +
+                                             " there");
+    }
+    note(node, "is not mapped: no plug-in serves " + quoted(module_name(extra(node).schema)) + " there");
+  }
+
+  const entry_point *entry_for(const lysc_node *above, std::string_view served_module) const {
+    const std::string at = path_or_top(above);
+    for (const entry_point &entry : manifest_.entry_points) {
+      if (entry.dir == direction::ox && entry.at == at && entry.module == served_module) {
+        return &entry;
+      }
+    }
+    return nullptr;
+  }
+
+  bool leads_to_entry(const lysc_node *schema) const {
+    const std::string here = path(schema);
+    return std::any_of(manifest_.entry_points.begin(), manifest_.entry_points.end(), [&](const entry_point &entry) {
+      return entry.dir == direction::ox && (entry.at == here || entry.at.starts_with(here + "/"));
+    });
+  }
+
+  void note(const yfw_node_t &node, const std::string &text) {
+    plan_.notes.push_back(error(document_.where(node), text).what());
+  }
+
+  void add(handover added) {
+    plan_.handovers.push_back(std::move(added));
+  }
+
+  document &document_;
+  const client_request &client_;
+  const manifest &manifest_;
+  walk_tree &nodes_;
+  handover_plan plan_;
+  std::vector<yfw_node_t *> ancestors_;
+  yfw_node_t *key_ = nullptr;
+};
+
+}  // namespace
+
+handover_plan plan_handovers(document &request, const client_request &client, const manifest &description,
+                             walk_tree &nodes) {
+  return planner(request, client, description, nodes).plan();
+}
+
+}  // namespace yfw

@@ -1,0 +1,34 @@
+// Which nodes of a client's request are handed to which entry point of a plug-in.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "walk_tree.hpp"
+#include "yfw/plugin.hpp"
+
+namespace yfw {
+
+// A node for an entry point, or, with `defaults`, a list entry that is created.
+struct handover {
+  std::vector<yfw_node_t *> ancestors;  // open above it, outermost first
+  yfw_node_t *key = nullptr;            // first key leaf of the innermost list entry above, or null
+  const yfw_node_t *node = nullptr;     // the client's; null: the whole of `schema` is read
+  const lysc_node *schema = nullptr;
+  uint32_t inherited = YFW_OPERATION_MERGE;  // operation in force above `node`, or no_operation
+  const entry_point *entry = nullptr;
+  const default_function *defaults = nullptr;
+};
+
+struct handover_plan {
+  std::vector<handover> handovers;
+  std::vector<std::string> notes;
+};
+
+// Finds the entry points for all that the request names; for a read that ends above an entry point, for all that is
+// below. In a read, what no entry point serves becomes a note. Throws `error` for unknown data, and in a write for
+// whatever no entry point serves and for operations on nodes above the entry points, which no plug-in could carry out.
+handover_plan plan_handovers(document &request, const client_request &client, const manifest &description,
+                             walk_tree &nodes);
+
+}  // namespace yfw

@@ -1,0 +1,67 @@
+#include "yfw/native_request.hpp"
+
+namespace yfw {
+namespace {
+
+// In single quotes, or in double ones if the text holds a single one.
+std::string key_literal(const std::string &text) {
+  const char quote = text.find('\'') == std::string::npos ? '\'' : '"';
+  return quote + text + quote;
+}
+
+// The node for a step: the entry with the known keys, or one that stands for all entries and asks for their keys, since
+// nobody could tell them apart otherwise.
+data_node &descend(data_tree &tree, data_node *parent, const path_step &step) {
+  if (!is_list(step.node)) {
+    return tree.at(parent, step.node);
+  }
+  std::vector<key_value> known(step.keys.begin(), step.keys.end());
+  data_node &entry = tree.entry(parent, ns(step.node), name(step.node), known);
+  if (known.empty()) {
+    for (const std::string_view key : keys(step.node)) {
+      (void)tree.at(&entry, ns(step.node), key);
+    }
+  }
+  return entry;
+}
+
+void add_call(data_tree &tree, const native_call &call) {
+  data_node *node = nullptr;
+  for (const path_step &step : call.steps) {
+    node = &descend(tree, node, step);
+  }
+  if (call.kind == call_kind::read) {
+    if (call.value) {
+      tree.set_value(*node, *call.value);
+    }
+    return;
+  }
+  node->value.reset();
+  if (call.value) {
+    tree.set_value(*node, *call.value);
+  }
+  node->operation = call.operation == YFW_OPERATION_MERGE ? std::nullopt : std::optional(call.operation);
+}
+
+}  // namespace
+
+std::string native_call::path() const {
+  std::string text;
+  for (const path_step &step : steps) {
+    text.append("/").append(name(step.node));
+    for (const auto &[key, key_text] : step.keys) {
+      text.append("[").append(key).append("=").append(key_literal(key_text)).append("]");
+    }
+  }
+  return text;
+}
+
+data_tree native_tree(const native_request &request, const schema &modules) {
+  data_tree tree(modules);
+  for (const native_call &call : request.calls) {
+    add_call(tree, call);
+  }
+  return tree;
+}
+
+}  // namespace yfw

@@ -1,0 +1,300 @@
+#include <algorithm>
+#include <cstring>
+
+#include "document_parts.hpp"
+#include "text.hpp"
+#include "tree_builder.hpp"
+#include "yfw/error.hpp"
+
+namespace yfw {
+
+namespace {
+
+// A namespace declaration in scope. Prefix "" is the default namespace, which "" as namespace takes back.
+struct declaration {
+  std::string_view prefix;
+  const char *ns;
+};
+
+// An element that is not closed yet.
+struct open_element {
+  pugi::xml_node next;        // the child to look at next
+  size_t outer_declarations;  // how many declarations are in scope around the element
+  const char *text = nullptr;
+  bool has_elements = false;
+};
+
+class xml_reader {
+ public:
+  explicit xml_reader(document::parts &parts) : parts_(parts), builder_(parts) {}
+
+  void read(pugi::xml_node root) {
+    open(root);
+    while (!open_.empty()) {
+      step();
+    }
+    builder_.finish();
+  }
+
+ private:
+  size_t offset_of(const char *text) const {
+    return static_cast<size_t>(text - parts_.text.data());
+  }
+
+  // Takes the next child of the innermost open element, or closes the element after its last one.
+  void step() {
+    const pugi::xml_node next = open_.back().next;
+    if (!next) {
+      close();
+      return;
+    }
+    open_.back().next = next.next_sibling();
+    if (next.type() == pugi::node_element) {
+      refuse_text(open_.back().text);
+      open_.back().text = nullptr;
+      open_.back().has_elements = true;
+      open(next);
+    } else {
+      add_text(next.value());
+    }
+  }
+
+  void open(pugi::xml_node element) {
+    const size_t offset = offset_of(element.name());
+    const size_t outer = declarations_.size();
+    const bool has_attributes = static_cast<bool>(element.first_attribute());
+    if (has_attributes) {
+      declare(element, offset);
+    }
+    const char *colon = std::strchr(element.name(), ':');
+    const char *tag = colon == nullptr ? element.name() : colon + 1;
+    if (*tag == '\0' || colon == element.name() || std::strchr(tag, ':') != nullptr) {
+      builder_.fail(offset, quoted(element.name()) + " is not a name");
+    }
+    const char *ns = element_namespace(element, tag, offset);
+    builder_.open(tag, ns, offset, element.internal_object());
+    if (has_attributes) {
+      read_attributes(element);
+    }
+    const char *value = element.value();
+    open_.push_back({element.first_child(), outer, *value != '\0' ? value : nullptr});
+  }
+
+  void close() {
+    const open_element &element = open_.back();
+    yfw_node_t &node = builder_.current();
+    if (element.text != nullptr && is_value(node, element.text)) {
+      const bool is_joined = element.text == joined_.data();
+      node.value = is_joined ? parts_.arena.text(joined_) : element.text;
+    }
+    declarations_.resize(element.outer_declarations);
+    builder_.close();
+    open_.pop_back();
+  }
+
+  // Blank text is layout, unless it is what a leaf may hold.
+  bool is_value(const yfw_node_t &node, const char *text) const {
+    const lysc_node *schema = extra(node).schema;
+    return !is_blank(std::string_view(text)) || (is_leaf(schema) && parts_.modules->check_value(schema, text).ok);
+  }
+
+  // Text in several pieces (around CDATA sections and comments) is joined; there is none around elements.
+  void add_text(const char *piece) {
+    open_element &element = open_.back();
+    if (element.has_elements) {
+      refuse_text(piece);
+    } else if (element.text == nullptr) {
+      element.text = piece;
+    } else {
+      if (element.text != joined_.data()) {
+        joined_ = element.text;
+      }
+      joined_ += piece;
+      element.text = joined_.data();
+    }
+  }
+
+  void refuse_text(const char *text) {
+    if (text != nullptr && !is_blank(std::string_view(text))) {
+      builder_.fail(extra(builder_.current()).offset, "text " + quoted(text) + " stands beside elements");
+    }
+  }
+
+  // Puts the element's namespace declarations in scope, and refuses repeated and too many attributes.
+  void declare(pugi::xml_node element, size_t offset) {
+    names_.clear();
+    for (const pugi::xml_attribute attribute : element.attributes()) {
+      const std::string_view name = attribute.name();
+      if (std::ranges::find(names_, name) != names_.end()) {
+        builder_.fail(offset, "attribute " + quoted(name) + " is given twice");
+      }
+      names_.push_back(name);
+      if (names_.size() > parts_.limits.attributes) {
+        builder_.fail(offset, "more than " + std::to_string(parts_.limits.attributes) + " attributes");
+      }
+      if (name == "xmlns") {
+        declarations_.push_back({"", attribute.value()});
+      } else if (name.starts_with("xmlns:")) {
+        add_prefix(name.substr(6), attribute.value(), offset);
+      }
+    }
+    if (declarations_.size() > parts_.limits.declarations) {
+      builder_.fail(offset,
+                    "more than " + std::to_string(parts_.limits.declarations) + " namespace declarations in scope");
+    }
+  }
+
+  void add_prefix(std::string_view prefix, const char *ns, size_t offset) {
+    if (prefix.empty() || *ns == '\0') {
+      builder_.fail(offset, "prefix " + quoted(prefix) + " is declared without a namespace or a name");
+    }
+    declarations_.push_back({prefix, ns});
+  }
+
+  // The namespace of a prefix; null when it is not declared.
+  const char *in_scope(std::string_view prefix) const {
+    if (prefix == "xml") {
+      return xml_ns.data();
+    }
+    const auto found = std::find_if(declarations_.rbegin(), declarations_.rend(),
+                                    [&](const declaration &each) { return each.prefix == prefix; });
+    return found == declarations_.rend() ? nullptr : found->ns;
+  }
+
+  const char *namespace_of(std::string_view prefix, size_t offset) {
+    const char *ns = in_scope(prefix);
+    if (ns == nullptr) {
+      builder_.fail(offset, "prefix " + quoted(prefix) + " is not declared");
+    }
+    return ns;
+  }
+
+  const char *element_namespace(pugi::xml_node element, const char *tag, size_t offset) {
+    if (tag != element.name()) {
+      return namespace_of({element.name(), static_cast<size_t>(tag - element.name() - 1)}, offset);
+    }
+    const char *ns = in_scope("");
+    if (ns == nullptr || *ns == '\0') {
+      builder_.fail(offset, quoted(tag) + " is in no namespace" + declaration_hint(tag));
+    }
+    return ns;
+  }
+
+  // What would have been right, when just one module has such a node at the top.
+  std::string declaration_hint(std::string_view tag) const {
+    const lysc_node *known = parts_.modules->find("/" + std::string(tag), "");
+    return known == nullptr ? "" : "; it would be declared with xmlns=\"" + std::string(ns(known)) + '"';
+  }
+
+  // The attributes that are no declarations. Those of messages (message-id, type, select) are left to `attribute`.
+  void read_attributes(pugi::xml_node element) {
+    for (const pugi::xml_attribute attribute : element.attributes()) {
+      const std::string_view name = attribute.name();
+      if (name == "xmlns" || name.starts_with("xmlns:")) {
+        continue;
+      }
+      yfw_node_t &node = builder_.current();
+      const size_t offset = offset_of(attribute.name());
+      const size_t colon = name.find(':');
+      const std::string_view ns =
+          colon == std::string_view::npos ? std::string_view() : namespace_of(name.substr(0, colon), offset);
+      const std::string_view local = name.substr(colon == std::string_view::npos ? 0 : colon + 1);
+      if (local == "operation" && ns == netconf_ns) {
+        read_operation(node, attribute.value(), offset);
+      } else if (name == "operation") {
+        builder_.fail(offset, "attribute 'operation' is in no namespace; it would be nc:operation with xmlns:nc=\"" +
+                                  std::string(netconf_ns) + '"');
+      } else if (ns != xml_ns && !is_envelope(node)) {
+        builder_.fail(offset, "attribute " + quoted(name) + " is not one of data, which is nc:operation only");
+      }
+    }
+  }
+
+  void read_operation(yfw_node_t &node, const char *word, size_t offset) {
+    if (extra(node).given_operation != no_operation) {
+      builder_.fail(offset, "operation is given twice");
+    }
+    extra(node).given_operation = operation_number(word);
+    if (extra(node).given_operation == no_operation) {
+      builder_.fail(offset, not_an_operation(word));
+    }
+  }
+
+  document::parts &parts_;
+  tree_builder builder_;
+  std::vector<open_element> open_;
+  std::vector<declaration> declarations_;
+  std::vector<std::string_view> names_;  // of the attributes of one element
+  std::string joined_;                   // text in pieces of the innermost open element
+};
+
+// pugixml's reason in the framework's words; `text` is what stands at its place.
+std::string words(pugi::xml_parse_status status, std::string_view text) {
+  const std::string_view found = text.substr(0, std::min<size_t>(text.find_first_of("<>", 1), 40));
+  if (status == pugi::status_no_document_element) {
+    return "there is no element";
+  }
+  if (status == pugi::status_end_element_mismatch || status == pugi::status_bad_end_element) {
+    return is_blank(text) ? "the text ends inside an element"
+                          : quoted(found) + " does not close the element that is open there";
+  }
+  if (status == pugi::status_out_of_memory) {
+    return "there is no memory for it";
+  }
+  return quoted(found) + " is not well-formed XML";
+}
+
+void parse(document::parts &parts, size_t begin) {
+  constexpr unsigned options = pugi::parse_cdata | pugi::parse_escapes | pugi::parse_eol | pugi::parse_wconv_attribute |
+                               pugi::parse_declaration | pugi::parse_ws_pcdata_single | pugi::parse_fragment |
+                               pugi::parse_embed_pcdata;
+  const size_t size = parts.text.size() - begin;
+  const pugi::xml_parse_result result =
+      parts.xml.load_buffer_inplace(parts.text.data() + begin, size, options, pugi::encoding_utf8);
+  if (!result) {
+    const size_t at = begin + std::min(static_cast<size_t>(std::max<ptrdiff_t>(result.offset, 0)), size);
+    parts.fail(at, words(result.status, std::string_view(parts.text).substr(at)));
+  }
+}
+
+// A document is in UTF-8 whatever it says (RFC 6241, section 3); one that says something else is not meant so.
+void check_declaration(const document::parts &parts, pugi::xml_node declaration) {
+  const std::string encoding = declaration.attribute("encoding").as_string("UTF-8");
+  const auto is_same = [](char a, char b) { return (a | 0x20) == (b | 0x20); };
+  if (!std::ranges::equal(encoding, std::string_view("utf-8"), is_same)) {
+    parts.fail(0, "encoding " + yfw::quoted(encoding) + " is not 'UTF-8'");
+  }
+}
+
+pugi::xml_node single_root(const document::parts &parts) {
+  pugi::xml_node root;
+  for (const pugi::xml_node node : parts.xml.children()) {
+    if (node.type() == pugi::node_declaration) {
+      check_declaration(parts, node);
+    } else if (node.type() != pugi::node_element) {
+      if (!is_blank(std::string_view(node.value()))) {
+        parts.fail(static_cast<size_t>(node.value() - parts.text.data()),
+                   "text " + quoted(node.value()) + " stands outside the root element");
+      }
+    } else if (root) {
+      parts.fail(static_cast<size_t>(node.name() - parts.text.data()),
+                 "'<" + std::string(node.name()).substr(0, 80) + ">' is a second root element");
+    } else {
+      root = node;
+    }
+  }
+  if (!root) {
+    parts.fail(parts.text.size(), "there is no element");
+  }
+  return root;
+}
+
+}  // namespace
+
+void read_xml(document::parts &parts, size_t begin) {
+  check_markup(parts, begin);
+  parse(parts, begin);
+  xml_reader(parts).read(single_root(parts));
+}
+
+}  // namespace yfw

@@ -1,0 +1,208 @@
+#include "yfw/reply.hpp"
+
+#include <algorithm>
+#include <set>
+
+#include "context.hpp"
+#include "data_builder.hpp"
+#include "ymap_frame.h"
+#include "yfw/node.hpp"
+
+namespace yfw {
+namespace {
+
+uint32_t request_operation(content wanted) {
+  return wanted == content::config ? YFW_REQUEST_READ_CONFIG : YFW_REQUEST_READ_ALL;
+}
+
+// The node below `node` (or itself) whose tag or value is the text at that address, or null.
+const yfw_node_t *find_text(const yfw_node_t &node, const char *text) {
+  if (node.tag == text || node.value == text) {
+    return &node;
+  }
+  for (const yfw_node_t &below : children(node)) {
+    if (const yfw_node_t *found = find_text(below, text); found != nullptr) {
+      return found;
+    }
+  }
+  return nullptr;
+}
+
+class reply_translation {
+ public:
+  reply_translation(document &native, const plugin &mapping, const reply_options &options, trace_log &log)
+      : document_(native),
+        mapping_(mapping),
+        options_(options),
+        result_{data_tree(native.modules()), {}},
+        builder_(result_.data, options.entries),
+        context_(native.modules(), mapping.description(), log, builder_, request_operation(options.wanted)) {
+    if (options.wanted == content::nonconfig) {
+      context_.record.selection_1172 = 0x01;
+      context_.record.selection_mode = 2;
+    }
+  }
+
+  reply run() {
+    for (yfw_node_t &root : document_.roots()) {
+      visit_envelope(root);
+    }
+    for (const std::string &name : options_.entries) {
+      if (!builder_.met().contains(name)) {
+        result_.notes.push_back(error(place{document_.file(), 0, {}}, "has no list entry " + yfw::quoted(name)).what());
+      }
+    }
+    return std::move(result_);
+  }
+
+ private:
+  void visit_envelope(yfw_node_t &node) {
+    if (!is_envelope(node)) {
+      require_top_level(node);
+      place_node(node, nullptr);
+      return;
+    }
+    const std::string_view tag = node.tag;
+    if (tag == "rpc-error") {
+      const yfw_node_t *message = child(node, "error-message");
+      throw error(document_.where(node), message != nullptr && message->value != nullptr
+                                             ? "the device reports an error: " + quoted(message->value)
+                                             : "the device reports an error");
+    }
+    if (tag != "rpc-reply" && tag != "data" && tag != "ok") {
+      throw error(document_.where(node), yfw::quoted(tag) + " is not a reply; 'rpc-reply', 'data' or native data is");
+    }
+    for (yfw_node_t &below : children(node)) {
+      visit_envelope(below);
+    }
+  }
+
+  void require_top_level(const yfw_node_t &node) const {
+    if (extra(node).schema == nullptr) {
+      throw error(document_.where(node),
+                  quoted(node.tag) + " of namespace " + quoted(node.ns) + " is not a top-level node of the modules");
+    }
+  }
+
+  // Hands `node` to the entry point that serves its module there, or goes below it.
+  void place_node(yfw_node_t &node, const lysc_node *above) {
+    const lysc_node *schema = extra(node).schema;
+    if (const entry_point *entry = entry_for(above, node.ns); entry != nullptr) {
+      call(mapping_.function<entry_function>(entry->function), node);
+    } else if (schema != nullptr && leads_to_entry(schema)) {
+      enter(node, schema);
+    } else if (!is_key(schema) && unserved_.insert(schema_path_of(node, above)).second) {
+      result_.notes.push_back(error(document_.where(node), "is not mapped: no plug-in serves it").what());
+    }
+  }
+
+  // Nodes of one schema path share one note.
+  static std::string schema_path_of(const yfw_node_t &node, const lysc_node *above) {
+    return (above == nullptr ? std::string() : path(above)) + "/" + node.ns + ":" + node.tag;
+  }
+
+  void enter(yfw_node_t &node, const lysc_node *schema) {
+    const std::string schema_path = path(schema);
+    const list_pair *pair = is_list(schema) ? mapping_.description().pair_of_low(schema_path) : nullptr;
+    context_.record.current_list = nullptr;
+    if (pair != nullptr && !enter_entry(node, *pair)) {
+      return;
+    }
+    const open_node open(context_, node);
+    for (yfw_node_t &below : children(node)) {
+      place_node(below, schema);
+    }
+    if (pair != nullptr) {
+      report_defaults(node, schema_path);
+    }
+  }
+
+  // Makes the matching entry of the high model current. False when it is not wanted.
+  bool enter_entry(const yfw_node_t &node, const list_pair &pair) {
+    const yfw_node_t *key = child(node, pair.low_key);
+    if (key == nullptr || key->value == nullptr) {
+      throw error(document_.where(node), "list entry without its key '" + pair.low_key + "'");
+    }
+    const uint32_t status = builder_.enter_list(context_, &context_.record.current_list, pair.high, key->value,
+                                                pair.high_key.c_str());
+    if (status != YMAP_OK && status != YMAP_ERR_NO_MATCH) {
+      throw error(document_.where(node), context_.failure);
+    }
+    return status == YMAP_OK;
+  }
+
+  void report_defaults(yfw_node_t &node, const std::string &at) {
+    for (const default_function &defaults : mapping_.description().defaults) {
+      if (defaults.dir != direction::xo || defaults.at != at) {
+        continue;
+      }
+      context_.native_entry = &node;
+      const auto report = mapping_.function<report_defaults_function>(defaults.function);
+      const active_scope scope(context_);
+      const uint32_t status = report(nullptr, &context_, nullptr, &context_.output_root);
+      context_.native_entry = nullptr;
+      settle(node, status);
+    }
+  }
+
+  void call(entry_function function, yfw_node_t &node) {
+    const active_scope scope(context_);
+    settle(node, function(&context_, &node, &context_.output_root));
+  }
+
+  // Turns what the plug-in reported into notes and a failure into an error.
+  void settle(const yfw_node_t &node, uint32_t status) {
+    if (status != YMAP_OK) {
+      const yfw_node_t *culprit = context_.last_compared != nullptr ? find_text(node, context_.last_compared) : nullptr;
+      throw error(document_.where(culprit != nullptr ? *culprit : node), reason(status));
+    }
+    for (const reported_problem &problem : context_.problems) {
+      const yfw_node_t *inside = problem.inside != nullptr ? problem.inside : &node;
+      const yfw_node_t *culprit = find_text(*inside, problem.last_compared);
+      result_.notes.push_back(
+          error(document_.where(culprit != nullptr ? *culprit : *inside), "is left out: " + problem.text).what());
+    }
+    context_.problems.clear();
+  }
+
+  std::string reason(uint32_t status) const {
+    if (status == status_framework_failure && !context_.failure.empty()) {
+      return context_.failure;
+    }
+    return context_.problems.empty() ? "the plug-in refuses it" : context_.problems.back().text;
+  }
+
+  const entry_point *entry_for(const lysc_node *above, const char *ns) const {
+    const std::string at = above == nullptr ? "/" : path(above);
+    for (const entry_point &entry : mapping_.description().entry_points) {
+      if (entry.dir == direction::xo && entry.at == at && document_.modules().ns_of_module(entry.module) == ns) {
+        return &entry;
+      }
+    }
+    return nullptr;
+  }
+
+  bool leads_to_entry(const lysc_node *schema) const {
+    const std::string here = path(schema);
+    const auto &entries = mapping_.description().entry_points;
+    return std::any_of(entries.begin(), entries.end(), [&](const entry_point &entry) {
+      return entry.dir == direction::xo && (entry.at == here || entry.at.starts_with(here + "/"));
+    });
+  }
+
+  document &document_;
+  const plugin &mapping_;
+  const reply_options &options_;
+  reply result_;
+  data_builder builder_;
+  context context_;
+  std::set<std::string> unserved_;
+};
+
+}  // namespace
+
+reply translate_reply(document &native, const plugin &mapping, const reply_options &options, trace_log &log) {
+  return reply_translation(native, mapping, options, log).run();
+}
+
+}  // namespace yfw

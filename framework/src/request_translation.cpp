@@ -1,0 +1,233 @@
+// Runs a plug-in over a client's request and judges what came of it.
+#include <algorithm>
+#include <map>
+#include <set>
+
+#include "call_recorder.hpp"
+#include "context.hpp"
+#include "handover.hpp"
+#include "ymap_frame.h"
+#include "yfw/native_request.hpp"
+
+namespace yfw {
+namespace {
+
+uint32_t request_operation(const client_request &client) {
+  switch (client.operation) {
+    case client_operation::get:
+      return YFW_REQUEST_READ_ALL;
+    case client_operation::get_config:
+      return YFW_REQUEST_READ_CONFIG;
+    case client_operation::edit:
+      break;
+  }
+  return YFW_REQUEST_WRITE;
+}
+
+std::string in_hex(uint32_t status) {
+  constexpr const char *digits = "0123456789abcdef";
+  std::string text = "0x";
+  for (int shift = 28; shift >= 0; shift -= 4) {
+    text += digits[(status >> shift) & 0xfU];
+  }
+  return text;
+}
+
+class translation {
+ public:
+  translation(document &request, client_request client, const plugin &mapping, trace_log &log)
+      : document_(request),
+        mapping_(mapping),
+        recorder_(request.modules()),
+        context_(request.modules(), mapping.description(), log, recorder_, request_operation(client)),
+        nodes_(request, result_.client) {
+    result_.client = std::move(client);
+  }
+
+  native_request run() {
+    handover_plan plan = plan_handovers(document_, result_.client, mapping_.description(), nodes_);
+    result_.notes = std::move(plan.notes);
+    for (const handover &each : plan.handovers) {
+      translate(each);
+    }
+    for (const yfw_node_t *leaf : nodes_.content_matches()) {
+      note(*leaf, "selects by value, which the native request does not: more is read than asked for");
+    }
+    return std::move(result_);
+  }
+
+ private:
+  void translate(const handover &each) {
+    std::set<const yfw_node_t *> left_out;
+    for (;;) {
+      yfw_node_t *copy = copy_of(each, left_out);
+      if (copy == nullptr) {
+        return;
+      }
+      const uint32_t status = walk(each, *copy);
+      if (status == YMAP_OK) {
+        judge(each, *copy);
+        recorder_.take(result_.calls);
+        return;
+      }
+      const yfw_node_t *culprit = node_at(*copy, context_.last_compared);
+      if (!can_do_without(culprit, status) || !left_out.insert(culprit).second) {
+        throw error(place_of(each, culprit), reason(culprit, status));
+      }
+      note(*culprit, "is not mapped: it has no native counterpart");
+    }
+  }
+
+  yfw_node_t *copy_of(const handover &each, const std::set<const yfw_node_t *> &left_out) {
+    return each.node != nullptr ? nodes_.copy(*each.node, each.inherited, left_out) : nodes_.made(each.schema);
+  }
+
+  // One walk of a fresh copy. The calls of an earlier one are forgotten.
+  uint32_t walk(const handover &each, yfw_node_t &copy) {
+    recorder_.clear();
+    context_.reset();
+    context_.hierarchy = each.ancestors;
+    context_.tree_stack = {yfw_itree_entry_t{&copy}, yfw_itree_entry_t{each.key}};
+    const active_scope scope(context_);
+    if (each.defaults != nullptr) {
+      return mapping_.function<create_defaults_function>(each.defaults->function)(nullptr, &context_, &copy,
+                                                                                   &context_.output_root);
+    }
+    return mapping_.function<entry_function>(each.entry->function)(&context_, &copy, &context_.output_root);
+  }
+
+  // A read does without leaves that are not mapped. An unnamed node, part of a whole container, stops no walk.
+  bool can_do_without(const yfw_node_t *culprit, uint32_t status) const {
+    return status == YMAP_NOT_MAPPED && result_.client.is_read() && culprit != nullptr;
+  }
+
+  // A walk that succeeded may still not do what the client said: a value without native counterpart becomes a call
+  // without value, and a leaf may cause no call at all.
+  void judge(const handover &each, const yfw_node_t &copy) {
+    if (each.node == nullptr || each.defaults != nullptr) {
+      return;
+    }
+    for (const recorded_call &made : recorder_.recorded()) {
+      if (!result_.client.is_read() && made.value_lost) {
+        const yfw_node_t *culprit = node_at(copy, made.last_compared);
+        throw error(place_of(each, culprit), lost_value(each, copy, culprit, made));
+      }
+    }
+    std::set<const yfw_node_t *> causes;
+    for (const recorded_call &made : recorder_.recorded()) {
+      causes.insert(node_at(copy, made.last_compared));
+    }
+    require_cause(copy, causes);
+  }
+
+  void require_cause(const yfw_node_t &copy, const std::set<const yfw_node_t *> &causes) {
+    const yfw_node_t *given = walk_tree::origin(copy);
+    const bool is_mute = is_value_leaf(copy) && given != nullptr && !causes.contains(given);
+    if (is_mute && !result_.client.is_read()) {
+      throw error(document_.where(*given), "is not mapped: it would cause no native edit");
+    }
+    if (is_mute) {
+      note(*given, "is not mapped: nothing is read for it");
+    }
+    for (const yfw_node_t &below : children(copy)) {
+      require_cause(below, causes);
+    }
+  }
+
+  static bool is_value_leaf(const yfw_node_t &node) {
+    return is_leaf(extra(node).schema) || is_leaf_list(extra(node).schema);
+  }
+
+  std::string lost_value(const handover &each, const yfw_node_t &copy, const yfw_node_t *culprit,
+                         const recorded_call &made) {
+    if (culprit == nullptr || culprit->value == nullptr) {
+      return "has no native counterpart: '" + made.call.path() + "' would be asked for or deleted instead";
+    }
+    std::string text = quoted(culprit->value) + " has no native counterpart";
+    const std::vector<std::string> mapped = mapped_values(each, *walk_tree::find_text(copy, made.last_compared));
+    for (size_t i = 0; i < mapped.size(); ++i) {
+      text += (i == 0 ? "; mapped are " : ", ") + yfw::quoted(mapped[i]);
+    }
+    return text;
+  }
+
+  // Which values of a leaf the mapping takes, found out by trying each one alone.
+  std::vector<std::string> mapped_values(const handover &each, const yfw_node_t &leaf) {
+    std::vector<std::string> mapped;
+    for (const std::string &candidate : document_.modules().allowed_values(extra(leaf).schema)) {
+      yfw_node_t *trial = copy_of(each, {});
+      yfw_node_t *place = find_origin(*trial, walk_tree::origin(leaf));
+      if (place == nullptr) {
+        break;
+      }
+      place->value = candidate.c_str();
+      const bool walked = walk(each, *trial) == YMAP_OK;
+      const auto &calls = recorder_.recorded();
+      const bool lost = std::any_of(calls.begin(), calls.end(), [&](const recorded_call &made) {
+        return made.value_lost && walk_tree::find_text(*trial, made.last_compared) == place;
+      });
+      if (walked && !lost) {
+        mapped.push_back(candidate);
+      }
+    }
+    return mapped;
+  }
+
+  static yfw_node_t *find_origin(yfw_node_t &copy, const yfw_node_t *origin) {
+    if (walk_tree::origin(copy) == origin) {
+      return &copy;
+    }
+    for (yfw_node_t &below : children(copy)) {
+      if (yfw_node_t *found = find_origin(below, origin); found != nullptr) {
+        return found;
+      }
+    }
+    return nullptr;
+  }
+
+  // The client's node with that text in its copy, or null.
+  static const yfw_node_t *node_at(const yfw_node_t &copy, const char *text) {
+    const yfw_node_t *found = walk_tree::find_text(copy, text);
+    return found != nullptr ? walk_tree::origin(*found) : nullptr;
+  }
+
+  place place_of(const handover &each, const yfw_node_t *culprit) const {
+    if (culprit != nullptr) {
+      return document_.where(*culprit);
+    }
+    return each.node != nullptr ? document_.where(*each.node) : place{document_.file(), 0, path(each.schema)};
+  }
+
+  std::string reason(const yfw_node_t *culprit, uint32_t status) const {
+    if (context_.record.error_tag != nullptr) {
+      return quoted(context_.record.error_tag) + " is not mapped";
+    }
+    if (status == YMAP_NOT_MAPPED) {
+      return (culprit != nullptr ? quoted(culprit->tag) : std::string("it")) + " is not mapped: it has no native counterpart";
+    }
+    if (status == status_framework_failure && !context_.failure.empty()) {
+      return context_.failure;
+    }
+    const std::string said = context_.problems.empty() ? "" : ": " + context_.problems.back().text;
+    return "the plug-in refuses it with status " + in_hex(status) + said;
+  }
+
+  void note(const yfw_node_t &node, const std::string &text) {
+    result_.notes.push_back(error(document_.where(node), text).what());
+  }
+
+  document &document_;
+  const plugin &mapping_;
+  native_request result_;
+  call_recorder recorder_;
+  context context_;
+  walk_tree nodes_;
+};
+
+}  // namespace
+
+native_request translate_request(document &request, client_request client, const plugin &mapping, trace_log &log) {
+  return translation(request, std::move(client), mapping, log).run();
+}
+
+}  // namespace yfw

@@ -1,0 +1,120 @@
+#include "tree_builder.hpp"
+
+#include <algorithm>
+#include <memory>
+
+namespace yfw {
+
+yfw_node_t &tree_builder::open(const char *tag, const char *ns, size_t offset, const void *source) {
+  if (open_.size() >= parts_.limits.nesting) {
+    fail(offset, "nested more than " + std::to_string(parts_.limits.nesting) + " deep");
+  }
+  const lysc_node *schema = schema_of(tag, ns);
+  open_.push_back(pending_.size());
+  yfw_node_t &node = pending_.emplace_back(blank_node());
+  node.tag = tag;
+  node.ns = ns;
+  extra(node).schema = schema;
+  extra(node).source = source;
+  extra(node).offset = static_cast<uint32_t>(offset);
+  return node;
+}
+
+void tree_builder::close() {
+  const size_t index = open_.back();
+  const size_t count = pending_.size() - index - 1;
+  yfw_node_t *settled = settle(index + 1);
+  yfw_node_t &node = pending_[index];
+  if (count != 0) {
+    node.children = settled;
+    node.child_count = static_cast<uint32_t>(count);
+    node.flags |= YFW_NODE_HAS_CHILDREN;
+  }
+  open_.pop_back();
+}
+
+yfw_node_t &tree_builder::current() {
+  return pending_[open_.back()];
+}
+
+std::span<yfw_node_t> tree_builder::finished() {
+  return std::span(pending_).subspan(open_.empty() ? 0 : open_.back() + 1);
+}
+
+const lysc_node *tree_builder::schema_of(std::string_view tag, std::string_view ns) const {
+  if (open_.empty() || is_envelope(pending_[open_.back()])) {
+    return parts_.modules->top(ns, tag);
+  }
+  const lysc_node *above = extra(pending_[open_.back()]).schema;
+  return above == nullptr ? nullptr : parts_.modules->child(above, ns, tag);
+}
+
+void tree_builder::finish() {
+  const size_t count = pending_.size();
+  parts_.roots = std::span(settle(0), count);
+}
+
+// Moves the pending nodes from `first` on to the arena and tells their children where their parents are now.
+yfw_node_t *tree_builder::settle(size_t first) {
+  const size_t count = pending_.size() - first;
+  yfw_node_t *settled = parts_.arena.nodes(count);
+  if (count != 0) {
+    std::copy_n(pending_.data() + first, count, settled);
+    pending_.resize(first);
+  }
+  for (yfw_node_t &node : std::span(settled, count)) {
+    for (yfw_node_t &below : children(node)) {
+      extra(below).parent = &node;
+    }
+  }
+  return settled;
+}
+
+void tree_builder::fail(size_t offset, const std::string &text) {
+  std::string path;
+  for (size_t i = 0; i < open_.size(); ++i) {
+    const size_t end = i + 1 < open_.size() ? open_[i + 1] : pending_.size();
+    const auto below = std::span(pending_).subspan(open_[i] + 1, end - open_[i] - 1);
+    const bool is_message = is_envelope(pending_[open_[i]]);
+    path += is_message ? "" : path_step(pending_[open_[i]], below);
+  }
+  parts_.fail(offset, text, path);
+}
+
+std::string not_an_operation(std::string_view word) {
+  return quoted(word) + " is not an operation, which are 'merge', 'replace', 'create', 'delete', 'remove'";
+}
+
+std::string path_literal(std::string_view text) {
+  const char mark = text.find('"') == std::string_view::npos ? '"' : '\'';
+  return mark + std::string(text) + mark;
+}
+
+std::string path_step(const yfw_node_t &node, std::span<const yfw_node_t> children) {
+  std::string step = std::string("/") + (node.tag != nullptr ? node.tag : "?");
+  for (const std::string_view key : keys(extra(node).schema)) {
+    const auto found = std::ranges::find_if(children, [&](const yfw_node_t &each) {
+      return each.tag != nullptr && key == each.tag && each.value != nullptr;
+    });
+    if (found != children.end()) {
+      step += '[' + std::string(key) + '=' + path_literal(found->value) + ']';
+    }
+  }
+  return step;
+}
+
+std::string path(const yfw_node_t &node) {
+  std::vector<const yfw_node_t *> steps;
+  for (const yfw_node_t *each = &node; each != nullptr; each = extra(*each).parent) {
+    steps.push_back(each);
+  }
+  std::string text;
+  for (auto each = steps.rbegin(); each != steps.rend(); ++each) {
+    if (is_envelope(node) || !is_envelope(**each)) {
+      text += path_step(**each, children(**each));
+    }
+  }
+  return text;
+}
+
+}  // namespace yfw

@@ -1,0 +1,59 @@
+// Builds the nodes of a document in one pass, in the order in which a text names them.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "document_parts.hpp"
+
+namespace yfw {
+
+// Open nodes and their finished children wait on one stack; when a node closes, its children move into one array of
+// the arena. Depth is held by the nesting limit.
+class tree_builder {
+ public:
+  explicit tree_builder(document::parts &parts) : parts_(parts) {}
+
+  // Begins a child of the open node, or a root. Texts are not copied and must live as long as the document. The node
+  // found in the schema is that of the name below the open node, or at the top below an envelope.
+  yfw_node_t &open(const char *tag, const char *ns, size_t offset, const void *source = nullptr);
+  void close();
+
+  // The innermost open node; the reference holds until the next `open`.
+  yfw_node_t &current();
+
+  bool is_open() const {
+    return !open_.empty();
+  }
+
+  // The finished children of the innermost open node, or the finished roots.
+  std::span<yfw_node_t> finished();
+
+  // What the schema has for that name below the innermost open node, or null.
+  const lysc_node *schema_of(std::string_view tag, std::string_view ns) const;
+
+  // Moves the finished roots into the document.
+  void finish();
+
+  // Throws `error` with the path of the innermost open node.
+  [[noreturn]] void fail(size_t offset, const std::string &text);
+
+ private:
+  yfw_node_t *settle(size_t first);
+
+  document::parts &parts_;
+  std::vector<yfw_node_t> pending_;
+  std::vector<size_t> open_;  // indices into pending_
+};
+
+// One step of a path, "/book[title="Emma"]"; keys are looked for among `children`.
+std::string path_step(const yfw_node_t &node, std::span<const yfw_node_t> children);
+
+// `text` in double quotes, or in single ones when it holds a double quote.
+std::string path_literal(std::string_view text);
+
+// "'erase' is not an operation, which are 'merge', …"
+std::string not_an_operation(std::string_view word);
+
+}  // namespace yfw

@@ -1,0 +1,173 @@
+#include "walk_tree.hpp"
+
+#include <algorithm>
+
+namespace yfw {
+namespace {
+
+bool deletes(uint32_t operation) {
+  return operation == YFW_OPERATION_DELETE || operation == YFW_OPERATION_REMOVE;
+}
+
+bool is_value_leaf(const yfw_node_t &node) {
+  const lysc_node *schema = extra(node).schema;
+  return is_leaf(schema) || is_leaf_list(schema);
+}
+
+// Within a replaced or created parent, what is given is merged into what is left of it: nothing. A leaf that is created
+// with its parent is created itself.
+uint32_t inherited_by_children(uint32_t operation) {
+  return operation == YFW_OPERATION_REPLACE ? YFW_OPERATION_MERGE : operation;
+}
+
+void set_children(yfw_node_t &node, yfw_node_t *array, size_t count) {
+  node.children = array;
+  node.child_count = static_cast<uint32_t>(count);
+  node.flags |= YFW_NODE_HAS_CHILDREN;
+}
+
+// What tells an entry of a list or leaf-list from its siblings: its keys or its value. Other nodes have just a name.
+std::string identity(const yfw_node_t &node) {
+  std::string text = std::string(node.ns) + ' ' + node.tag;
+  const lysc_node *schema = extra(node).schema;
+  if (is_leaf_list(schema)) {
+    text.append(1, '\0').append(node.value != nullptr ? node.value : "");
+  }
+  for (const std::string_view key : keys(schema)) {
+    const yfw_node_t *leaf = child(node, key);
+    text.append(1, '\0').append(leaf != nullptr && leaf->value != nullptr ? leaf->value : "");
+  }
+  return text;
+}
+
+}  // namespace
+
+void require_known_node(const document &request, const yfw_node_t &node) {
+  if (extra(node).schema != nullptr) {
+    return;
+  }
+  const yfw_node_t *above = extra(node).parent;
+  const bool is_top = above == nullptr || is_envelope(*above);
+  const lysc_node *holder = is_top ? nullptr : extra(*above).schema;
+  std::string text = quoted(node.tag) + " of namespace " + quoted(node.ns);
+  text += is_top ? " is not a top-level node of the modules" : " is not a child of " + yfw::quoted(path(holder));
+  std::vector<std::string_view> names;
+  for (const lysc_node *known : request.modules().children(holder)) {
+    names.push_back(name(known));
+  }
+  if (const std::string_view near = closest(names, node.tag); near == node.tag) {
+    text += "; that name has another namespace there";
+  } else if (!near.empty()) {
+    text += "; did you mean " + quoted(near) + "?";
+  }
+  throw error(request.where(node), text);
+}
+
+void require_unique_children(const document &request, const yfw_node_t &parent) {
+  std::set<std::string> seen;
+  for (const yfw_node_t &node : children(parent)) {
+    if (!seen.insert(identity(node)).second) {
+      throw error(request.where(node), quoted(node.tag) + " appears twice");
+    }
+  }
+}
+
+yfw_node_t *walk_tree::copy(const yfw_node_t &from, uint32_t inherited, const std::set<const yfw_node_t *> &left_out) {
+  left_out_ = left_out;
+  yfw_node_t *to = arena_.nodes(1);
+  return fill(*to, from, inherited) ? to : nullptr;
+}
+
+yfw_node_t *walk_tree::made(const lysc_node *schema) {
+  yfw_node_t *node = arena_.nodes(1);
+  node->tag = arena_.text(name(schema));
+  node->ns = ns(schema).data();
+  extra(*node).schema = schema;
+  return node;
+}
+
+bool walk_tree::fill(yfw_node_t &to, const yfw_node_t &from, uint32_t inherited) {
+  if (left_out_.contains(&from)) {
+    return false;
+  }
+  require_known_node(document_, from);
+  const uint32_t operation = extra(from).given_operation != no_operation ? extra(from).given_operation : inherited;
+  to.tag = arena_.text(from.tag);
+  to.ns = from.ns;
+  to.operation = operation == no_operation || client_.is_read() ? YFW_OPERATION_MERGE : operation;
+  extra(to).schema = extra(from).schema;
+  extra(to).source = &from;
+  require_readable(from);
+  return is_value_leaf(from) ? fill_leaf(to, from, operation) : fill_children(to, from, operation);
+}
+
+bool walk_tree::fill_leaf(yfw_node_t &to, const yfw_node_t &from, uint32_t operation) {
+  if (client_.is_read()) {
+    return true;
+  }
+  if (deletes(operation) || operation == no_operation) {
+    return operation != no_operation;
+  }
+  const checked_value checked = document_.check(from);
+  if (!checked.ok) {
+    throw error(document_.where(from), checked.why);
+  }
+  to.value = arena_.text(checked.canonical);
+  return true;
+}
+
+bool walk_tree::fill_children(yfw_node_t &to, const yfw_node_t &from, uint32_t operation) {
+  const auto given = children(from);
+  if (given.empty()) {
+    return client_.is_read() || operation != no_operation;
+  }
+  if (!client_.is_read() && deletes(operation)) {
+    return true;  // whatever is given below goes with it
+  }
+  if (!client_.is_read()) {
+    require_unique_children(document_, from);
+  }
+  const bool only_values = client_.is_read() && std::all_of(given.begin(), given.end(), [](const yfw_node_t &node) {
+                             return is_value_leaf(node) && node.value != nullptr;
+                           });
+  yfw_node_t *array = arena_.nodes(given.size());
+  size_t kept = 0;
+  for (const yfw_node_t &node : given) {
+    if (client_.is_read() && is_value_leaf(node) && node.value != nullptr) {
+      content_matches_.insert(&node);
+    }
+    if (fill(array[kept], node, inherited_by_children(operation))) {
+      extra(array[kept++]).parent = &to;
+    } else {
+      array[kept] = blank_node();
+    }
+  }
+  if (kept > 0 && !only_values) {
+    set_children(to, array, kept);
+  }
+  return kept > 0;
+}
+
+void walk_tree::require_readable(const yfw_node_t &node) const {
+  const lysc_node *schema = extra(node).schema;
+  if (is_config(schema) || client_.operation == client_operation::get) {
+    return;
+  }
+  throw error(document_.where(node), client_.is_read()
+                                         ? "is operational state, which 'get-config' does not read; use 'get'"
+                                         : "is operational state, which cannot be edited");
+}
+
+const yfw_node_t *walk_tree::find_text(const yfw_node_t &copy, const char *text) {
+  if (text == nullptr || copy.tag == text || copy.value == text) {
+    return text == nullptr ? nullptr : &copy;
+  }
+  for (const yfw_node_t &below : children(copy)) {
+    if (const yfw_node_t *found = find_text(below, text); found != nullptr) {
+      return found;
+    }
+  }
+  return nullptr;
+}
+
+}  // namespace yfw

@@ -1,0 +1,62 @@
+// The trees that are handed to a plug-in for a client's request. A plug-in changes the nodes that it walks, so it gets
+// copies; each copy knows the client's node that it stands for.
+#pragma once
+
+#include <cstdint>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "yfw/client_request.hpp"
+#include "yfw/document.hpp"
+#include "yfw/node.hpp"
+
+namespace yfw {
+
+class walk_tree {
+ public:
+  walk_tree(const document &request, const client_request &client) : document_(request), client_(client) {}
+
+  // A copy of `from` and what is below it. For reads, leaves lose their values, and a container in which values are all
+  // that is given is asked for as a whole. For writes, operations are inherited (RFC 6241, section 7.2) from
+  // `inherited`, a deleted container loses its children, and leaves without operation are left out. Nodes in `left_out`
+  // are left out too. Null when nothing is left to walk. Throws `error` for data that the modules do not have, and for
+  // values and operations that they do not allow.
+  yfw_node_t *copy(const yfw_node_t &from, uint32_t inherited, const std::set<const yfw_node_t *> &left_out);
+
+  // A node without children that stands for no node of the client, or for a list entry of which no key is known.
+  yfw_node_t *made(const lysc_node *schema);
+
+  // The copy whose tag or value is the text at that address, or null.
+  static const yfw_node_t *find_text(const yfw_node_t &copy, const char *text);
+
+  // The client's node that a copy stands for, or null.
+  static const yfw_node_t *origin(const yfw_node_t &copy) {
+    return static_cast<const yfw_node_t *>(extra(copy).source);
+  }
+
+  // Leaves of reads whose values select entries (RFC 6241, section 6.2.5), which the native request cannot do.
+  const std::set<const yfw_node_t *> &content_matches() const {
+    return content_matches_;
+  }
+
+ private:
+  bool fill(yfw_node_t &to, const yfw_node_t &from, uint32_t inherited);
+  bool fill_leaf(yfw_node_t &to, const yfw_node_t &from, uint32_t operation);
+  bool fill_children(yfw_node_t &to, const yfw_node_t &from, uint32_t operation);
+  void require_readable(const yfw_node_t &node) const;
+
+  const document &document_;
+  const client_request &client_;
+  node_arena arena_;
+  std::set<const yfw_node_t *> left_out_;
+  std::set<const yfw_node_t *> content_matches_;
+};
+
+// Throws `error` when the modules have no such node there; says which name is near.
+void require_known_node(const document &request, const yfw_node_t &node);
+
+// Throws `error` when two children are the same node: RFC 7950, section 7.6 ff., allows one each.
+void require_unique_children(const document &request, const yfw_node_t &parent);
+
+}  // namespace yfw

@@ -1,0 +1,76 @@
+// What both writers share: a buffer before the stream, indentation, and the checks of values.
+#pragma once
+
+#include <ostream>
+#include <string>
+#include <string_view>
+
+#include "text.hpp"
+#include "yfw/error.hpp"
+#include "yfw/node.hpp"
+#include "yfw/writer.hpp"
+
+namespace yfw {
+
+class write_buffer {
+ public:
+  write_buffer(std::ostream &out, bool is_pretty) : out_(out), is_pretty_(is_pretty) {}
+
+  write_buffer &operator<<(std::string_view text) {
+    text_ += text;
+    return *this;
+  }
+  write_buffer &operator<<(char c) {
+    text_ += c;
+    return *this;
+  }
+
+  // Begins a line, indented by that many levels.
+  void line(size_t depth) {
+    if (is_pretty_) {
+      text_ += '\n';
+      text_.append(2 * depth, ' ');
+    }
+    if (text_.size() > flush_bytes) {
+      flush();
+    }
+  }
+
+  void flush() {
+    out_.write(text_.data(), static_cast<std::streamsize>(text_.size()));
+    text_.clear();
+    if (!out_) {
+      throw error("the output cannot be written");
+    }
+  }
+
+ private:
+  static constexpr size_t flush_bytes = 256 * 1024;
+  std::ostream &out_;
+  bool is_pretty_;
+  std::string text_;
+};
+
+// Throws `error` with the node's path for a value that YANG does not have.
+inline void check_text(const data_node &node) {
+  if (const text_fault fault = first_fault(*node.value); fault.kind != bad_text::none) {
+    throw error({"", 0, path(node)},
+                "the value " + std::string(fault_words(fault.kind)) + " at byte " + std::to_string(fault.offset + 1));
+  }
+}
+
+// The operation in force below a node; `outer` is the one around it.
+inline uint32_t operation_in_force(const data_node &node, uint32_t outer) {
+  return node.operation.value_or(outer);
+}
+
+// The module of an identity as a value, when it must be named: when it is not that of the leaf. Else "".
+inline std::string_view foreign_module(const schema &modules, const data_node &node) {
+  if (node.schema == nullptr || !node.value) {
+    return "";
+  }
+  const std::string_view module = modules.identity_module(node.schema, *node.value);
+  return module == module_name(node.schema) ? "" : module;
+}
+
+}  // namespace yfw

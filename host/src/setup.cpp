@@ -1,0 +1,48 @@
+#include "setup.hpp"
+
+#include <filesystem>
+#include <iostream>
+
+#include "yfw/error.hpp"
+
+namespace ymap {
+namespace {
+
+namespace fs = std::filesystem;
+
+// The directory that holds bin/, lib/ and share/: of the installation or of the build.
+fs::path prefix() {
+  return fs::read_symlink("/proc/self/exe").parent_path().parent_path();
+}
+
+std::vector<fs::path> yang_directories(const common_options &options) {
+  if (options.yang.empty()) {
+    return {prefix() / "share" / "ymap" / "yang"};
+  }
+  return {options.yang.begin(), options.yang.end()};
+}
+
+fs::path plugin_library(const common_options &options) {
+  if (!options.plugin.empty()) {
+    return options.plugin;
+  }
+  for (const char *directory : {YMAP_LIBDIR, "lib"}) {
+    if (const fs::path library = prefix() / directory / "ymap" / YMAP_DEFAULT_PLUGIN; fs::exists(library)) {
+      return library;
+    }
+  }
+  throw yfw::error("the plug-in '" YMAP_DEFAULT_PLUGIN "' is not installed beside this program; name one with --plugin");
+}
+
+}  // namespace
+
+setup::setup(const common_options &options)
+    : trace_(options.trace ? &std::cerr : nullptr, options.ring),
+      schema_(yfw::schema::load(yang_directories(options))),
+      plugin_(yfw::plugin::load(plugin_library(options))) {}
+
+setup::~setup() {
+  trace_.print_ring(std::cerr);
+}
+
+}  // namespace ymap
