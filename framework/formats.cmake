@@ -5,6 +5,7 @@ set(YFW_FORMAT_SOURCES
   src/text.cpp
   src/schema_load.cpp
   src/schema.cpp
+  src/schema_types.cpp
   src/schema_values.cpp
   src/document.cpp
   src/tree_builder.cpp

@@ -1,4 +1,5 @@
 // The calls of the ABI that read the input tree and keep the node hierarchy.
+#include <algorithm>
 #include <cstring>
 
 #include "context.hpp"
@@ -21,6 +22,13 @@ uint32_t is_write_between(const yfw_node_t *node, uint32_t first, uint32_t last)
   return ctx != nullptr && writes(*ctx) && node->operation >= first && node->operation <= last ? 1 : 0;
 }
 
+void remember(yfw::compared_texts &compared, const char *text) {
+  if (compared.front() != text) {
+    std::copy_backward(compared.begin(), compared.end() - 1, compared.end());
+    compared.front() = text;
+  }
+}
+
 }  // namespace
 
 uint32_t yfw_map_do_these_match(const char *first, const char *second) {
@@ -28,7 +36,7 @@ uint32_t yfw_map_do_these_match(const char *first, const char *second) {
     return 0;
   }
   if (context *ctx = active_context(); ctx != nullptr) {
-    ctx->last_compared = first;
+    remember(ctx->compared, first);
   }
   return std::strcmp(first, second) == 0 ? 1 : 0;
 }

@@ -38,8 +38,7 @@ uint32_t call_recorder::add_path(context &ctx, std::string_view path, const char
 
   recorded_call &made = recorded_.emplace_back();
   made.call.steps = steps_with_keys(ctx, steps);
-  made.source = source;
-  made.last_compared = ctx.last_compared;
+  made.compared = ctx.compared;
   made.node.tag = name(steps.back()).data();
   made.node.ns = yfw::ns(steps.back()).data();
   made.node.operation = operation;
@@ -78,14 +77,6 @@ std::vector<path_step> call_recorder::steps_with_keys(const context &ctx, const 
     }
   }
   return result;
-}
-
-void call_recorder::take(std::vector<native_call> &calls) {
-  for (recorded_call &made : recorded_) {
-    made.call.operation = made.node.operation;
-    calls.push_back(std::move(made.call));
-  }
-  recorded_.clear();
 }
 
 }  // namespace yfw

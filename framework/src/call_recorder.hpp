@@ -15,9 +15,8 @@ namespace yfw {
 struct recorded_call {
   yfw_node_t node;  // the output node that the plug-in may get hold of
   native_call call;
-  const yfw_node_t *source;   // the request node that it stands for, or null
-  const char *last_compared;  // text of the request node that the plug-in looked at last
-  bool value_lost;            // neither a set nor a delete: the value has no native counterpart
+  compared_texts compared;  // tells which request node caused it
+  bool value_lost;          // neither a set nor a delete: the value has no native counterpart
 };
 
 class call_recorder : public output_sink {
@@ -29,14 +28,12 @@ class call_recorder : public output_sink {
   uint32_t enter_list(context &ctx, yfw_node_t **current_list, std::string_view path, const char *key_value,
                       const char *key_name) override;
 
-  const std::deque<recorded_call> &recorded() const {
+  std::deque<recorded_call> &recorded() {
     return recorded_;
   }
   void clear() {
     recorded_.clear();
   }
-  // Moves the calls to the end of `calls`, with the operations that their nodes have by now.
-  void take(std::vector<native_call> &calls);
 
  private:
   std::vector<path_step> steps_with_keys(const context &ctx, const schema_steps &steps) const;

@@ -3,10 +3,24 @@
 #include <cstdlib>
 #include <utility>
 
+#include "yfw/node.hpp"
+
 namespace yfw {
 namespace {
 
 thread_local context *running_context = nullptr;
+
+const yfw_node_t *node_with_text(const yfw_node_t &node, const char *text) {
+  if (node.tag == text || node.value == text) {
+    return &node;
+  }
+  for (const yfw_node_t &below : children(node)) {
+    if (const yfw_node_t *found = node_with_text(below, text); found != nullptr) {
+      return found;
+    }
+  }
+  return nullptr;
+}
 
 }  // namespace
 
@@ -37,7 +51,7 @@ void context::reset() {
   record.expansion_flags = 0;
   record.leaf_marking_suppressed = 0;
   output_root = {};
-  last_compared = nullptr;
+  compared = {};
   problems.clear();
   failure.clear();
 }
@@ -48,7 +62,7 @@ uint32_t context::fail(std::string reason) {
 }
 
 void context::report(std::string text) {
-  problems.push_back({std::move(text), last_compared, hierarchy.empty() ? nullptr : hierarchy.back()});
+  problems.push_back({std::move(text), compared, hierarchy.empty() ? nullptr : hierarchy.back()});
 }
 
 const yfw_node_t *context::open_entry(std::string_view path) const {
@@ -63,6 +77,15 @@ const yfw_node_t *context::open_entry(std::string_view path) const {
     ++depth;
   }
   return depth == 0 ? nullptr : hierarchy[depth - 1];
+}
+
+const yfw_node_t *node_compared(const yfw_node_t &node, const compared_texts &compared) {
+  for (const char *text : compared) {
+    if (const yfw_node_t *found = text != nullptr ? node_with_text(node, text) : nullptr; found != nullptr) {
+      return found;
+    }
+  }
+  return nullptr;
 }
 
 context *active_context() {

@@ -31,13 +31,19 @@ class output_sink {
                               const char *key_name) = 0;
 };
 
-// An error point that was reached, the text of the input node that the plug-in looked at last, and the innermost node
-// that was open then.
+// The addresses of the texts that a plug-in compared last, latest first. A text of an input node tells which node it is
+// at; the others are its own, such as the namespaces that it compares when no tag matches.
+using compared_texts = std::array<const char *, 4>;
+
+// An error point that was reached, where, and the innermost node that was open then.
 struct reported_problem {
   std::string text;
-  const char *last_compared;
+  compared_texts compared;
   const yfw_node_t *inside;
 };
+
+// The node below `node` (or itself) whose tag or value is one of the texts, the latest first; null when there is none.
+const yfw_node_t *node_compared(const yfw_node_t &node, const compared_texts &compared);
 
 class context : public yfw_ctx_t {
  public:
@@ -70,7 +76,7 @@ class context : public yfw_ctx_t {
   const yfw_node_t *native_entry = nullptr;       // the native configuration entry being reported
   yfw_node_t output_root{};
 
-  const char *last_compared = nullptr;  // tag or value of the input node that the plug-in compared last
+  compared_texts compared{};
   std::vector<reported_problem> problems;
   std::string failure;
 

@@ -40,7 +40,7 @@ uint32_t data_builder::add_path(context &ctx, std::string_view path, const char 
     return ctx.fail("no entry of list '" + yfw::path(list) + "' is current for '" + std::string(path) + "'");
   }
   if (value == nullptr) {
-    const bool known = !ctx.problems.empty() && ctx.problems.back().last_compared == ctx.last_compared;
+    const bool known = !ctx.problems.empty() && ctx.problems.back().compared == ctx.compared;
     if (!known) {
       ctx.report("no value for '" + std::string(path) + "'");
     }

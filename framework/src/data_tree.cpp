@@ -71,7 +71,7 @@ static void add_part(std::string &key, std::string_view part) {
 
 // Begins the text under which an entry is found again: its parent and name, to be followed by its keys.
 std::string &data_tree::index_key(const data_node *parent, const node_name &name) {
-  scratch_.assign(reinterpret_cast<const char *>(&parent), sizeof parent);
+  scratch_ = std::to_string(reinterpret_cast<uintptr_t>(parent));
   add_part(scratch_, name.ns);
   add_part(scratch_, name.tag);
   return scratch_;
@@ -119,7 +119,7 @@ std::string_view data_tree::keep(std::string_view text) {
     return "";
   }
   if (text.size() > text_left_) {
-    constexpr size_t block_bytes = 64 * 1024;
+    constexpr size_t block_bytes = 65536;
     text_left_ = std::max(text.size(), block_bytes);
     texts_.push_back(std::make_unique_for_overwrite<char[]>(text_left_));
     text_ = texts_.back().get();

@@ -62,26 +62,33 @@ yfw_node_t blank_node() {
   return node;
 }
 
-yfw_node_t *node_arena::nodes(size_t count) {
+yfw_node_t *node_arena::room(size_t count) {
   constexpr size_t block_nodes = 1024;
-  if (count == 0) {
-    return nullptr;
-  }
   if (count > nodes_left_) {
-    const size_t room = std::max(count, block_nodes);
-    node_blocks_.push_back(std::make_unique_for_overwrite<std::byte[]>(room * sizeof(yfw_node_t)));
+    nodes_left_ = std::max(count, block_nodes);
+    node_blocks_.push_back(std::make_unique_for_overwrite<std::byte[]>(nodes_left_ * sizeof(yfw_node_t)));
     next_node_ = node_blocks_.back().get();
-    nodes_left_ = room;
   }
   auto *first = reinterpret_cast<yfw_node_t *>(next_node_);
-  std::uninitialized_fill_n(first, count, blank_node());
   next_node_ += count * sizeof(yfw_node_t);
   nodes_left_ -= count;
   return first;
 }
 
+yfw_node_t *node_arena::nodes(size_t count) {
+  yfw_node_t *first = count == 0 ? nullptr : room(count);
+  std::uninitialized_fill_n(first, count, blank_node());
+  return first;
+}
+
+yfw_node_t *node_arena::copies(std::span<const yfw_node_t> nodes) {
+  yfw_node_t *first = nodes.empty() ? nullptr : room(nodes.size());
+  std::uninitialized_copy(nodes.begin(), nodes.end(), first);
+  return first;
+}
+
 char *node_arena::text(std::string_view text) {
-  constexpr size_t block_bytes = 64 * 1024;
+  constexpr size_t block_bytes = 65536;
   if (text.size() >= text_left_) {
     const size_t room = std::max(text.size() + 1, block_bytes);
     text_blocks_.push_back(std::make_unique_for_overwrite<char[]>(room));

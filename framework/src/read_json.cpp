@@ -358,6 +358,12 @@ class json_reader : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, json_
 
 }  // namespace
 
+// RapidJSON's reason, but for a control character, which it takes for an escape.
+static std::string words(rapidjson::ParseErrorCode code) {
+  return code == rapidjson::kParseErrorStringEscapeInvalid ? "a string holds an unknown escape or a control character"
+                                                           : plain_words(rapidjson::GetParseError_En(code));
+}
+
 void read_json(document::parts &parts, size_t begin) {
   // Characters were checked before; escapes are checked one by one. Iterative, so that depth costs no stack.
   constexpr unsigned options = rapidjson::kParseIterativeFlag | rapidjson::kParseNumbersAsStringsFlag;
@@ -367,8 +373,7 @@ void read_json(document::parts &parts, size_t begin) {
   const rapidjson::ParseResult result = parser.Parse<options>(stream, reader);
   if (result.IsError()) {
     const bool is_end = begin + result.Offset() >= parts.text.size();
-    parts.fail(begin + result.Offset(),
-               is_end ? "the text ends inside a value" : plain_words(rapidjson::GetParseError_En(result.Code())));
+    parts.fail(begin + result.Offset(), is_end ? "the text ends inside a value" : words(result.Code()));
   }
   reader.finish();
   parts.text = {};

@@ -116,7 +116,7 @@ class xml_reader {
 
   void refuse_text(const char *text) {
     if (text != nullptr && !is_blank(std::string_view(text))) {
-      builder_.fail(extra(builder_.current()).offset, "text " + quoted(text) + " stands beside elements");
+      builder_.fail(extra(builder_.current()).offset, "text " + quoted(trimmed(text)) + " stands beside elements");
     }
   }
 
@@ -235,8 +235,8 @@ std::string words(pugi::xml_parse_status status, std::string_view text) {
     return "there is no element";
   }
   if (status == pugi::status_end_element_mismatch || status == pugi::status_bad_end_element) {
-    return is_blank(text) ? "the text ends inside an element"
-                          : quoted(found) + " does not close the element that is open there";
+    return text.size() <= 1 ? "the text ends inside an element"
+                            : "'</" + std::string(found) + ">' does not close the element that is open there";
   }
   if (status == pugi::status_out_of_memory) {
     return "there is no memory for it";
@@ -248,9 +248,9 @@ void parse(document::parts &parts, size_t begin) {
   constexpr unsigned options = pugi::parse_cdata | pugi::parse_escapes | pugi::parse_eol | pugi::parse_wconv_attribute |
                                pugi::parse_declaration | pugi::parse_ws_pcdata_single | pugi::parse_fragment |
                                pugi::parse_embed_pcdata;
-  const size_t size = parts.text.size() - begin;
+  const size_t size = parts.text.size() - begin;  // and the terminating zero, which pugixml would else make room for
   const pugi::xml_parse_result result =
-      parts.xml.load_buffer_inplace(parts.text.data() + begin, size, options, pugi::encoding_utf8);
+      parts.xml.load_buffer_inplace(parts.text.data() + begin, size + 1, options, pugi::encoding_utf8);
   if (!result) {
     const size_t at = begin + std::min(static_cast<size_t>(std::max<ptrdiff_t>(result.offset, 0)), size);
     parts.fail(at, words(result.status, std::string_view(parts.text).substr(at)));
@@ -274,7 +274,7 @@ pugi::xml_node single_root(const document::parts &parts) {
     } else if (node.type() != pugi::node_element) {
       if (!is_blank(std::string_view(node.value()))) {
         parts.fail(static_cast<size_t>(node.value() - parts.text.data()),
-                   "text " + quoted(node.value()) + " stands outside the root element");
+                   "text " + quoted(trimmed(node.value())) + " stands outside the root element");
       }
     } else if (root) {
       parts.fail(static_cast<size_t>(node.name() - parts.text.data()),

@@ -15,19 +15,6 @@ uint32_t request_operation(content wanted) {
   return wanted == content::config ? YFW_REQUEST_READ_CONFIG : YFW_REQUEST_READ_ALL;
 }
 
-// The node below `node` (or itself) whose tag or value is the text at that address, or null.
-const yfw_node_t *find_text(const yfw_node_t &node, const char *text) {
-  if (node.tag == text || node.value == text) {
-    return &node;
-  }
-  for (const yfw_node_t &below : children(node)) {
-    if (const yfw_node_t *found = find_text(below, text); found != nullptr) {
-      return found;
-    }
-  }
-  return nullptr;
-}
-
 class reply_translation {
  public:
   reply_translation(document &native, const plugin &mapping, const reply_options &options, trace_log &log)
@@ -89,14 +76,37 @@ class reply_translation {
     const lysc_node *schema = extra(node).schema;
     if (const entry_point *entry = entry_for(above, node.ns); entry != nullptr) {
       call(mapping_.function<entry_function>(entry->function), node);
+      note_unknown(node, above);
     } else if (schema != nullptr && leads_to_entry(schema)) {
       enter(node, schema);
     } else if (!is_key(schema) && unserved_.insert(schema_path_of(node, above)).second) {
-      result_.notes.push_back(error(document_.where(node), "is not mapped: no plug-in serves it").what());
+      note(node, "is not mapped: no plug-in serves it");
     }
   }
 
-  // Nodes of one schema path share one note.
+  // A plug-in passes over tags that it does not know without a word.
+  void note_unknown(const yfw_node_t &node, const lysc_node *above) {
+    const lysc_node *schema = extra(node).schema;
+    if (schema == nullptr) {
+      if (unserved_.insert(schema_path_of(node, above)).second) {
+        note(node, "is left out: the modules do not know it");
+      }
+      return;
+    }
+    for (const yfw_node_t &below : children(node)) {
+      note_unknown(below, schema);
+    }
+  }
+
+  // Adds a note unless it repeats the last one: a leaf is often reported in two places, config and state.
+  void note(const yfw_node_t &node, const std::string &text) {
+    const error noted(document_.where(node), text);
+    if (result_.notes.empty() || result_.notes.back() != noted.what()) {
+      result_.notes.emplace_back(noted.what());
+    }
+  }
+
+  // Of the nodes with one schema path only the first gets a note.
   static std::string schema_path_of(const yfw_node_t &node, const lysc_node *above) {
     return (above == nullptr ? std::string() : path(above)) + "/" + node.ns + ":" + node.tag;
   }
@@ -153,14 +163,13 @@ class reply_translation {
   // Turns what the plug-in reported into notes and a failure into an error.
   void settle(const yfw_node_t &node, uint32_t status) {
     if (status != YMAP_OK) {
-      const yfw_node_t *culprit = context_.last_compared != nullptr ? find_text(node, context_.last_compared) : nullptr;
+      const yfw_node_t *culprit = node_compared(node, context_.compared);
       throw error(document_.where(culprit != nullptr ? *culprit : node), reason(status));
     }
     for (const reported_problem &problem : context_.problems) {
       const yfw_node_t *inside = problem.inside != nullptr ? problem.inside : &node;
-      const yfw_node_t *culprit = find_text(*inside, problem.last_compared);
-      result_.notes.push_back(
-          error(document_.where(culprit != nullptr ? *culprit : *inside), "is left out: " + problem.text).what());
+      const yfw_node_t *culprit = node_compared(*inside, problem.compared);
+      note(culprit != nullptr ? *culprit : *inside, "is left out: " + problem.text);
     }
     context_.problems.clear();
   }

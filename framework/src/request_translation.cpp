@@ -35,12 +35,12 @@ std::string in_hex(uint32_t status) {
 
 class translation {
  public:
-  translation(document &request, client_request client, const plugin &mapping, trace_log &log)
+  translation(document &request, client_request client, const plugin &mapping, trace_log &log, bool is_checked)
       : document_(request),
         mapping_(mapping),
         recorder_(request.modules()),
         context_(request.modules(), mapping.description(), log, recorder_, request_operation(client)),
-        nodes_(request, result_.client) {
+        nodes_(request, result_.client, is_checked) {
     result_.client = std::move(client);
   }
 
@@ -56,7 +56,37 @@ class translation {
     return std::move(result_);
   }
 
+  probe_outcome probe() {
+    probe_outcome outcome;
+    for (const handover &each : plan_handovers(document_, result_.client, mapping_.description(), nodes_).handovers) {
+      yfw_node_t *copy = copy_of(each, {});
+      if (copy == nullptr || outcome.status != YMAP_OK) {
+        continue;
+      }
+      outcome.status = walk(each, *copy);
+      outcome.error_tag = context_.record.error_tag != nullptr ? context_.record.error_tag : "";
+      for (const reported_problem &problem : context_.problems) {
+        outcome.problems.push_back(problem.text);
+      }
+      for (const recorded_call &made : recorder_.recorded()) {
+        outcome.value_lost = outcome.value_lost || (!result_.client.is_read() && made.value_lost);
+      }
+      take_calls(*copy, outcome.calls);
+    }
+    return outcome;
+  }
+
  private:
+  // Ends a walk of `copy`: its calls go to the end of `calls`.
+  void take_calls(const yfw_node_t &copy, std::vector<native_call> &calls) {
+    for (recorded_call &made : recorder_.recorded()) {
+      made.call.operation = made.node.operation;
+      made.call.cause = node_at(copy, made.compared);
+      calls.push_back(std::move(made.call));
+    }
+    recorder_.clear();
+  }
+
   void translate(const handover &each) {
     std::set<const yfw_node_t *> left_out;
     for (;;) {
@@ -67,10 +97,10 @@ class translation {
       const uint32_t status = walk(each, *copy);
       if (status == YMAP_OK) {
         judge(each, *copy);
-        recorder_.take(result_.calls);
+        take_calls(*copy, result_.calls);
         return;
       }
-      const yfw_node_t *culprit = node_at(*copy, context_.last_compared);
+      const yfw_node_t *culprit = node_at(*copy, context_.compared);
       if (!can_do_without(culprit, status) || !left_out.insert(culprit).second) {
         throw error(place_of(each, culprit), reason(culprit, status));
       }
@@ -109,13 +139,13 @@ class translation {
     }
     for (const recorded_call &made : recorder_.recorded()) {
       if (!result_.client.is_read() && made.value_lost) {
-        const yfw_node_t *culprit = node_at(copy, made.last_compared);
+        const yfw_node_t *culprit = node_at(copy, made.compared);
         throw error(place_of(each, culprit), lost_value(each, copy, culprit, made));
       }
     }
     std::set<const yfw_node_t *> causes;
     for (const recorded_call &made : recorder_.recorded()) {
-      causes.insert(node_at(copy, made.last_compared));
+      causes.insert(node_at(copy, made.compared));
     }
     require_cause(copy, causes);
   }
@@ -144,7 +174,7 @@ class translation {
       return "has no native counterpart: '" + made.call.path() + "' would be asked for or deleted instead";
     }
     std::string text = quoted(culprit->value) + " has no native counterpart";
-    const std::vector<std::string> mapped = mapped_values(each, *walk_tree::find_text(copy, made.last_compared));
+    const std::vector<std::string> mapped = mapped_values(each, *node_compared(copy, made.compared));
     for (size_t i = 0; i < mapped.size(); ++i) {
       text += (i == 0 ? "; mapped are " : ", ") + yfw::quoted(mapped[i]);
     }
@@ -164,7 +194,7 @@ class translation {
       const bool walked = walk(each, *trial) == YMAP_OK;
       const auto &calls = recorder_.recorded();
       const bool lost = std::any_of(calls.begin(), calls.end(), [&](const recorded_call &made) {
-        return made.value_lost && walk_tree::find_text(*trial, made.last_compared) == place;
+        return made.value_lost && node_compared(*trial, made.compared) == place;
       });
       if (walked && !lost) {
         mapped.push_back(candidate);
@@ -185,9 +215,9 @@ class translation {
     return nullptr;
   }
 
-  // The client's node with that text in its copy, or null.
-  static const yfw_node_t *node_at(const yfw_node_t &copy, const char *text) {
-    const yfw_node_t *found = walk_tree::find_text(copy, text);
+  // The client's node that the plug-in was at, or null.
+  static const yfw_node_t *node_at(const yfw_node_t &copy, const compared_texts &compared) {
+    const yfw_node_t *found = node_compared(copy, compared);
     return found != nullptr ? walk_tree::origin(*found) : nullptr;
   }
 
@@ -199,11 +229,14 @@ class translation {
   }
 
   std::string reason(const yfw_node_t *culprit, uint32_t status) const {
-    if (context_.record.error_tag != nullptr) {
+    if (context_.record.error_tag != nullptr && (culprit == nullptr || culprit->tag != std::string_view(context_.record.error_tag))) {
       return quoted(context_.record.error_tag) + " is not mapped";
     }
+    if (context_.record.error_tag != nullptr) {
+      return "is not mapped";
+    }
     if (status == YMAP_NOT_MAPPED) {
-      return (culprit != nullptr ? quoted(culprit->tag) : std::string("it")) + " is not mapped: it has no native counterpart";
+      return "is not mapped: it has no native counterpart";
     }
     if (status == status_framework_failure && !context_.failure.empty()) {
       return context_.failure;
@@ -227,7 +260,11 @@ class translation {
 }  // namespace
 
 native_request translate_request(document &request, client_request client, const plugin &mapping, trace_log &log) {
-  return translation(request, std::move(client), mapping, log).run();
+  return translation(request, std::move(client), mapping, log, true).run();
+}
+
+probe_outcome probe_request(document &request, client_request client, const plugin &mapping, trace_log &log) {
+  return translation(request, std::move(client), mapping, log, false).probe();
 }
 
 }  // namespace yfw

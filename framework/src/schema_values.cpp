@@ -4,90 +4,13 @@
 #include <limits>
 
 #include "schema_parts.hpp"
+#include "schema_types.hpp"
 #include "text.hpp"
 #include "yfw/error.hpp"
 
 namespace yfw {
 
 namespace {
-
-template <typename T>
-const T &as(const void *record) {
-  return *static_cast<const T *>(record);
-}
-
-const lysc_type *target(const lysc_type *type) {
-  return type->basetype == LY_TYPE_LEAFREF ? as<lysc_type_leafref>(type).realtype : type;
-}
-
-// The type of a leaf or leaf-list, null for other nodes.
-const lysc_type *type_of(const lysc_node *leaf) {
-  const lysc_type *type = is_leaf(leaf)        ? as<lysc_node_leaf>(leaf).type
-                          : is_leaf_list(leaf) ? as<lysc_node_leaflist>(leaf).type
-                                               : nullptr;
-  return type == nullptr ? nullptr : target(type);
-}
-
-std::vector<const lysc_type *> members(const lysc_type *type) {
-  std::vector<const lysc_type *> result;
-  for (const auto *member : array_items(as<lysc_type_union>(type).types)) {
-    result.push_back(target(*member));
-  }
-  return result;
-}
-
-bool is_derived(const lysc_ident *identity, const lysc_ident *base) {
-  return std::ranges::any_of(array_items(base->derived),
-                             [&](const auto *each) { return *each == identity || is_derived(identity, *each); });
-}
-
-// The identities that a type allows: those derived from all of its bases (RFC 7950, section 9.10.2), each once.
-void add_identities(const lysc_type *type, const lysc_ident *base, std::vector<const lysc_ident *> &found) {
-  const auto bases = array_items(as<lysc_type_identityref>(type).bases);
-  for (const auto *each : array_items(base->derived)) {
-    const bool is_allowed = std::ranges::all_of(bases, [&](const auto *any) { return is_derived(*each, *any); });
-    if (is_allowed && std::ranges::find(found, *each) == found.end()) {
-      found.push_back(*each);
-    }
-    add_identities(type, *each, found);
-  }
-}
-
-std::vector<const lysc_ident *> identities(const lysc_type *type) {
-  std::vector<const lysc_ident *> found;
-  add_identities(type, as<lysc_type_identityref>(type).bases[0], found);
-  return found;
-}
-
-void add_names(const lysc_type *type, std::vector<std::string> &names) {
-  switch (type->basetype) {
-    case LY_TYPE_ENUM:
-      for (const auto *item : array_items(as<lysc_type_enum>(type).enums)) {
-        names.emplace_back(item->name);
-      }
-      break;
-    case LY_TYPE_BITS:
-      for (const auto *item : array_items(as<lysc_type_bits>(type).bits)) {
-        names.emplace_back(item->name);
-      }
-      break;
-    case LY_TYPE_IDENT:
-      for (const lysc_ident *identity : identities(type)) {
-        names.emplace_back(identity->name);
-      }
-      break;
-    case LY_TYPE_BOOL:
-      names.insert(names.end(), {"true", "false"});
-      break;
-    case LY_TYPE_UNION:
-      for (const lysc_type *member : members(type)) {
-        add_names(member, names);
-      }
-      break;
-    default:
-      break;
-  }
-}
 
 // "'x' is not one of its values, which are 'a', 'b'"; of many values only the nearest is named.
 std::string not_one_of(std::string_view text, const std::vector<std::string> &names) {
@@ -115,7 +38,11 @@ std::string range_words(const lysc_range *range, LY_DATA_TYPE base, const std::s
     const bool is_signed = base >= LY_TYPE_DEC64;
     const std::string low = is_signed ? std::to_string(part.min_64) : std::to_string(part.min_u64);
     const std::string high = is_signed ? std::to_string(part.max_64) : std::to_string(part.max_u64);
-    words += (i == 0 ? "" : " or ") + (low == high ? low : low + ".." + high);
+    words += i == 0 ? "" : " or ";
+    words += low;
+    if (low != high) {
+      words.append("..").append(high);
+    }
   }
   return words;
 }
@@ -163,9 +90,7 @@ std::string reason(const lysc_type *type, std::string_view text, const ly_err_it
   if (number.bits != 0) {
     return quoted(text) + " is not a whole number in " + number_range(type, number);
   }
-  std::vector<std::string> names;
-  add_names(type, names);
-  if (!names.empty()) {
+  if (const auto names = value_names(type); !names.empty()) {
     return not_one_of(text, names);
   }
   constexpr std::string_view before_pattern = " does not conform to ";
@@ -219,9 +144,7 @@ checked_value identity_value(const lysc_type *type, std::string_view text, const
       return {true, identity->name, ""};
     }
   }
-  std::vector<std::string> names;
-  add_names(type, names);
-  return {false, "", not_one_of(text, names)};
+  return {false, "", not_one_of(text, value_names(type))};
 }
 
 checked_value checked(const ly_ctx *context, const lysc_node *leaf, const lysc_type *type, std::string_view text,
@@ -240,19 +163,14 @@ checked_value checked(const ly_ctx *context, const lysc_node *leaf, const lysc_t
     }
     reasons += (reasons.empty() ? "" : ", and ") + result.why;
   }
-  std::vector<std::string> names;
-  add_names(type, names);
-  return {false, "", reasons.empty() ? not_one_of(text, names) : reasons};
+  return {false, "", reasons};
 }
 
 }  // namespace
 
 std::vector<std::string> schema::allowed_values(const lysc_node *leaf) const {
-  std::vector<std::string> names;
-  if (const lysc_type *type = type_of(leaf)) {
-    add_names(type, names);
-  }
-  return names;
+  const lysc_type *type = type_of(leaf);
+  return type == nullptr ? std::vector<std::string>() : value_names(type);
 }
 
 checked_value schema::check_value(const lysc_node *leaf, std::string_view text, const prefix_resolver &prefixes) const {

@@ -86,6 +86,16 @@ bool is_blank(std::string_view text) {
   return std::ranges::all_of(text, [](char c) { return is_blank(c); });
 }
 
+std::string_view trimmed(std::string_view text) {
+  while (!text.empty() && is_blank(text.front())) {
+    text.remove_prefix(1);
+  }
+  while (!text.empty() && is_blank(text.back())) {
+    text.remove_suffix(1);
+  }
+  return text;
+}
+
 std::string plain_words(std::string_view message) {
   std::string result(message);
   while (!result.empty() && (result.back() == '.' || is_blank(result.back()))) {

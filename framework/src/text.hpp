@@ -27,6 +27,7 @@ std::string_view fault_words(bad_text kind);
 
 bool is_blank(char c);
 bool is_blank(std::string_view text);
+std::string_view trimmed(std::string_view text);
 
 // A message of a library in the framework's manner: no capital at the start, no full stop at the end.
 std::string plain_words(std::string_view message);

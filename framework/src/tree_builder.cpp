@@ -42,11 +42,9 @@ std::span<yfw_node_t> tree_builder::finished() {
 }
 
 const lysc_node *tree_builder::schema_of(std::string_view tag, std::string_view ns) const {
-  if (open_.empty() || is_envelope(pending_[open_.back()])) {
-    return parts_.modules->top(ns, tag);
-  }
-  const lysc_node *above = extra(pending_[open_.back()]).schema;
-  return above == nullptr ? nullptr : parts_.modules->child(above, ns, tag);
+  const lysc_node *above = open_.empty() ? nullptr : extra(pending_[open_.back()]).schema;
+  const bool is_reached = above != nullptr || open_.empty() || is_envelope(pending_[open_.back()]);
+  return is_reached ? parts_.modules->child(above, ns, tag) : nullptr;
 }
 
 void tree_builder::finish() {
@@ -57,11 +55,8 @@ void tree_builder::finish() {
 // Moves the pending nodes from `first` on to the arena and tells their children where their parents are now.
 yfw_node_t *tree_builder::settle(size_t first) {
   const size_t count = pending_.size() - first;
-  yfw_node_t *settled = parts_.arena.nodes(count);
-  if (count != 0) {
-    std::copy_n(pending_.data() + first, count, settled);
-    pending_.resize(first);
-  }
+  yfw_node_t *settled = parts_.arena.copies(std::span(pending_).subspan(first));
+  pending_.resize(first);
   for (yfw_node_t &node : std::span(settled, count)) {
     for (yfw_node_t &below : children(node)) {
       extra(below).parent = &node;

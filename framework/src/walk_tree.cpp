@@ -108,6 +108,10 @@ bool walk_tree::fill_leaf(yfw_node_t &to, const yfw_node_t &from, uint32_t opera
   if (deletes(operation) || operation == no_operation) {
     return operation != no_operation;
   }
+  if (!is_checked_) {
+    to.value = from.value != nullptr ? arena_.text(from.value) : nullptr;
+    return true;
+  }
   const checked_value checked = document_.check(from);
   if (!checked.ok) {
     throw error(document_.where(from), checked.why);
@@ -150,24 +154,12 @@ bool walk_tree::fill_children(yfw_node_t &to, const yfw_node_t &from, uint32_t o
 
 void walk_tree::require_readable(const yfw_node_t &node) const {
   const lysc_node *schema = extra(node).schema;
-  if (is_config(schema) || client_.operation == client_operation::get) {
+  if (!is_checked_ || is_config(schema) || client_.operation == client_operation::get) {
     return;
   }
   throw error(document_.where(node), client_.is_read()
                                          ? "is operational state, which 'get-config' does not read; use 'get'"
                                          : "is operational state, which cannot be edited");
-}
-
-const yfw_node_t *walk_tree::find_text(const yfw_node_t &copy, const char *text) {
-  if (text == nullptr || copy.tag == text || copy.value == text) {
-    return text == nullptr ? nullptr : &copy;
-  }
-  for (const yfw_node_t &below : children(copy)) {
-    if (const yfw_node_t *found = find_text(below, text); found != nullptr) {
-      return found;
-    }
-  }
-  return nullptr;
 }
 
 }  // namespace yfw

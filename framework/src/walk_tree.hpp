@@ -15,7 +15,9 @@ namespace yfw {
 
 class walk_tree {
  public:
-  walk_tree(const document &request, const client_request &client) : document_(request), client_(client) {}
+  // With `is_checked` false, values and what may be edited are not looked at: the plug-in gets what is given.
+  walk_tree(const document &request, const client_request &client, bool is_checked)
+      : document_(request), client_(client), is_checked_(is_checked) {}
 
   // A copy of `from` and what is below it. For reads, leaves lose their values, and a container in which values are all
   // that is given is asked for as a whole. For writes, operations are inherited (RFC 6241, section 7.2) from
@@ -26,9 +28,6 @@ class walk_tree {
 
   // A node without children that stands for no node of the client, or for a list entry of which no key is known.
   yfw_node_t *made(const lysc_node *schema);
-
-  // The copy whose tag or value is the text at that address, or null.
-  static const yfw_node_t *find_text(const yfw_node_t &copy, const char *text);
 
   // The client's node that a copy stands for, or null.
   static const yfw_node_t *origin(const yfw_node_t &copy) {
@@ -48,6 +47,7 @@ class walk_tree {
 
   const document &document_;
   const client_request &client_;
+  const bool is_checked_;
   node_arena arena_;
   std::set<const yfw_node_t *> left_out_;
   std::set<const yfw_node_t *> content_matches_;

@@ -1,6 +1,7 @@
 // What both writers share: a buffer before the stream, indentation, and the checks of values.
 #pragma once
 
+#include <array>
 #include <ostream>
 #include <string>
 #include <string_view>
@@ -45,10 +46,32 @@ class write_buffer {
   }
 
  private:
-  static constexpr size_t flush_bytes = 256 * 1024;
+  static constexpr size_t flush_bytes = 262144;
   std::ostream &out_;
   bool is_pretty_;
   std::string text_;
+};
+
+// A set of bytes with a search that needs one look-up a byte.
+class byte_set {
+ public:
+  constexpr explicit byte_set(std::string_view bytes) {
+    for (const char c : bytes) {
+      has_[static_cast<unsigned char>(c)] = true;
+    }
+  }
+
+  // How many bytes at the start of `text` are not in the set.
+  size_t length_without(std::string_view text) const {
+    size_t length = 0;
+    while (length < text.size() && !has_[static_cast<unsigned char>(text[length])]) {
+      ++length;
+    }
+    return length;
+  }
+
+ private:
+  std::array<bool, 256> has_{};
 };
 
 // Throws `error` with the node's path for a value that YANG does not have.

@@ -4,6 +4,8 @@ namespace yfw {
 
 namespace {
 
+constexpr byte_set escaped_bytes("\"\\\t\n\r");
+
 class json_writer {
  public:
   json_writer(std::ostream &out, const data_tree &tree, const write_options &options)
@@ -175,7 +177,7 @@ class json_writer {
 
   void escape(std::string_view text) {
     while (!text.empty()) {
-      const size_t plain = std::min(text.find_first_of("\"\\\t\n\r"), text.size());
+      const size_t plain = escaped_bytes.length_without(text);
       out_ << text.substr(0, plain);
       if (plain < text.size()) {
         const char c = text[plain];

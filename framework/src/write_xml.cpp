@@ -4,6 +4,8 @@ namespace yfw {
 
 namespace {
 
+constexpr byte_set escaped_bytes("<>&\"\r");
+
 class xml_writer {
  public:
   xml_writer(std::ostream &out, const data_tree &tree, const write_options &options)
@@ -136,7 +138,7 @@ class xml_writer {
 
   void escape(std::string_view text) {
     while (!text.empty()) {
-      const size_t plain = std::min(text.find_first_of("<>&\"\r"), text.size());
+      const size_t plain = escaped_bytes.length_without(text);
       out_ << text.substr(0, plain);
       if (plain < text.size()) {
         out_ << reference(text[plain]);

@@ -7,15 +7,19 @@ namespace yfw {
 
 namespace {
 
-// Walks the markup of a text once, from one '<' or '&' to the next.
+// Walks the markup of a text once, from one character of meaning to the next.
 class markup {
  public:
   markup(const document::parts &parts, size_t begin) : parts_(parts), text_(parts.text), at_(begin) {}
 
   void check() {
-    while ((at_ += std::strcspn(parts_.text.c_str() + at_, "<&")) < text_.size()) {
+    while ((at_ += std::strcspn(parts_.text.c_str() + at_, "<&]")) < text_.size()) {
       if (text_[at_] == '&') {
         check_reference();
+      } else if (is_at("]]>")) {
+        parts_.fail(at_, "']]>' stands outside a CDATA section");
+      } else if (text_[at_] == ']') {
+        ++at_;
       } else {
         check_angle();
       }

@@ -1,27 +1,66 @@
+#include <memory>
+#include <optional>
 #include <sstream>
 
-#include "command_line.hpp"
+#include "commands.hpp"
 #include "input.hpp"
 #include "setup.hpp"
 #include "yfw/node.hpp"
+#include "yfw/reply.hpp"
 #include "yfw/writer.hpp"
 
 namespace ymap {
+namespace {
 
-void run(const reply_command &command) {
-  setup with(command.common);
-  yfw::document document = yfw::document::read(read_text(command.common.file), display_name(command.common.file),
-                                               with.schema());
-  const yfw::reply reply = translate_reply(document, with.plugin(), command.options, with.trace());
-  const bool as_json = command.to ? *command.to == output_format::json : document.format() == yfw::data_format::json;
+constexpr const char *about_reply =
+    "FILE is XML or RFC 7951 JSON, '-' for standard input: operational data, configuration,\n"
+    "or both in one document, with or without <rpc-reply> and <data> around.\n\n"
+    "Examples:\n"
+    "  ymap reply examples/reply.xml\n"
+    "  ymap reply --content nonconfig --interface GigabitEthernet0/0/0/1 --to json examples/reply.xml";
+
+struct reply_command_options {
+  std::string file;
+  setup_options setup;
+  std::optional<yfw::data_format> to;  // none: as the input
+  yfw::reply_options reply;
+};
+
+void run(const reply_command_options &options) {
+  setup with(options.setup);
+  yfw::document document =
+      yfw::document::read(read_text(options.file), display_name(options.file), with.schema());
+  const yfw::reply reply = translate_reply(document, with.plugin(), options.reply, with.trace());
   std::ostringstream text;
-  if (as_json) {
+  if (options.to.value_or(document.format()) == yfw::data_format::json) {
     write_json(text, reply.data);
   } else {
     write_xml(text, reply.data, {.wrappers = {{"data", yfw::netconf_ns}}});
   }
   write_notes(reply.notes);
   write_result(text.str());
+}
+
+}  // namespace
+
+void add_reply(CLI::App &app) {
+  CLI::App &command = *app.add_subcommand("reply", "Turn native data into OpenConfig data.");
+  command.footer(about_reply);
+  const auto options = std::make_shared<reply_command_options>();
+  command.add_option("FILE", options->file, "the native data, '-' for standard input")->required();
+  add_setup(command, options->setup);
+  add_choice<yfw::data_format>(command, "--to", "format of the result (default: that of the input)",
+                               {{"xml", yfw::data_format::xml}, {"json", yfw::data_format::json}},
+                               [options](yfw::data_format format) { options->to = format; });
+  add_choice<yfw::content>(command, "--content", "which leaves (RFC 8040, section 4.8.1; default: all)",
+                           {{"all", yfw::content::all},
+                            {"config", yfw::content::config},
+                            {"nonconfig", yfw::content::nonconfig}},
+                           [options](yfw::content content) { options->reply.wanted = content; });
+  command.add_option("--interface", options->reply.entries, "only this interface; repeatable")
+      ->type_name("NAME")
+      ->allow_extra_args(false);
+  command.callback([options] { run(*options); });
 }
 
 }  // namespace ymap

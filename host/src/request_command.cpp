@@ -1,6 +1,8 @@
+#include <memory>
+#include <optional>
 #include <sstream>
 
-#include "command_line.hpp"
+#include "commands.hpp"
 #include "input.hpp"
 #include "setup.hpp"
 #include "yfw/native_request.hpp"
@@ -8,6 +10,23 @@
 
 namespace ymap {
 namespace {
+
+constexpr const char *about_request =
+    "FILE is XML or RFC 7951 JSON, '-' for standard input: a NETCONF <rpc> with <get>,\n"
+    "<get-config> (subtree filter) or <edit-config>, or a bare data tree with --operation.\n\n"
+    "Examples:\n"
+    "  ymap request examples/set-speed.xml\n"
+    "  ymap request --to paths --operation get examples/get-ethernet.json\n"
+    "  ymap request --trace --to paths examples/get-counters.xml";
+
+enum class output_format { xml, json, paths };
+
+struct request_options {
+  std::string file;
+  setup_options setup;
+  std::optional<yfw::client_operation> operation;
+  output_format to = output_format::xml;
+};
 
 const char *word(yfw::call_kind kind) {
   switch (kind) {
@@ -60,32 +79,50 @@ std::string as_data(const yfw::native_request &request, const yfw::schema &schem
   return text.str();
 }
 
-void require_operation(const yfw::document &document, const request_command &command) {
-  const std::string file = display_name(command.common.file);
-  if (is_bare(document) && !command.operation) {
+void require_operation(const yfw::document &document, const request_options &options) {
+  const std::string file = display_name(options.file);
+  if (is_bare(document) && !options.operation) {
     throw usage_error(file + " holds a bare data tree: say --operation get, get-config or edit");
   }
-  if (!is_bare(document) && command.operation) {
+  if (!is_bare(document) && options.operation) {
     throw usage_error(file + " holds a message that says its own operation: leave --operation out");
   }
 }
 
-}  // namespace
-
-void run(const request_command &command) {
-  setup with(command.common);
-  yfw::document document = yfw::document::read(read_text(command.common.file), display_name(command.common.file),
-                                               with.schema());
-  require_operation(document, command);
-  yfw::native_request request = translate_request(document, read_client_request(document, command.operation),
+void run(const request_options &options) {
+  setup with(options.setup);
+  const std::string file = display_name(options.file);
+  yfw::document document = yfw::document::read(read_text(options.file), file, with.schema());
+  require_operation(document, options);
+  yfw::native_request request = translate_request(document, read_client_request(document, options.operation),
                                                   with.plugin(), with.trace());
   if (request.calls.empty()) {
-    request.notes.push_back(display_name(command.common.file) + ": asks for nothing that is mapped");
+    request.notes.push_back(file + ": asks for nothing that is mapped");
   }
-  const std::string result = command.to == output_format::paths ? as_paths(request)
-                                                                : as_data(request, with.schema(), command.to);
+  const std::string result =
+      options.to == output_format::paths ? as_paths(request) : as_data(request, with.schema(), options.to);
   write_notes(request.notes);
   write_result(result);
+}
+
+}  // namespace
+
+void add_request(CLI::App &app) {
+  CLI::App &command = *app.add_subcommand("request", "Turn a client's request into native paths.");
+  command.footer(about_request);
+  const auto options = std::make_shared<request_options>();
+  command.add_option("FILE", options->file, "the request, '-' for standard input")->required();
+  add_setup(command, options->setup);
+  add_choice<yfw::client_operation>(command, "--operation", "what a bare data tree asks for",
+                                    {{"get", yfw::client_operation::get},
+                                     {"get-config", yfw::client_operation::get_config},
+                                     {"edit", yfw::client_operation::edit}},
+                                    [options](yfw::client_operation operation) { options->operation = operation; });
+  add_choice<output_format>(
+      command, "--to", "subtree filter or edit-config as XML (default) or JSON, or a line a path",
+      {{"xml", output_format::xml}, {"json", output_format::json}, {"paths", output_format::paths}},
+      [options](output_format format) { options->to = format; });
+  command.callback([options] { run(*options); });
 }
 
 }  // namespace ymap

@@ -15,14 +15,14 @@ fs::path prefix() {
   return fs::read_symlink("/proc/self/exe").parent_path().parent_path();
 }
 
-std::vector<fs::path> yang_directories(const common_options &options) {
+std::vector<fs::path> yang_directories(const setup_options &options) {
   if (options.yang.empty()) {
     return {prefix() / "share" / "ymap" / "yang"};
   }
   return {options.yang.begin(), options.yang.end()};
 }
 
-fs::path plugin_library(const common_options &options) {
+fs::path plugin_library(const setup_options &options) {
   if (!options.plugin.empty()) {
     return options.plugin;
   }
@@ -36,7 +36,17 @@ fs::path plugin_library(const common_options &options) {
 
 }  // namespace
 
-setup::setup(const common_options &options)
+void add_setup(CLI::App &command, setup_options &options) {
+  command.add_option("--plugin", options.plugin, "the mapping's shared library instead of the built or installed one")
+      ->type_name("PATH");
+  command.add_option("--yang", options.yang, "directory of YANG modules instead of the shipped ones; repeatable")
+      ->type_name("DIR")
+      ->allow_extra_args(false);
+  command.add_flag("--trace", options.trace, "print the mapping's short-form trace lines to standard error");
+  command.add_flag("--ring", options.ring, "print its long-form lines, with function and line, to standard error");
+}
+
+setup::setup(const setup_options &options)
     : trace_(options.trace ? &std::cerr : nullptr, options.ring),
       schema_(yfw::schema::load(yang_directories(options))),
       plugin_(yfw::plugin::load(plugin_library(options))) {}

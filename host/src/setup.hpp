@@ -1,18 +1,32 @@
 // What a command works with: the modules, the plug-in and the trace.
 #pragma once
 
-#include "command_line.hpp"
+#include <CLI/CLI.hpp>
+#include <string>
+#include <vector>
+
 #include "yfw/plugin.hpp"
 #include "yfw/schema.hpp"
 #include "yfw/trace.hpp"
 
 namespace ymap {
 
+// The options that say it.
+struct setup_options {
+  std::string plugin;             // empty: the default one
+  std::vector<std::string> yang;  // empty: the shipped modules
+  bool trace = false;
+  bool ring = false;
+};
+
+// Adds them to a command. `options` must live until the command has run.
+void add_setup(CLI::App &command, setup_options &options);
+
 class setup {
  public:
   // Loads what the options name. By default that is the plug-in and the modules beside this program's own installation
   // or build.
-  explicit setup(const common_options &options);
+  explicit setup(const setup_options &options);
   // Prints the ring.
   ~setup();
   setup(const setup &) = delete;

@@ -30,6 +30,7 @@ struct native_call {
   std::vector<path_step> steps;
   std::optional<std::string> value;  // of a set; in a read, the key that selects an entry
   uint32_t operation;                // YFW_OPERATION_…, of a set or delete
+  const yfw_node_t *cause;           // the client's node that it was made for, of the request's document; may be null
 
   // /list[key='x']/leaf with plain names, in the form of an instance-identifier (RFC 7950, section 9.13).
   std::string path() const;
@@ -45,6 +46,19 @@ struct native_request {
 // is served. Throws `error`, with the place in the document, for data that the modules do not have, for a write of a
 // leaf that is not mapped or whose value has no native counterpart, and for whatever the plug-in refuses.
 native_request translate_request(document &request, client_request client, const plugin &mapping, trace_log &log);
+
+// What a plug-in makes of a request, unjudged.
+struct probe_outcome {
+  uint32_t status = 0;     // what the entry point returned; the first one that is not 0
+  std::string error_tag;   // the tag that it rejected, or empty
+  std::vector<std::string> problems;  // texts of the error points that were reached
+  std::vector<native_call> calls;
+  bool value_lost = false;  // a call of a write carries neither a value nor a delete
+};
+
+// Hands a request to the plug-in whatever the modules say of its values and of what may be edited, and does not judge
+// what comes of it. Throws `error` only for data that the modules do not have and that no entry point serves.
+probe_outcome probe_request(document &request, client_request client, const plugin &mapping, trace_log &log);
 
 // The net effect of the calls as one native tree: for reads a subtree filter (RFC 6241, section 6), whose nodes have no
 // values but for keys; for writes the content of an edit-config's `config`, where a later call on a leaf replaces an

@@ -62,10 +62,15 @@ class node_arena {
   // `count` adjacent blank nodes; null for 0.
   yfw_node_t *nodes(size_t count);
 
+  // Adjacent copies of nodes, as they are; null for none.
+  yfw_node_t *copies(std::span<const yfw_node_t> nodes);
+
   // A copy of `text` with a terminating zero.
   char *text(std::string_view text);
 
  private:
+  yfw_node_t *room(size_t count);
+
   std::vector<std::unique_ptr<std::byte[]>> node_blocks_;
   std::vector<std::unique_ptr<char[]>> text_blocks_;
   size_t nodes_left_ = 0;

@@ -1,0 +1,32 @@
+// The commands of ymap. Each adds itself to the command line, with its options and help; when it is the one asked for,
+// it runs and throws `yfw::error` when the input is refused or the work fails, `usage_error` when the command line does
+// not fit the input.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <functional>
+#include <map>
+#include <stdexcept>
+#include <string>
+
+namespace ymap {
+
+void add_request(CLI::App &app);
+void add_reply(CLI::App &app);
+
+class usage_error : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// An option whose value is one of a few words.
+template <typename value_t>
+void add_choice(CLI::App &command, const std::string &name, const std::string &help,
+                const std::map<std::string, value_t> &words, std::function<void(value_t)> choose) {
+  command
+      .add_option_function<std::string>(
+          name, [words, choose](const std::string &word) { choose(words.at(word)); }, help)
+      ->check(CLI::IsMember(words));
+}
+
+}  // namespace ymap

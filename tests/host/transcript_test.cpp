@@ -1,0 +1,105 @@
+// Runs the commands of transcripts and compares what they print and their exit codes. A transcript holds
+//
+//   $ command          run by the shell at the top of the sources, with the built programs on its path;
+//   > more of it       a here-document, say
+//   what it prints     standard output and error as they come
+//   [exit 1]           when it is not 0
+//
+// In Markdown only the blocks marked `console` count; in other files, lines that begin with '#' are comments.
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+struct Step {
+  std::string command;
+  std::string expected;
+  unsigned line = 0;
+};
+
+void PrintTo(const std::filesystem::path &path, std::ostream *out) {
+  *out << path.string();
+}
+
+std::vector<Step> steps_of(const std::filesystem::path &file) {
+  const bool is_markdown = file.extension() == ".md";
+  bool counts = !is_markdown;
+  std::vector<Step> steps;
+  std::ifstream stream(file);
+  unsigned number = 0;
+  for (std::string line; std::getline(stream, line);) {
+    ++number;
+    if (is_markdown && line.starts_with("```")) {
+      counts = line == "```console";
+    } else if (!counts || (!is_markdown && line.starts_with("#"))) {
+      continue;
+    } else if (line.starts_with("$ ")) {
+      steps.push_back({line.substr(2), "", number});
+    } else if (line.starts_with("> ") && !steps.empty() && steps.back().expected.empty()) {
+      steps.back().command += "\n" + line.substr(2);
+    } else if (!steps.empty()) {
+      steps.back().expected += line + "\n";
+    }
+  }
+  return steps;
+}
+
+std::string run(const std::string &command) {
+  const std::string script = "cd '" YMAP_SOURCE_DIR "' && PATH='" YMAP_BIN_DIR "':\"$PATH\" && exec 2>&1\n" + command;
+  std::FILE *pipe = popen(script.c_str(), "r");
+  if (pipe == nullptr) {
+    return "cannot be run";
+  }
+  std::string output;
+  char chunk[4096];
+  for (size_t count = 0; (count = std::fread(chunk, 1, sizeof chunk, pipe)) > 0;) {
+    output.append(chunk, count);
+  }
+  if (const int status = pclose(pipe); status != 0) {
+    output += "[exit " + std::to_string(WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status)) + "]\n";
+  }
+  return output;
+}
+
+// A blank line before the next command parts them for the reader and is not printed by anything.
+std::string without_trailing_blank_lines(std::string text) {
+  while (text.ends_with("\n\n") || text == "\n") {
+    text.pop_back();
+  }
+  return text;
+}
+
+std::vector<std::filesystem::path> transcripts() {
+  std::vector<std::filesystem::path> files = {YMAP_SOURCE_DIR "/README.md"};
+  for (const auto &entry : std::filesystem::directory_iterator(YMAP_SOURCE_DIR "/tests/host/transcripts")) {
+    files.push_back(entry.path());
+  }
+  return files;
+}
+
+class Transcript : public testing::TestWithParam<std::filesystem::path> {};
+
+TEST_P(Transcript, PrintsWhatItSays) {
+  const std::vector<Step> steps = steps_of(GetParam());
+  ASSERT_FALSE(steps.empty());
+  for (const Step &step : steps) {
+    EXPECT_EQ(without_trailing_blank_lines(step.expected), without_trailing_blank_lines(run(step.command)))
+        << GetParam().string() << ":" << step.line << ": $ " << step.command;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(All, Transcript, testing::ValuesIn(transcripts()), [](const auto &info) {
+  std::string name = info.param.stem().string();
+  std::replace_if(name.begin(), name.end(), [](char c) { return std::isalnum(static_cast<unsigned char>(c)) == 0; }, '_');
+  return name;
+});
+
+}  // namespace
