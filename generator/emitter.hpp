@@ -14,8 +14,7 @@ class emitter {
   using hole_values = std::initializer_list<std::pair<std::string_view, std::string>>;
 
   // `always` fills holes in every text.
-  explicit emitter(std::map<std::string, std::string, std::less<>> always) : always_(std::move(always)) {
-  }
+  explicit emitter(std::map<std::string, std::string, std::less<>> always) : always_(std::move(always)) {}
 
   // Appends `text` with each $name$ replaced by its value, which is taken as it is. Throws std::logic_error for a hole
   // that has none.

@@ -14,11 +14,9 @@ struct place {
 
 class error : public std::runtime_error {
  public:
-  explicit error(const std::string &text) : std::runtime_error(text) {
-  }
+  explicit error(const std::string &text) : std::runtime_error(text) {}
   error(const place &at, const std::string &text)
-      : std::runtime_error(at.file + ":" + std::to_string(at.line) + ": " + text) {
-  }
+      : std::runtime_error(at.file + ":" + std::to_string(at.line) + ": " + text) {}
 };
 
 }  // namespace ymapgen

@@ -11,27 +11,21 @@ namespace {
 
 using node_list = std::vector<const lysc_node *>;
 
-void expect_one_line_each(const std::vector<row> &rows, const node_list &children, const std::string &parent,
-                          const place &parent_at) {
-  auto next = children.begin();
-  for (const row &line : rows) {
-    const auto is_named = [&line](const lysc_node *candidate) { return line.name == candidate->name; };
-    if (std::none_of(children.begin(), children.end(), is_named)) {
-      throw error(line.at, "'" + line.name + "' is not a child of '" + parent + "'");
-    }
-    if (std::none_of(next, children.end(), is_named)) {
-      throw error(line.at, "'" + line.name + "' has its line already");
-    }
-    if (!is_named(*next)) {
-      throw error(line.at, "'" + std::string((*next)->name) + "' of '" + parent + "' needs its line before '" +
-                               line.name + "': one line for each node, in the order of the module");
-    }
-    ++next;
+// Throws unless the row is that of the next child.
+void expect_row_of(const lysc_node *next, const row &line, const node_list &children, const lysc_node *parent) {
+  if (next != nullptr && line.name == next->name) {
+    return;
   }
-  if (next != children.end()) {
-    throw error(rows.empty() ? parent_at : rows.back().at, "'" + std::string((*next)->name) + "' of '" + parent +
-                                                               "' has no line: write 'ignore' if nothing maps it");
+  const bool is_child = std::any_of(children.begin(), children.end(),
+                                    [&line](const lysc_node *candidate) { return line.name == candidate->name; });
+  if (!is_child) {
+    throw error(line.at, "'" + line.name + "' is not a child of '" + path_of(parent) + "'");
   }
+  if (next == nullptr) {
+    throw error(line.at, "'" + line.name + "' of '" + path_of(parent) + "' has a line already");
+  }
+  throw error(line.at, "'" + std::string(next->name) + "' of '" + path_of(parent) + "' needs a line before '" +
+                           line.name + "': one for each node, in the order of the module");
 }
 
 // The children that belong to the module itself. Those of other modules have no lines: augment hooks get them.
@@ -95,7 +89,7 @@ node joiner::join_one(const row &line, const lysc_node *what) {
   node result = described(line, what);
   expect_fit(line, result, source_.direction);
   if (line.action == action::absent) {
-    expect_one_line_each(line.children, {}, result.path, line.at);
+    join(line.children, {}, what, line.at);
     return result;
   }
   if (line.action == action::report && source_.wanted.empty()) {
@@ -111,13 +105,18 @@ node joiner::join_one(const row &line, const lysc_node *what) {
 
 std::vector<node> joiner::join(const std::vector<row> &rows, const node_list &children, const lysc_node *parent,
                                const place &parent_at) {
-  expect_one_line_each(rows, children, path_of(parent), parent_at);
   std::vector<node> nodes;
   for (std::size_t i = 0; i < rows.size(); ++i) {
+    expect_row_of(i < children.size() ? children[i] : nullptr, rows[i], children, parent);
     node next = join_one(rows[i], children[i]);
     if (next.action != action::absent) {
       nodes.push_back(std::move(next));
     }
+  }
+  if (rows.size() < children.size()) {
+    throw error(rows.empty() ? parent_at : rows.back().at, "'" + std::string(children[rows.size()]->name) + "' of '" +
+                                                               path_of(parent) +
+                                                               "' has no line: write 'ignore' if nothing maps it");
   }
   return nodes;
 }

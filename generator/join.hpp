@@ -11,8 +11,7 @@ namespace ymapgen {
 class joiner {
  public:
   joiner(const table &source, const schema &modules, const lys_module *module)
-      : source_(source), modules_(modules), module_(module) {
-  }
+      : source_(source), modules_(modules), module_(module) {}
 
   // Joins the rows below the line `parent_at` with the `children` of `parent`: each must have one row, in order. Nodes
   // without a tag are left out. Throws `error`.

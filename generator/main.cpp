@@ -14,12 +14,10 @@ constexpr const char *description =
 
 constexpr const char *footer =
     "\nExample:\n"
-    "  ymapgen --yang yang --out-src src --out-include include models/openconfig-system.map\n\n"
+    "  ymapgen --yang yang --out-src src --out-include include models/thermostat.map\n\n"
     "Exit codes: 0 done, 1 a table or module is wrong or a file cannot be written, 2 wrong command line.";
 
-}  // namespace
-
-int main(int argc, char **argv) {
+int run(int argc, char **argv) {
   CLI::App program(description, "ymapgen");
   program.footer(footer);
   ymapgen::job what;
@@ -33,14 +31,26 @@ int main(int argc, char **argv) {
   program.add_option("TABLE", what.tables, "mapping tables")->required();
   try {
     program.parse(argc, argv);
-    for (const std::string &file : ymapgen::generate(what)) {
-      std::cout << file << '\n';
-    }
   } catch (const CLI::ParseError &wrong) {
-    return program.exit(wrong) == 0 ? 0 : 2;
+    if (wrong.get_exit_code() == 0) {
+      return program.exit(wrong);
+    }
+    std::cerr << "ymapgen: " << wrong.what() << "; see ymapgen --help\n";
+    return 2;
+  }
+  for (const std::string &file : ymapgen::generate(what)) {
+    std::cout << file << '\n';
+  }
+  return 0;
+}
+
+}  // namespace
+
+int main(int argc, char **argv) {
+  try {
+    return run(argc, argv);
   } catch (const std::exception &wrong) {
     std::cerr << "ymapgen: " << wrong.what() << '\n';
     return 1;
   }
-  return 0;
 }

@@ -33,7 +33,8 @@ const action_rule &rule_of(const std::string &word, const place &at) {
   const auto *rule = std::find_if(action_rules.begin(), action_rules.end(),
                                   [&word](const action_rule &candidate) { return word == candidate.word; });
   if (rule == action_rules.end()) {
-    throw error(at, "'" + word + "' is not an action: one of walk, by-hand, ignore, absent, add, report, manual, set, " +
+    throw error(at, "'" + word +
+                        "' is not an action: one of walk, by-hand, ignore, absent, add, report, manual, set, " +
                         "read, unmapped");
   }
   return *rule;

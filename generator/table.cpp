@@ -86,7 +86,8 @@ void parse_head(table &result, const line &head) {
   } else if (keyword == "wanted") {
     result.wanted = parse_c_name(head, "wanted FUNCTION");
   } else {
-    throw error(head.at, "'" + keyword + "' is not a keyword of the head: one of plug-in, module, direction, include, " +
+    throw error(head.at, "'" + keyword +
+                             "' is not a keyword of the head: one of plug-in, module, direction, include, " +
                              "target, wanted, nodes");
   }
 }
@@ -106,8 +107,8 @@ std::vector<row> parse_rows(const std::vector<line> &lines, std::size_t &next, s
   while (next < lines.size() && lines[next].indent >= 2 * depth) {
     if (lines[next].indent != 2 * depth) {
       throw error(lines[next].at, "'" + lines[next].words[0] + "' is indented by " +
-                                      std::to_string(lines[next].indent) + " blanks: two for each level, at most " +
-                                      std::to_string(2 * depth) + " here");
+                                      std::to_string(lines[next].indent) + " blanks: two for each level, at most one " +
+                                      "level below the line before");
     }
     row result = parse_row(lines[next].words, lines[next].at);
     ++next;

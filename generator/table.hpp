@@ -1,5 +1,5 @@
-// A mapping table as it is written: one head, then one line a node. docs/table-format.md describes the text. Whether the
-// lines fit the YANG module is not known here.
+// A mapping table as it is written: one head, then one line a node. docs/table-format.md describes the text. Whether
+// the lines fit the YANG module is not known here.
 #pragma once
 
 #include "error.hpp"

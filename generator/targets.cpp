@@ -26,10 +26,13 @@ node_list children_of_all(const node_list &parents) {
 }
 
 const target *target_of(const table &source, const lysc_node *leaf) {
-  const auto found = std::find_if(source.targets.begin(), source.targets.end(), [leaf](const target &candidate) {
-    return candidate.module == leaf->module->name;
-  });
+  const auto found = std::find_if(source.targets.begin(), source.targets.end(),
+                                  [leaf](const target &candidate) { return candidate.module == leaf->module->name; });
   return found == source.targets.end() ? nullptr : &*found;
+}
+
+error no_such_child(const std::string &path, const lysc_node *parent, const std::string &name, const place &at) {
+  return {at, "'" + path + "' is no path of the modules: '" + name + "' is not a child of '" + path_of(parent) + "'"};
 }
 
 }  // namespace
@@ -39,10 +42,10 @@ target_path resolve_target(const schema &modules, const table &source, const std
   node_list matches;
   std::istringstream names(path.substr(1));
   for (std::string name; std::getline(names, name, '/'); candidates = children_of_all(matches)) {
-    const std::string parent = matches.empty() ? "/" : path_of(matches.front());
+    const lysc_node *parent = matches.empty() ? nullptr : matches.front();
     matches = named(candidates, name);
     if (matches.empty()) {
-      throw error(at, "'" + path + "' is no path of the modules: '" + name + "' is not a child of '" + parent + "'");
+      throw no_such_child(path, parent, name, at);
     }
   }
   for (const lysc_node *leaf : matches) {

@@ -5,8 +5,8 @@
 
 namespace ymapgen {
 
-// Finds the leaf that an absolute path without prefixes names. It must belong to one of the table's target modules, which
-// must be loaded. Throws `error` at `at`.
+// Finds the leaf that an absolute path without prefixes names. It must belong to one of the table's target modules,
+// which must be loaded. Throws `error` at `at`.
 target_path resolve_target(const schema &modules, const table &source, const std::string &path, const place &at);
 
 }  // namespace ymapgen

@@ -21,8 +21,7 @@ std::string value_text(const node &leaf) {
 }
 
 void write_add(emitter &out, const node &leaf) {
-  out.put("  const uint32_t status = $add$;\n",
-          {{"add", add_text(out, leaf.targets[0], value_text(leaf), "nullptr")}});
+  out.put("  const uint32_t status = $add$;\n", {{"add", add_text(out, leaf.targets[0], value_text(leaf), "nullptr")}});
 }
 
 // Configuration always, if wanted, and state beside it in a read of both, whose status then counts.

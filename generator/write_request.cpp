@@ -1,5 +1,5 @@
-// Walkers of requests: they reject what they do not know, and a container that stands for all of its leaves is handed to
-// each of them.
+// Walkers of requests: they reject what they do not know, and a container that stands for all of its leaves is handed
+// to each of them.
 #include "writers.hpp"
 
 #include <algorithm>

@@ -17,8 +17,8 @@ std::string parser_text(const model &source);
 
 // Parts of these, shared by the writers.
 
-// An emitter that has begun a file. Holes that it always fills: $model$, the prefix of names, $ns$, the namespace of the
-// module, and $start$, how a function that takes node and output begins.
+// An emitter that has begun a file. Holes that it always fills: $model$, the prefix of names, $ns$, the namespace of
+// the module, and $start$, how a function that takes node and output begins.
 emitter begin_file(const model &source);
 
 // Includes of a source: the model's header, the frame, and more; and the test of the frame's version.

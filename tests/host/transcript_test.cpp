@@ -98,7 +98,8 @@ TEST_P(Transcript, PrintsWhatItSays) {
 
 INSTANTIATE_TEST_SUITE_P(All, Transcript, testing::ValuesIn(transcripts()), [](const auto &info) {
   std::string name = info.param.stem().string();
-  std::replace_if(name.begin(), name.end(), [](char c) { return std::isalnum(static_cast<unsigned char>(c)) == 0; }, '_');
+  std::replace_if(
+      name.begin(), name.end(), [](char c) { return std::isalnum(static_cast<unsigned char>(c)) == 0; }, '_');
   return name;
 });
 

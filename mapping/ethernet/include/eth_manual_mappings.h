@@ -8,8 +8,8 @@
 extern "C" {
 
 // Value translators between openconfig-if-ethernet ("FULL", "SPEED_10MB") and the native models ("full", "10",
-// "ten-gbps"). Each returns the other model's text for the value of `leaf`, or null, after an error point, when there is
-// no value or it has no counterpart. Constant text: never freed or changed by the caller. `leaf` must not be null.
+// "ten-gbps"). Each returns the other model's text for the value of `leaf`, or null, after an error point, when there
+// is no value or it has no counterpart. Constant text: never freed or changed by the caller. `leaf` must not be null.
 // The native configuration holds three speeds only, so most names that `…_to_high` yields are unknown to `…_to_low`.
 const char *eth_drvr_duplex_enum_to_low(yfw_ctx_t *ctx, yfw_node_t *leaf);
 const char *eth_drvr_duplex_enum_to_high(yfw_ctx_t *ctx, yfw_node_t *leaf);

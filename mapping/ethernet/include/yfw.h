@@ -64,9 +64,9 @@ struct yfw_request_t {
 
 struct yfw_request_record_t {
   yfw_request_t *request;
-  char *error_tag;          // set by the plug-in with yfw_strdup, reported and freed by the framework
-  uint32_t walker_flags;    // 0x40 and 0x80 while a replaced container is walked
-  yfw_node_t *current_list; // output list entry that leaves are written into
+  char *error_tag;           // set by the plug-in with yfw_strdup, reported and freed by the framework
+  uint32_t walker_flags;     // 0x40 and 0x80 while a replaced container is walked
+  yfw_node_t *current_list;  // output list entry that leaves are written into
   uint8_t output_list_count;
   uint32_t expansion_in_progress;  // 1: a container is being expanded into all of its leaves
   uint32_t expansion_flags;
@@ -111,7 +111,7 @@ struct yfw_debug_ctx_t {
 struct yfw_ctx_t {
   yfw_request_record_t *request;
   yfw_debug_ctx_t _debug_ctx;
-  void *error_log;             // handles for _kel_dt_log_filter_adv
+  void *error_log;  // handles for _kel_dt_log_filter_adv
   void *trace_log;
   void *ring_trace;            // handle for _lstrace
   int32_t ring_trace_enabled;  // non-zero: long-form lines are written
@@ -169,7 +169,8 @@ void yfw_remove_from_output_list_ctx(yfw_ctx_t *ctx, yfw_node_t *node, yfw_node_
 // A copy from malloc, charged to `owner`; null for null.
 char *yfw_strdup(const char *string, const char *owner);
 
-// Bounds-checked comparison: 0 and `*indicator` 0 when equal over at most `maximum` characters and the terminating zero.
+// Bounds-checked comparison: 0 and `*indicator` 0 when equal over at most `maximum` characters and the terminating
+// zero.
 int strcmp_s(const char *first, size_t maximum, const char *second, int *indicator);
 
 // Trace services. Levels: 3 for trace points, 0 for error points. `slot` is the call site's own filter slot.

@@ -36,7 +36,7 @@
 // Prints the assertion line and ends the process by a fault at the place of the assertion. The stream stays locked, so
 // that nothing else is printed after the line.
 [[noreturn]] __attribute__((always_inline)) inline void ymap_assertion_failed_(const char *file, int line,
-                                                                              const char *expression) {
+                                                                               const char *expression) {
   flockfile(stderr);
   (void)std::fprintf(stderr, "%s: %d %s -- assertion failed\n", file, line, expression);
   volatile uintptr_t no_mans_address = 1;
@@ -61,18 +61,18 @@ __attribute__((format(printf, 2, 3), cold, noinline)) inline void ymap_ring_trac
 
 // One point: its slot, then the short form through the filtered log, then the long form to the ring, each if wanted.
 // The sequence number is drawn only for a line that is written.
-#define YMAP_POINT_(ctx, level, log, kind, text, ...)                                                               \
-  do {                                                                                                              \
-    static int32_t ymap_slot_ = -1;                                                                                 \
-    if (yfw_debug_should_log(&(ctx)->_debug_ctx, level) != 0) {                                                     \
-      _kel_dt_log_filter_adv((ctx)->log, 0, 0, 0, 0, 0, &ymap_slot_, kind ": YFW: ctx=%p," text,                    \
-                             static_cast<void *>(ctx) __VA_OPT__(, ) __VA_ARGS__);                                  \
-    }                                                                                                               \
-    if ((ctx)->ring_trace_enabled != 0) {                                                                           \
-      ymap_ring_trace_((ctx), "#%u: " kind ": %s:%d ctx=%p," text, ret_nc_yfw_trace_index_incr(),                   \
-                       static_cast<const char *>(__func__), __LINE__, static_cast<void *>(ctx) __VA_OPT__(, )       \
-                           __VA_ARGS__);                                                                            \
-    }                                                                                                               \
+#define YMAP_POINT_(ctx, level, log, kind, text, ...)                                             \
+  do {                                                                                            \
+    static int32_t ymap_slot_ = -1;                                                               \
+    if (yfw_debug_should_log(&(ctx)->_debug_ctx, level) != 0) {                                   \
+      _kel_dt_log_filter_adv((ctx)->log, 0, 0, 0, 0, 0, &ymap_slot_, kind ": YFW: ctx=%p," text,  \
+                             static_cast<void *>(ctx) __VA_OPT__(, ) __VA_ARGS__);                \
+    }                                                                                             \
+    if ((ctx)->ring_trace_enabled != 0) {                                                         \
+      ymap_ring_trace_((ctx), "#%u: " kind ": %s:%d ctx=%p," text, ret_nc_yfw_trace_index_incr(), \
+                       static_cast<const char *>(__func__), __LINE__,                             \
+                       static_cast<void *>(ctx) __VA_OPT__(, ) __VA_ARGS__);                      \
+    }                                                                                             \
   } while (false)
 
 // A trace point and an error point.
@@ -80,21 +80,21 @@ __attribute__((format(printf, 2, 3), cold, noinline)) inline void ymap_ring_trac
 #define YMAP_ERR(ctx, ...) YMAP_POINT_(ctx, YMAP_LEVEL_ERR_, error_log, "ERR", __VA_ARGS__)
 
 // The assertions on the context, for functions that trace no "Start". The second cannot fail once the first has passed.
-#define YMAP_ASSERT(ctx)                                                                  \
-  do {                                                                                    \
-    if ((ctx) == nullptr) {                                                               \
-      ymap_assertion_failed_(__FILE__, __LINE__, "NULL != ctx");                          \
-    }                                                                                     \
-    if (ymap_debug_ctx_of_(ctx) == nullptr) {                                             \
-      ymap_assertion_failed_(__FILE__, __LINE__, "NULL != (&((ctx)->_debug_ctx))");       \
-    }                                                                                     \
+#define YMAP_ASSERT(ctx)                                                            \
+  do {                                                                              \
+    if ((ctx) == nullptr) {                                                         \
+      ymap_assertion_failed_(__FILE__, __LINE__, "NULL != ctx");                    \
+    }                                                                               \
+    if (ymap_debug_ctx_of_(ctx) == nullptr) {                                       \
+      ymap_assertion_failed_(__FILE__, __LINE__, "NULL != (&((ctx)->_debug_ctx))"); \
+    }                                                                               \
   } while (false)
 
 // The assertions and the "Start" point in one: both report the same line.
-#define YMAP_START(ctx)       \
-  do {                        \
-    YMAP_ASSERT(ctx);         \
-    YMAP_TRC(ctx, "Start");   \
+#define YMAP_START(ctx)     \
+  do {                      \
+    YMAP_ASSERT(ctx);       \
+    YMAP_TRC(ctx, "Start"); \
   } while (false)
 
 // The operation of the request that the context belongs to, YFW_REQUEST_….

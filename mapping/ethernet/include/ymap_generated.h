@@ -17,4 +17,5 @@ typedef uint32_t ymap_container_function(yfw_ctx_t *ctx, yfw_node_t *node, uint3
 
 // Defines the function `plain`, declared before, as another name of `body`, which must stand in the same file. Being
 // weak, it gives way to a definition of `plain` in another object file of the plug-in.
+// NOLINTNEXTLINE(bugprone-macro-parentheses)
 #define YMAP_WEAK_ALIAS(plain, body) decltype(plain) plain __attribute__((weak, alias(#body)))

@@ -32,10 +32,10 @@ constexpr eth_value_row eth_speed_to_low[] = {{"SPEED_10MB", "10"}, {"SPEED_100M
 // Numbers come from the native configuration, words from the operational model. One gigabit has a different spelling
 // for each of them.
 constexpr eth_value_row eth_speed_to_high[] = {
-    {"10", "SPEED_10MB"},           {"100", "SPEED_100MB"},       {"1000", "SPEED_1GB"},
-    {"one-gbps", "SPEED_1G"},       {"ten-gbps", "SPEED_10G"},    {"twenty-five-gbps", "SPEED_25G"},
-    {"forty-gbps", "SPEED_40G"},    {"fifty-gbps", "SPEED_50G"},  {"hundred-gbps", "SPEED_100G"},
-    {"ten-mbps", "SPEED_10MB"},     {"hundred-mbps", "SPEED_100MB"},
+    {"10", "SPEED_10MB"},        {"100", "SPEED_100MB"},          {"1000", "SPEED_1GB"},
+    {"one-gbps", "SPEED_1G"},    {"ten-gbps", "SPEED_10G"},       {"twenty-five-gbps", "SPEED_25G"},
+    {"forty-gbps", "SPEED_40G"}, {"fifty-gbps", "SPEED_50G"},     {"hundred-gbps", "SPEED_100G"},
+    {"ten-mbps", "SPEED_10MB"},  {"hundred-mbps", "SPEED_100MB"},
 };
 
 // The text that `value` stands for in `rows`, or null. A comparison that fails counts as no match.
@@ -51,6 +51,10 @@ const char *eth_translated(const eth_value_row (&rows)[count], const char *value
 }
 
 }  // namespace
+
+// Exported functions are defined inside `extern "C"`, so that one whose signature is not the declared one does not
+// compile.
+extern "C" {
 
 const char *eth_drvr_duplex_enum_to_low(yfw_ctx_t *ctx, yfw_node_t *leaf) {
   YMAP_START(ctx);
@@ -124,6 +128,8 @@ bool eth_oc_config_leaf_wanted(const yfw_request_record_t *record) {
   return !selected || record->selection_mode != 2;
 }
 
+}  // extern "C"
+
 namespace {
 
 // Adds a path that no request node stands behind: a read without a value, a report with one.
@@ -191,6 +197,8 @@ const char *eth_printable(const char *value) {
 }
 
 }  // namespace
+
+extern "C" {
 
 // ---- interface lists and defaults
 
@@ -459,3 +467,5 @@ uint32_t ymap_ox_oc_ethernet_openconfigifethernet_lvla_ethernet_config_parse_aug
   YMAP_TRC(ctx, "End");
   return status;
 }
+
+}  // extern "C"
