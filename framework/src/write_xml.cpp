@@ -73,12 +73,19 @@ class xml_writer {
   void write_element(const wrapper &element, size_t depth, std::string_view outer_ns) {
     begin(depth, element.tag, element.ns, outer_ns);
     write_attributes(element);
-    out_ << (element.before.empty() ? "/>" : ">");
+    if (element.before.empty() && element.text.empty()) {
+      out_ << "/>";
+      return;
+    }
+    out_ << '>';
+    escape(element.text);
     for (const wrapper &below : element.before) {
       write_element(below, depth + 1, element.ns);
     }
-    if (!element.before.empty()) {
+    if (element.text.empty()) {
       end(depth, element.tag);
+    } else {
+      out_ << "</" << element.tag << '>';
     }
   }
 

@@ -23,6 +23,9 @@ int run_command_line(int argc, char **argv) {
   app.set_version_flag("--version", "ymap " YMAP_VERSION " (ABI " + std::to_string(YFW_ABI_VERSION) + ")");
   app.require_subcommand(1);
   app.get_formatter()->column_width(24);
+  app.failure_message([](const CLI::App *, const CLI::Error &failure) {
+    return "ymap: " + std::string(failure.what()) + "; 'ymap --help' and 'ymap COMMAND --help' tell more\n";
+  });
   add_request(app);
   add_reply(app);
   try {

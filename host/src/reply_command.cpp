@@ -28,8 +28,7 @@ struct reply_command_options {
 
 void run(const reply_command_options &options) {
   setup with(options.setup);
-  yfw::document document =
-      yfw::document::read(read_text(options.file), display_name(options.file), with.schema());
+  yfw::document document = yfw::document::read(read_text(options.file), display_name(options.file), with.schema());
   const yfw::reply reply = translate_reply(document, with.plugin(), options.reply, with.trace());
   std::ostringstream text;
   if (options.to.value_or(document.format()) == yfw::data_format::json) {
@@ -52,11 +51,10 @@ void add_reply(CLI::App &app) {
   add_choice<yfw::data_format>(command, "--to", "format of the result (default: that of the input)",
                                {{"xml", yfw::data_format::xml}, {"json", yfw::data_format::json}},
                                [options](yfw::data_format format) { options->to = format; });
-  add_choice<yfw::content>(command, "--content", "which leaves (RFC 8040, section 4.8.1; default: all)",
-                           {{"all", yfw::content::all},
-                            {"config", yfw::content::config},
-                            {"nonconfig", yfw::content::nonconfig}},
-                           [options](yfw::content content) { options->reply.wanted = content; });
+  add_choice<yfw::content>(
+      command, "--content", "which leaves (RFC 8040, section 4.8.1; default: all)",
+      {{"all", yfw::content::all}, {"config", yfw::content::config}, {"nonconfig", yfw::content::nonconfig}},
+      [options](yfw::content content) { options->reply.wanted = content; });
   command.add_option("--interface", options->reply.entries, "only this interface; repeatable")
       ->type_name("NAME")
       ->allow_extra_args(false);

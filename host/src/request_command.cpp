@@ -53,8 +53,8 @@ std::string as_paths(const yfw::native_request &request) {
   return text.str();
 }
 
-yfw::wrapper netconf_element(const std::string &tag) {
-  return {tag, yfw::netconf_ns};
+yfw::wrapper netconf_element(const std::string &tag, const std::string &text = {}) {
+  return {tag, yfw::netconf_ns, {}, {}, text};
 }
 
 // What stands around the native tree in XML: the same message as the client's, less what belongs to its session.
@@ -65,6 +65,13 @@ std::vector<yfw::wrapper> envelope(const yfw::client_request &client) {
   yfw::wrapper edit = netconf_element("edit-config");
   edit.before.push_back(netconf_element("target"));
   edit.before.back().before.push_back(netconf_element(client.target.empty() ? "running" : client.target));
+  // The default operation is used up: what it means for a leaf stands in that leaf's native edit.
+  if (!client.test_option.empty()) {
+    edit.before.push_back(netconf_element("test-option", client.test_option));
+  }
+  if (!client.error_option.empty()) {
+    edit.before.push_back(netconf_element("error-option", client.error_option));
+  }
   return {edit, netconf_element("config")};
 }
 
@@ -94,8 +101,8 @@ void run(const request_options &options) {
   const std::string file = display_name(options.file);
   yfw::document document = yfw::document::read(read_text(options.file), file, with.schema());
   require_operation(document, options);
-  yfw::native_request request = translate_request(document, read_client_request(document, options.operation),
-                                                  with.plugin(), with.trace());
+  yfw::native_request request =
+      translate_request(document, read_client_request(document, options.operation), with.plugin(), with.trace());
   if (request.calls.empty()) {
     request.notes.push_back(file + ": asks for nothing that is mapped");
   }

@@ -31,7 +31,8 @@ fs::path plugin_library(const setup_options &options) {
       return library;
     }
   }
-  throw yfw::error("the plug-in '" YMAP_DEFAULT_PLUGIN "' is not installed beside this program; name one with --plugin");
+  throw yfw::error("the plug-in '" YMAP_DEFAULT_PLUGIN
+                   "' is not installed beside this program; name one with --plugin");
 }
 
 }  // namespace

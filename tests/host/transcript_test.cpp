@@ -10,7 +10,6 @@
 #include <sys/wait.h>
 
 #include <algorithm>
-#include <cctype>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -24,10 +23,6 @@ struct Step {
   std::string expected;
   unsigned line = 0;
 };
-
-void PrintTo(const std::filesystem::path &path, std::ostream *out) {
-  *out << path.string();
-}
 
 std::vector<Step> steps_of(const std::filesystem::path &file) {
   const bool is_markdown = file.extension() == ".md";
@@ -96,11 +91,12 @@ TEST_P(Transcript, PrintsWhatItSays) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(All, Transcript, testing::ValuesIn(transcripts()), [](const auto &info) {
-  std::string name = info.param.stem().string();
-  std::replace_if(
-      name.begin(), name.end(), [](char c) { return std::isalnum(static_cast<unsigned char>(c)) == 0; }, '_');
+std::string name_of(const testing::TestParamInfo<std::filesystem::path> &file) {
+  std::string name = file.param.stem().string();
+  std::replace(name.begin(), name.end(), '-', '_');
   return name;
-});
+}
+
+INSTANTIATE_TEST_SUITE_P(All, Transcript, testing::ValuesIn(transcripts()), name_of);
 
 }  // namespace

@@ -17,6 +17,7 @@ struct wrapper {
   std::string ns;
   std::vector<std::pair<std::string, std::string>> attributes = {};
   std::vector<wrapper> before = {};
+  std::string text = {};  // of an element without others
 };
 
 struct write_options {

@@ -61,7 +61,7 @@ uint32_t ymap_xo_sky_mastoper_list_lvla_readings_sensor(yfw_ctx_t *ctx, yfw_node
                                     "urn:example:sky-list");
 }
 
-uint32_t ymap_xo_sky_mastoper_leaf_lvla_sensor_metres(yfw_ctx_t *ctx, yfw_node_t *node, yfw_node_t *out) {
+uint32_t ymap_xo_sky_mastoper_leaf_lvla_readings_sensor_metres(yfw_ctx_t *ctx, yfw_node_t *node, yfw_node_t *out) {
   return yfw_map_datatree_add_path_flagged(ctx, out, "/skies/sky/weather/state/wind", "urn:example:sky-weather",
                                            node->value, nullptr, nullptr, 0, 1);
 }

@@ -1,0 +1,207 @@
+#include <algorithm>
+#include <cstdio>
+#include <map>
+#include <sstream>
+
+#include "coverage_reports.hpp"
+#include "yfw/error.hpp"
+
+namespace ymap {
+namespace {
+
+using yfw::coverage_cell;
+using yfw::coverage_row;
+using yfw::mapping_state;
+
+constexpr yfw::leaf_operation operations[] = {yfw::leaf_operation::get_config, yfw::leaf_operation::get,
+                                              yfw::leaf_operation::set, yfw::leaf_operation::remove};
+constexpr size_t column = 12;
+
+// The short words of the table, and their colours (ECMA-48).
+struct shown_state {
+  const char *text;
+  const char *colour;
+};
+
+shown_state shown(const coverage_cell &cell) {
+  if (!cell.is_allowed && cell.state != mapping_state::mapped && cell.state != mapping_state::mapped_to_several) {
+    return cell.state == mapping_state::unmapped_silently ? shown_state{"(silent)", "2"} : shown_state{"-", "2"};
+  }
+  switch (cell.state) {
+    case mapping_state::mapped:
+      return cell.is_allowed ? shown_state{"yes", "32"} : shown_state{"(yes)", "35"};
+    case mapping_state::mapped_to_several:
+      return cell.is_allowed ? shown_state{"several", "36"} : shown_state{"(several)", "35"};
+    case mapping_state::refused_value:
+      return {"partly", "33"};
+    case mapping_state::unmapped_with_error:
+      return {"error", "31"};
+    case mapping_state::unmapped_silently:
+      return {"silent", "1;31"};
+    case mapping_state::not_probed:
+      break;
+  }
+  return {"?", "33"};
+}
+
+std::string parent_path(const coverage_row &row) {
+  const lysc_node *above = yfw::parent(row.leaf);
+  return above == nullptr ? "/" : yfw::path(above);
+}
+
+// The values that a cell's probes say something about, in quotes: "'a', 'b'".
+template <typename Wanted>
+std::string values(const coverage_cell &cell, Wanted wanted) {
+  std::string text;
+  for (const yfw::leaf_probe &probe : cell.probes) {
+    if (probe.value && wanted(probe)) {
+      text += (text.empty() ? "" : ", ") + yfw::quoted(*probe.value);
+    }
+  }
+  return text;
+}
+
+class table {
+ public:
+  table(const coverage_view &view, bool has_colour) : view_(view), has_colour_(has_colour) {}
+
+  std::string text() {
+    add("high model", view_.measured.high, std::size(operations));
+    add("native model", view_.measured.native, 2);
+    add_summary();
+    return out_.str();
+  }
+
+ private:
+  std::string painted(const std::string &text, const char *colour) const {
+    return has_colour_ ? std::string("\033[") + colour + "m" + text + "\033[0m" : text;
+  }
+
+  // The text in a column; the colour does not count.
+  std::string in_column(const std::string &text, size_t width, const char *colour) const {
+    const size_t gap = text.size() < width ? width - text.size() : 1;
+    return painted(text, colour) + std::string(gap, ' ');
+  }
+
+  void add(const char *title, const std::vector<coverage_row> &rows, size_t columns) {
+    const auto shown = shown_rows(rows, view_.only_missing);
+    if (shown.empty()) {
+      return;
+    }
+    size_t width = std::string(title).size();
+    for (const coverage_row *row : shown) {
+      width = std::max(width, 2 + yfw::name(row->leaf).size());
+    }
+    std::string head = in_column(title, width + 2, "1");
+    for (size_t i = 0; i < columns; ++i) {
+      head += in_column(std::string(word(operations[i])), column, "1");
+    }
+    out_ << head << painted(columns == 2 ? "reported as" : "native", "1") << '\n';
+    std::string above;
+    for (const coverage_row *row : shown) {
+      if (const std::string here = parent_path(*row); here != above) {
+        out_ << painted(here, "2") << '\n';
+        above = here;
+      }
+      add_row(*row, width + 2);
+    }
+    out_ << '\n';
+  }
+
+  void add_row(const coverage_row &row, size_t width) {
+    std::string line = "  " + in_column(std::string(yfw::name(row.leaf)), width - 2, "0");
+    for (const coverage_cell &cell : row.cells) {
+      const shown_state state = shown(cell);
+      line += in_column(state.text, column, state.colour);
+    }
+    std::vector<const lysc_node *> targets;
+    for (const coverage_cell &cell : row.cells) {
+      for (const lysc_node *target : cell.targets()) {
+        if (std::find(targets.begin(), targets.end(), target) == targets.end()) {
+          targets.push_back(target);
+        }
+      }
+    }
+    const std::string margin(width + column * row.cells.size(), ' ');
+    for (size_t i = 0; i < targets.size(); ++i) {
+      line += (i == 0 ? "" : "\n" + margin) + yfw::path(targets[i]);
+    }
+    out_ << line.substr(0, line.find_last_not_of(' ') + 1) << '\n';
+    add_reasons(row);
+  }
+
+  // Why something is not mapped, once for all operations of which the same is said.
+  void add_reasons(const coverage_row &row) {
+    std::vector<std::pair<std::string, std::string>> said;  // reason, operations
+    for (const coverage_cell &cell : row.cells) {
+      const std::string reason = cell.is_missing() ? reason_of(cell) : "";
+      const auto known = std::find_if(said.begin(), said.end(), [&](const auto &each) { return each.first == reason; });
+      if (!reason.empty() && known == said.end()) {
+        said.emplace_back(reason, word(cell.operation));
+      } else if (!reason.empty()) {
+        known->second.append(", ").append(word(cell.operation));
+      }
+    }
+    for (const auto &[reason, of] : said) {
+      out_ << "      " << painted(of + " " + reason, "2") << '\n';
+    }
+  }
+
+  static std::string reason_of(const coverage_cell &cell) {
+    if (cell.state != mapping_state::refused_value) {
+      return cell.reason.empty() ? "" : "fails: " + cell.reason;
+    }
+    const std::string refused = values(cell, [](const auto &probe) { return !probe.refusal.empty(); });
+    const std::string ignored = values(cell, [](const auto &probe) { return probe.refusal.empty() && !probe.is_mapped(); });
+    return (refused.empty() ? "" : "refuses " + refused) + (refused.empty() || ignored.empty() ? "" : "; ") +
+           (ignored.empty() ? "" : "ignores " + ignored);
+  }
+
+  void add_summary() {
+    out_ << painted("mapped, of what the model allows", "1") << '\n' << std::string(14, ' ');
+    for (const yfw::leaf_operation operation : operations) {
+      out_ << in_column(std::string(word(operation)), 18, "1");
+    }
+    out_ << painted("all", "1") << '\n';
+    add_shares("high model", view_.measured.high, std::size(operations));
+    add_shares("native model", view_.measured.native, 2);
+    out_ << "\nyes: every value that was tried; partly: some values; several: more than one path; error, silent: not\n"
+            "mapped, with and without a word; -: the model has no such operation; (…): the mapping takes it even so\n";
+  }
+
+  void add_shares(const char *title, const std::vector<coverage_row> &rows, size_t columns) {
+    out_ << in_column(title, 14, "0");
+    for (size_t i = 0; i < std::size(operations); ++i) {
+      out_ << in_column(i < columns ? words(share_of(rows, operations[i])) : "", 18, "0");
+    }
+    out_ << words(share_of(rows)) << '\n';
+  }
+
+  static std::string words(const yfw::coverage_share &share) {
+    char text[64];
+    std::snprintf(text, sizeof text, "%zu/%zu %.1f %%", share.mapped, share.pairs, share.percent());
+    return text;
+  }
+
+  const coverage_view &view_;
+  const bool has_colour_;
+  std::ostringstream out_;
+};
+
+}  // namespace
+
+std::vector<const coverage_row *> shown_rows(const std::vector<coverage_row> &rows, bool only_missing) {
+  std::vector<const coverage_row *> shown;
+  for (const coverage_row &row : rows) {
+    if (!only_missing || row.is_missing()) {
+      shown.push_back(&row);
+    }
+  }
+  return shown;
+}
+
+std::string coverage_as_text(const coverage_view &view, bool has_colour) {
+  return table(view, has_colour).text();
+}
+
+}  // namespace ymap
