@@ -9,6 +9,9 @@ yfw_node_t &tree_builder::open(const char *tag, const char *ns, size_t offset, c
   if (open_.size() >= parts_.limits.nesting) {
     fail(offset, "nested more than " + std::to_string(parts_.limits.nesting) + " deep");
   }
+  if (++count_ > parts_.limits.nodes) {
+    fail(offset, "more than " + std::to_string(parts_.limits.nodes) + " nodes");
+  }
   const lysc_node *schema = schema_of(tag, ns);
   open_.push_back(pending_.size());
   yfw_node_t &node = pending_.emplace_back(blank_node());

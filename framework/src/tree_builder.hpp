@@ -45,6 +45,7 @@ class tree_builder {
   document::parts &parts_;
   std::vector<yfw_node_t> pending_;
   std::vector<size_t> open_;  // indices into pending_
+  size_t count_ = 0;          // of all nodes
 };
 
 // One step of a path, "/book[title="Emma"]"; keys are looked for among `children`.

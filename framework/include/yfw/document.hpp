@@ -16,10 +16,12 @@ namespace yfw {
 
 enum class data_format { xml, json };
 
-// What a reader takes before it refuses a document. All work is linear in the size within these bounds.
+// What a reader takes before it refuses a document. Within these bounds time grows with the size times its logarithm at
+// most, and memory with the size plus about half a kilobyte a node.
 struct read_limits {
   size_t bytes = 0xffff0000;    // offsets have 32 bits, so that more is never possible
-  unsigned nesting = 128;       // elements, objects and arrays inside each other
+  size_t nodes = 8'000'000;     // of the finished document
+  unsigned nesting = 128;       // nodes inside each other
   unsigned attributes = 64;     // on one element
   unsigned declarations = 256;  // namespace declarations in scope
 };
