@@ -19,9 +19,6 @@ std::string status_name(uint32_t status);
 class mapping_test : public testing::Test {
  protected:
   mapping_test();
-  ~mapping_test() override {
-    std::free(record.error_tag);
-  }
 
   // Calls `function` with the root of `input` and tells all that came of it: the framework's lines, "status …", then
   // what the call changed: the record, nodes of the tree, the output node. Begins with a line feed.
