@@ -25,6 +25,7 @@ install_missing() {
 
 # build PRESET: configures and builds below build/PRESET.
 build() {
+  echo "building the preset '$1' below build/$1" >&2
   cmake --preset "$1" >/dev/null
   cmake --build --preset "$1" -- --quiet
 }
