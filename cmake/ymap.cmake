@@ -22,7 +22,7 @@ endfunction()
 
 # ymap_plugin(NAME MANIFEST)
 # Makes shared library NAME a mapping plug-in: it exports what its headers mark, needs nothing but the C library, holds
-# no writable data of the compiler's start files, and its manifest stands beside it.
+# no writable data of the compiler's start files. Its manifest stands beside it, and so do its known losses, if any.
 function(ymap_plugin name manifest)
   target_link_libraries(${name} PRIVATE ymap_options)
   target_include_directories(${name} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR}/include
@@ -36,4 +36,7 @@ function(ymap_plugin name manifest)
     target_link_libraries(${name} PRIVATE c)
   endif()
   configure_file(${manifest} ${PROJECT_BINARY_DIR}/lib/ymap/lib${name}.manifest.json COPYONLY)
+  if(EXISTS ${CMAKE_CURRENT_SOURCE_DIR}/known-losses)
+    configure_file(known-losses ${PROJECT_BINARY_DIR}/lib/ymap/lib${name}.known-losses COPYONLY)
+  endif()
 endfunction()

@@ -7,7 +7,6 @@
 #include "context.hpp"
 
 using yfw::context;
-using yfw::context_of;
 
 namespace {
 

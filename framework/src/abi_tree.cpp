@@ -5,9 +5,11 @@
 #include "context.hpp"
 #include "yfw/node.hpp"
 
+using yfw::abi_call;
 using yfw::active_context;
 using yfw::context;
 using yfw::context_of;
+using yfw::observed;
 
 namespace {
 
@@ -29,36 +31,7 @@ void remember(yfw::compared_texts &compared, const char *text) {
   }
 }
 
-}  // namespace
-
-uint32_t yfw_map_do_these_match(const char *first, const char *second) {
-  if (first == nullptr || second == nullptr) {
-    return 0;
-  }
-  if (context *ctx = active_context(); ctx != nullptr) {
-    remember(ctx->compared, first);
-  }
-  return std::strcmp(first, second) == 0 ? 1 : 0;
-}
-
-void yfw_map_add_to_node_hierarchy(yfw_ctx_t *ctx, yfw_node_t *node, uint32_t /*level*/) {
-  context_of(ctx).hierarchy.push_back(node);
-}
-
-void yfw_map_remove_from_node_hierarchy(yfw_ctx_t *ctx, yfw_node_t * /*node*/) {
-  context_of(ctx).hierarchy.pop_back();
-}
-
-uint32_t yfw_map_is_request_add(const yfw_node_t *node) {
-  return is_write_between(node, YFW_OPERATION_MERGE, YFW_OPERATION_CREATE);
-}
-
-uint32_t yfw_map_is_request_delete(const yfw_node_t *node) {
-  return is_write_between(node, YFW_OPERATION_DELETE, YFW_OPERATION_REMOVE);
-}
-
-uint32_t yfw_map_get_node_info(yfw_ctx_t *ctx, const char *list_path, const char *key_name, const char **value) {
-  context &self = context_of(ctx);
+uint32_t key_of_open_entry(context &self, const char *list_path, const char *key_name, const char **value) {
   const yfw_node_t *entry = self.open_entry(list_path);
   if (entry == nullptr) {
     return self.fail("no entry of list '" + std::string(list_path) + "' encloses the node");
@@ -71,10 +44,8 @@ uint32_t yfw_map_get_node_info(yfw_ctx_t *ctx, const char *list_path, const char
   return 0;
 }
 
-uint32_t yfw_map_get_node_info_mpls_static(yfw_ctx_t *ctx, const char * /*list_path*/, const char *container,
-                                           const char *leaf, const char **value) {
-  const yfw_node_t *entry = context_of(ctx).native_entry;
-  const yfw_node_t *parent = entry != nullptr ? yfw::child(*entry, container) : nullptr;
+uint32_t item_of_native_entry(const context &self, const char *container, const char *leaf, const char **value) {
+  const yfw_node_t *parent = self.native_entry != nullptr ? yfw::child(*self.native_entry, container) : nullptr;
   const yfw_node_t *item = parent != nullptr ? yfw::child(*parent, leaf) : nullptr;
   if (item == nullptr) {
     return 1;
@@ -83,11 +54,76 @@ uint32_t yfw_map_get_node_info_mpls_static(yfw_ctx_t *ctx, const char * /*list_p
   return 0;
 }
 
+}  // namespace
+
+uint32_t yfw_map_do_these_match(const char *first, const char *second) {
+  if (first == nullptr || second == nullptr) {
+    return 0;
+  }
+  if (context *ctx = active_context(); ctx != nullptr) {
+    remember(ctx->compared, first);
+  }
+  return std::strcmp(first, second) == 0 ? 1 : 0;
+}
+
+void yfw_map_add_to_node_hierarchy(yfw_ctx_t *ctx, yfw_node_t *node, uint32_t level) {
+  context &self = context_of(ctx);
+  const char *name = __func__;
+  const auto answer = [&] {
+    self.hierarchy.push_back(node);
+    return 0U;
+  };
+  observed(self, answer, [&] { return abi_call{name, {{"node", node}, {"level", level}}}; });
+}
+
+void yfw_map_remove_from_node_hierarchy(yfw_ctx_t *ctx, yfw_node_t *node) {
+  context &self = context_of(ctx);
+  const char *name = __func__;
+  const auto answer = [&] {
+    self.hierarchy.pop_back();
+    return 0U;
+  };
+  observed(self, answer, [&] { return abi_call{name, {{"node", node}}}; });
+}
+
+uint32_t yfw_map_is_request_add(const yfw_node_t *node) {
+  return is_write_between(node, YFW_OPERATION_MERGE, YFW_OPERATION_CREATE);
+}
+
+uint32_t yfw_map_is_request_delete(const yfw_node_t *node) {
+  return is_write_between(node, YFW_OPERATION_DELETE, YFW_OPERATION_REMOVE);
+}
+
+uint32_t yfw_map_get_node_info(yfw_ctx_t *ctx, const char *list_path, const char *key_name, const char **value) {
+  context &self = context_of(ctx);
+  const char *name = __func__;
+  return observed(
+      self, [&] { return key_of_open_entry(self, list_path, key_name, value); },
+      [&] {
+        return abi_call{name, {{"list", list_path}, {"key-name", key_name}}, value};
+      });
+}
+
+uint32_t yfw_map_get_node_info_mpls_static(yfw_ctx_t *ctx, const char *list_path, const char *container,
+                                           const char *leaf, const char **value) {
+  context &self = context_of(ctx);
+  const char *name = __func__;
+  return observed(
+      self, [&] { return item_of_native_entry(self, container, leaf, value); },
+      [&] {
+        return abi_call{name, {{"list", list_path}, {"container", container}, {"leaf", leaf}}, value};
+      });
+}
+
 uint32_t yfw_map_util_itree_stack_peak_level(yfw_ctx_t *ctx, uint32_t level, yfw_itree_entry_t **entry) {
   context &self = context_of(ctx);
-  if (level >= self.tree_stack.size() || self.tree_stack[level].node == nullptr) {
-    return yfw::status_framework_failure;
-  }
-  *entry = &self.tree_stack[level];
-  return 0;
+  const char *name = __func__;
+  const auto answer = [&] {
+    if (level >= self.tree_stack.size() || self.tree_stack[level].node == nullptr) {
+      return yfw::status_framework_failure;
+    }
+    *entry = &self.tree_stack[level];
+    return 0U;
+  };
+  return observed(self, answer, [&] { return abi_call{name, {{"level", level}}, nullptr, nullptr, entry}; });
 }

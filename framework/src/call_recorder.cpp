@@ -27,7 +27,7 @@ uint32_t take_output_operation(context &ctx, uint32_t operation) {
 }  // namespace
 
 uint32_t call_recorder::add_path(context &ctx, std::string_view path, const char *ns, const char *value,
-                                 yfw_node_t *source, yfw_node_t **created) {
+                                 yfw_node_t *source, yfw_node_t **created, uint32_t flag) {
   const schema_steps &steps = paths_.steps(path, ns);
   if (steps.empty()) {
     return ctx.fail("the modules have no native path '" + std::string(path) + "' in namespace '" + ns + "'");
@@ -38,6 +38,7 @@ uint32_t call_recorder::add_path(context &ctx, std::string_view path, const char
 
   recorded_call &made = recorded_.emplace_back();
   made.call.steps = steps_with_keys(ctx, steps);
+  made.call.flag = flag;
   made.compared = ctx.compared;
   made.node.tag = name(steps.back()).data();
   made.node.ns = yfw::ns(steps.back()).data();

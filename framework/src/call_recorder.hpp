@@ -24,7 +24,7 @@ class call_recorder : public output_sink {
   explicit call_recorder(const schema &modules) : paths_(modules) {}
 
   uint32_t add_path(context &ctx, std::string_view path, const char *ns, const char *value, yfw_node_t *source,
-                    yfw_node_t **created) override;
+                    yfw_node_t **created, uint32_t flag) override;
   uint32_t enter_list(context &ctx, yfw_node_t **current_list, std::string_view path, const char *key_value,
                       const char *key_name) override;
 

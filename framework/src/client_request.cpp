@@ -33,8 +33,9 @@ class message_reader {
     return node.ns != nullptr && node.tag == tag && std::string_view(node.ns) == netconf_ns;
   }
 
-  [[noreturn]] void refuse(const yfw_node_t &node, const std::string &text) const {
-    throw error(document_.where(node), text);
+  [[noreturn]] void refuse(const yfw_node_t &node, const std::string &text,
+                           error_tag tag = error_tag::operation_not_supported, const std::string &element = {}) const {
+    throw rpc_error(document_.where(node), text, tag, element);
   }
 
   client_request read_get(yfw_node_t &message) {
@@ -47,7 +48,8 @@ class message_reader {
         result.everything = false;
         take_data(parameter, result);
       } else if (!is(parameter, "source") || result.operation == client_operation::get) {
-        refuse(parameter, quoted(parameter.tag) + " is not a supported parameter of '" + message.tag + "'");
+        refuse(parameter, quoted(parameter.tag) + " is not a supported parameter of '" + message.tag + "'",
+               error_tag::unknown_element, parameter.tag);
       }
     }
     return result;
@@ -78,18 +80,19 @@ class message_reader {
       } else if (is(parameter, "error-option")) {
         result.error_option = one_of(parameter, {"stop-on-error", "continue-on-error", "rollback-on-error"});
       } else {
-        refuse(parameter, quoted(parameter.tag) + " is not a supported parameter of 'edit-config'");
+        refuse(parameter, quoted(parameter.tag) + " is not a supported parameter of 'edit-config'",
+               error_tag::unknown_element, parameter.tag);
       }
     }
     if (!has_config) {
-      refuse(message, "an edit-config needs a 'config'");
+      refuse(message, "an edit-config needs a 'config'", error_tag::missing_element, "config");
     }
     return result;
   }
 
   std::string target(const yfw_node_t &parameter) const {
     if (children(parameter).size() != 1) {
-      refuse(parameter, "a target names one datastore");
+      refuse(parameter, "a target names one datastore", error_tag::invalid_value);
     }
     return children(parameter).front().tag;
   }
@@ -106,7 +109,7 @@ class message_reader {
       for (const std::string_view word : words) {
         known += (known.empty() ? "'" : ", '") + std::string(word) + "'";
       }
-      refuse(parameter, quoted(value) + " is not one of its values, which are " + known);
+      refuse(parameter, quoted(value) + " is not one of its values, which are " + known, error_tag::invalid_value);
     }
     return std::string(value);
   }

@@ -24,9 +24,9 @@ const yfw_node_t *node_with_text(const yfw_node_t &node, const char *text) {
 
 }  // namespace
 
-context::context(const schema &model_schema, const manifest &plugin_description, yfw::trace_log &trace, output_sink &output,
+context::context(const manifest &plugin_description, yfw::trace_log &trace, output_sink &output,
                  uint32_t request_operation)
-    : yfw_ctx_t{}, schemas(model_schema), description(plugin_description), log(trace), sink(output) {
+    : yfw_ctx_t{}, description(plugin_description), log(trace), sink(output) {
   request_.operation = request_operation;
   record.request = &request_;
   request = &record;

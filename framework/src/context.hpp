@@ -6,9 +6,9 @@
 #include <string_view>
 #include <vector>
 
+#include "abi_call.hpp"
 #include "yfw.h"
 #include "yfw/manifest.hpp"
-#include "yfw/schema.hpp"
 #include "yfw/trace.hpp"
 
 namespace yfw {
@@ -25,7 +25,7 @@ class output_sink {
 
   // yfw_map_datatree_add_path_flagged, without its context.
   virtual uint32_t add_path(context &ctx, std::string_view path, const char *ns, const char *value, yfw_node_t *source,
-                            yfw_node_t **created) = 0;
+                            yfw_node_t **created, uint32_t flag) = 0;
   // yfw_map_search_or_add_list, without its context. `key_value` is not null.
   virtual uint32_t enter_list(context &ctx, yfw_node_t **current_list, std::string_view path, const char *key_value,
                               const char *key_name) = 0;
@@ -47,8 +47,7 @@ const yfw_node_t *node_compared(const yfw_node_t &node, const compared_texts &co
 
 class context : public yfw_ctx_t {
  public:
-  context(const schema &model_schema, const manifest &plugin_description, yfw::trace_log &trace, output_sink &output,
-          uint32_t request_operation);
+  context(const manifest &plugin_description, yfw::trace_log &trace, output_sink &output, uint32_t request_operation);
   ~context();
   context(const context &) = delete;
   context &operator=(const context &) = delete;
@@ -65,7 +64,6 @@ class context : public yfw_ctx_t {
   // The entry of the list with schema path `path` that is open in the node hierarchy, or null.
   const yfw_node_t *open_entry(std::string_view path) const;
 
-  const schema &schemas;
   const manifest &description;
   yfw::trace_log &log;
   output_sink &sink;
@@ -80,6 +78,8 @@ class context : public yfw_ctx_t {
   std::vector<reported_problem> problems;
   std::string failure;
 
+  call_observer *observer = nullptr;  // sees the plug-in's calls and may answer them
+
  private:
   yfw_request_t request_{};
 };
@@ -87,6 +87,12 @@ class context : public yfw_ctx_t {
 // The context of a call from the plug-in.
 inline context &context_of(yfw_ctx_t *ctx) {
   return *static_cast<context *>(ctx);
+}
+
+// Does a call of the ABI: `answer` does it, unless somebody watches, to whom `describe` tells the call.
+template <typename answer_t, typename describe_t>
+uint32_t observed(context &ctx, const answer_t &answer, const describe_t &describe) {
+  return ctx.observer == nullptr ? answer() : ctx.observer->pass(describe(), answer);
 }
 
 // The context whose plug-in call is running on this thread, for the calls of the ABI that carry none. Null outside.
@@ -107,8 +113,12 @@ class active_scope {
 // Opens a node in the node hierarchy for its lifetime, as the framework does for the nodes above an entry point.
 class open_node {
  public:
-  open_node(context &ctx, yfw_node_t &node) : ctx_(ctx) { ctx_.hierarchy.push_back(&node); }
-  ~open_node() { ctx_.hierarchy.pop_back(); }
+  open_node(context &ctx, yfw_node_t &node) : ctx_(ctx) {
+    ctx_.hierarchy.push_back(&node);
+  }
+  ~open_node() {
+    ctx_.hierarchy.pop_back();
+  }
   open_node(const open_node &) = delete;
   open_node &operator=(const open_node &) = delete;
 

@@ -26,7 +26,7 @@ data_node *data_builder::enclosing(const context &ctx, const lysc_node *list) co
 }
 
 uint32_t data_builder::add_path(context &ctx, std::string_view path, const char *ns, const char *value,
-                                yfw_node_t * /*source*/, yfw_node_t **created) {
+                                yfw_node_t * /*source*/, yfw_node_t **created, uint32_t /*flag*/) {
   const schema_steps &steps = paths_.steps(path, ns);
   if (steps.empty()) {
     return ctx.fail("the modules have no path '" + std::string(path) + "' in namespace '" + ns + "'");
@@ -50,7 +50,9 @@ uint32_t data_builder::add_path(context &ctx, std::string_view path, const char 
   for (step = step == steps.end() ? steps.begin() : step + 1; step != steps.end(); ++step) {
     node = is_leaf_list(*step) ? &tree_.item(node, yfw::ns(*step), name(*step), value) : &tree_.at(node, *step);
   }
-  tree_.set_value(*node, value);
+  if (node != nullptr) {
+    tree_.set_value(*node, value);
+  }
   return YMAP_OK;
 }
 

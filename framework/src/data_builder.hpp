@@ -15,12 +15,13 @@ namespace yfw {
 
 class data_builder : public output_sink {
  public:
-  // Adds to `tree`. With names in `wanted`, only list entries with one of them as key are entered. Both must outlive it.
+  // Adds to `tree`. With names in `wanted`, only list entries with one of them as key are entered. Both must outlive
+  // it.
   data_builder(data_tree &tree, const std::vector<std::string> &wanted)
       : tree_(tree), wanted_(wanted), paths_(tree.modules()) {}
 
   uint32_t add_path(context &ctx, std::string_view path, const char *ns, const char *value, yfw_node_t *source,
-                    yfw_node_t **created) override;
+                    yfw_node_t **created, uint32_t flag) override;
   uint32_t enter_list(context &ctx, yfw_node_t **current_list, std::string_view path, const char *key_value,
                       const char *key_name) override;
 

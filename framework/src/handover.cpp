@@ -14,16 +14,18 @@ std::string path_or_top(const lysc_node *node) {
 
 class planner {
  public:
-  planner(document &request, const client_request &client, const manifest &description, walk_tree &nodes)
-      : document_(request), client_(client), manifest_(description), nodes_(nodes) {}
+  planner(document &request, const client_request &client, const manifest &description, walk_tree &nodes,
+          refusals &refused)
+      : document_(request), client_(client), manifest_(description), nodes_(nodes), refused_(refused) {}
 
   handover_plan plan() {
     if (client_.everything) {
       read_below(nullptr, "everything");
     }
     for (yfw_node_t *node : client_.data) {
-      require_known_node(document_, *node);
-      place_node(*node, nullptr, client_.default_operation);
+      if (is_known_node(document_, *node, refused_)) {
+        place_node(*node, nullptr, client_.default_operation);
+      }
     }
     return std::move(plan_);
   }
@@ -43,9 +45,12 @@ class planner {
 
   void enter(yfw_node_t &node, const lysc_node *schema, uint32_t inherited) {
     const uint32_t operation = operation_above_entry(node, inherited);
+    if (refused_.contains(node)) {
+      return;
+    }
     yfw_node_t *const outer_key = key_;
     if (!client_.is_read()) {
-      require_unique_children(document_, node);
+      refuse_repeated_children(node, refused_);
     }
     if (is_list(schema)) {
       key_ = check_keys(node, schema);
@@ -56,13 +61,15 @@ class planner {
     }
     size_t selections = 0;
     for (yfw_node_t &below : children(node)) {
-      require_known_node(document_, below);
+      if (refused_.contains(below) || !is_known_node(document_, below, refused_)) {
+        continue;
+      }
       if (!is_key(extra(below).schema)) {
         ++selections;
         place_node(below, schema, operation);
       } else if (client_.is_read() && below.value == nullptr) {
         ++selections;
-        note(below, "is a key: it comes with whatever else is read");
+        note(below, std::string(note_of_key));
       }
     }
     if (selections == 0 && client_.is_read()) {
@@ -92,32 +99,35 @@ class planner {
   }
 
   // A node above an entry point stands for itself only: no plug-in deletes or replaces it. A list entry may be created.
-  uint32_t operation_above_entry(const yfw_node_t &node, uint32_t inherited) const {
+  uint32_t operation_above_entry(const yfw_node_t &node, uint32_t inherited) {
     if (client_.is_read()) {
       return YFW_OPERATION_MERGE;
     }
     const uint32_t given = extra(node).given_operation;
     const uint32_t operation = given != no_operation ? given : inherited;
-    const bool tolerated = operation == no_operation || std::find(std::begin(tolerated_above_entry),
-                                                                  std::end(tolerated_above_entry),
-                                                                  operation) != std::end(tolerated_above_entry);
+    const bool tolerated = operation == no_operation ||
+                           std::find(std::begin(tolerated_above_entry), std::end(tolerated_above_entry), operation) !=
+                               std::end(tolerated_above_entry);
     if (!tolerated || (operation == YFW_OPERATION_CREATE && !is_list(extra(node).schema))) {
-      throw error(document_.where(node), "no plug-in can carry out operation " + quoted(operation_word(operation)) +
-                                             " on it; give the operation on a mapped node below it");
+      refused_.add(node,
+                   "no plug-in can carry out operation " + quoted(operation_word(operation)) +
+                       " on it; give the operation on a mapped node below it",
+                   error_tag::operation_not_supported);
     }
     return operation;
   }
 
-  yfw_node_t *check_keys(yfw_node_t &entry, const lysc_node *list) const {
+  yfw_node_t *check_keys(yfw_node_t &entry, const lysc_node *list) {
     yfw_node_t *first = nullptr;
     for (const std::string_view name : keys(list)) {
       yfw_node_t *key = child(entry, name);
       if (!client_.is_read() && (key == nullptr || key->value == nullptr)) {
-        throw error(document_.where(entry), "has no key " + quoted(name) + ", which an edit needs");
+        refused_.add(entry, "has no key " + quoted(name) + ", which an edit needs", error_tag::missing_element,
+                     std::string(name));
       }
       if (key != nullptr && key->value != nullptr) {
         if (const checked_value checked = document_.check(*key); !checked.ok) {
-          throw error(document_.where(*key), checked.why);
+          refused_.add(*key, checked.why, error_tag::invalid_value);
         }
         first = first == nullptr ? key : first;
       }
@@ -135,8 +145,9 @@ class planner {
 
   void nobody_serves(const yfw_node_t &node) {
     if (!client_.is_read()) {
-      throw error(document_.where(node), "is not mapped: no plug-in serves " + quoted(module_name(extra(node).schema)) +
-                                             " there");
+      refused_.add(node, "is not mapped: no plug-in serves " + quoted(module_name(extra(node).schema)) + " there",
+                   error_tag::operation_not_supported);
+      return;
     }
     note(node, "is not mapped: no plug-in serves " + quoted(module_name(extra(node).schema)) + " there");
   }
@@ -170,6 +181,7 @@ class planner {
   const client_request &client_;
   const manifest &manifest_;
   walk_tree &nodes_;
+  refusals &refused_;
   handover_plan plan_;
   std::vector<yfw_node_t *> ancestors_;
   yfw_node_t *key_ = nullptr;
@@ -178,8 +190,8 @@ class planner {
 }  // namespace
 
 handover_plan plan_handovers(document &request, const client_request &client, const manifest &description,
-                             walk_tree &nodes) {
-  return planner(request, client, description, nodes).plan();
+                             walk_tree &nodes, refusals &refused) {
+  return planner(request, client, description, nodes, refused).plan();
 }
 
 }  // namespace yfw

@@ -9,6 +9,9 @@
 
 namespace yfw {
 
+// The note on a key that is asked for: reads of the rest of its entry bring it.
+inline constexpr std::string_view note_of_key = "is a key: it comes with whatever else is read";
+
 // A node for an entry point, or, with `defaults`, a list entry that is created.
 struct handover {
   std::vector<yfw_node_t *> ancestors;  // open above it, outermost first
@@ -26,9 +29,9 @@ struct handover_plan {
 };
 
 // Finds the entry points for all that the request names; for a read that ends above an entry point, for all that is
-// below. In a read, what no entry point serves becomes a note. Throws `error` for unknown data, and in a write for
-// whatever no entry point serves and for operations on nodes above the entry points, which no plug-in could carry out.
+// below. In a read, what no entry point serves becomes a note. Refuses unknown data, and in a write whatever no entry
+// point serves and operations on nodes above the entry points, which no plug-in could carry out.
 handover_plan plan_handovers(document &request, const client_request &client, const manifest &description,
-                             walk_tree &nodes);
+                             walk_tree &nodes, refusals &refused);
 
 }  // namespace yfw

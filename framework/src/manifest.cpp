@@ -110,8 +110,9 @@ manifest manifest::read(const std::filesystem::path &file) {
   const object_reader top(document, file, "");
   top.allow({"abi-version", "entry-points", "lists", "defaults"});
   if (const unsigned version = top.number("abi-version"); version != YFW_ABI_VERSION) {
-    refuse(file, "/abi-version",
-           "'" + std::to_string(version) + "' is not the version of this framework, " + std::to_string(YFW_ABI_VERSION));
+    refuse(
+        file, "/abi-version",
+        "'" + std::to_string(version) + "' is not the version of this framework, " + std::to_string(YFW_ABI_VERSION));
   }
   top.each("entry-points", [&](const object_reader &entry) {
     entry.allow({"direction", "module", "at", "function"});

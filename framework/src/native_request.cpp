@@ -3,12 +3,6 @@
 namespace yfw {
 namespace {
 
-// In single quotes, or in double ones if the text holds a single one.
-std::string key_literal(const std::string &text) {
-  const char quote = text.find('\'') == std::string::npos ? '\'' : '"';
-  return quote + text + quote;
-}
-
 // The node for a step: the entry with the known keys, or one that stands for all entries and asks for their keys, since
 // nobody could tell them apart otherwise.
 data_node &descend(data_tree &tree, data_node *parent, const path_step &step) {
@@ -30,6 +24,9 @@ void add_call(data_tree &tree, const native_call &call) {
   for (const path_step &step : call.steps) {
     node = &descend(tree, node, step);
   }
+  if (node == nullptr) {
+    return;
+  }
   if (call.kind == call_kind::read) {
     if (call.value) {
       tree.set_value(*node, *call.value);
@@ -44,6 +41,11 @@ void add_call(data_tree &tree, const native_call &call) {
 }
 
 }  // namespace
+
+std::string key_literal(const std::string &text) {
+  const char quote = text.find('\'') == std::string::npos ? '\'' : '"';
+  return quote + text + quote;
+}
 
 std::string native_call::path() const {
   std::string text;

@@ -40,14 +40,18 @@ plugin::~plugin() {
   }
 }
 
-plugin plugin::load(const std::filesystem::path &library) {
+plugin plugin::load_without_manifest(const std::filesystem::path &library) {
   // A path without a slash would be looked for in the loader's directories.
   const std::filesystem::path file = std::filesystem::absolute(library);
   void *handle = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
   if (handle == nullptr) {
     throw error(place{}, "cannot load '" + library.string() + "': " + loader_message(file));
   }
-  plugin result(library, handle, {});
+  return plugin(library, handle, {});
+}
+
+plugin plugin::load(const std::filesystem::path &library) {
+  plugin result = load_without_manifest(library);
   result.manifest_ = manifest::read(manifest_of(library));
   for (const entry_point &entry : result.manifest_.entry_points) {
     (void)result.address(entry.function);
@@ -61,7 +65,8 @@ plugin plugin::load(const std::filesystem::path &library) {
 void *plugin::address(const std::string &name) const {
   void *found = dlsym(handle_, name.c_str());
   if (found == nullptr) {
-    throw error(place{}, "'" + library_.string() + "' has no function '" + name + "', which its manifest names");
+    throw error(place{}, "'" + library_.string() + "' has no function '" + name + "', which " +
+                             (manifest_.entry_points.empty() ? "is called" : "its manifest names"));
   }
   return found;
 }

@@ -5,8 +5,9 @@
 
 #include "context.hpp"
 #include "data_builder.hpp"
-#include "ymap_frame.h"
+#include "plugin_call.hpp"
 #include "yfw/node.hpp"
+#include "ymap_frame.h"
 
 namespace yfw {
 namespace {
@@ -23,7 +24,7 @@ class reply_translation {
         options_(options),
         result_{data_tree(native.modules()), {}},
         builder_(result_.data, options.entries),
-        context_(native.modules(), mapping.description(), log, builder_, request_operation(options.wanted)) {
+        context_(mapping.description(), log, builder_, request_operation(options.wanted)) {
     if (options.wanted == content::nonconfig) {
       context_.record.selection_1172 = 0x01;
       context_.record.selection_mode = 2;
@@ -75,7 +76,7 @@ class reply_translation {
   void place_node(yfw_node_t &node, const lysc_node *above) {
     const lysc_node *schema = extra(node).schema;
     if (const entry_point *entry = entry_for(above, node.ns); entry != nullptr) {
-      call(mapping_.function<entry_function>(entry->function), node);
+      settle(node, call_plugin(context_, mapping_, call_form::entry, entry->function, &node));
       note_unknown(node, above);
     } else if (schema != nullptr && leads_to_entry(schema)) {
       enter(node, schema);
@@ -133,8 +134,8 @@ class reply_translation {
     if (key == nullptr || key->value == nullptr) {
       throw error(document_.where(node), "list entry without its key '" + pair.low_key + "'");
     }
-    const uint32_t status = builder_.enter_list(context_, &context_.record.current_list, pair.high, key->value,
-                                                pair.high_key.c_str());
+    const uint32_t status =
+        builder_.enter_list(context_, &context_.record.current_list, pair.high, key->value, pair.high_key.c_str());
     if (status != YMAP_OK && status != YMAP_ERR_NO_MATCH) {
       throw error(document_.where(node), context_.failure);
     }
@@ -147,17 +148,10 @@ class reply_translation {
         continue;
       }
       context_.native_entry = &node;
-      const auto report = mapping_.function<report_defaults_function>(defaults.function);
-      const active_scope scope(context_);
-      const uint32_t status = report(nullptr, &context_, nullptr, &context_.output_root);
+      const uint32_t status = call_plugin(context_, mapping_, call_form::report_defaults, defaults.function, nullptr);
       context_.native_entry = nullptr;
       settle(node, status);
     }
-  }
-
-  void call(entry_function function, yfw_node_t &node) {
-    const active_scope scope(context_);
-    settle(node, function(&context_, &node, &context_.output_root));
   }
 
   // Turns what the plug-in reported into notes and a failure into an error.

@@ -6,8 +6,11 @@
 #include "call_recorder.hpp"
 #include "context.hpp"
 #include "handover.hpp"
-#include "ymap_frame.h"
+#include "plan_parts.hpp"
+#include "plugin_call.hpp"
+#include "refusals.hpp"
 #include "yfw/native_request.hpp"
+#include "ymap_frame.h"
 
 namespace yfw {
 namespace {
@@ -35,30 +38,40 @@ std::string in_hex(uint32_t status) {
 
 class translation {
  public:
-  translation(document &request, client_request client, const plugin &mapping, trace_log &log, bool is_checked)
+  translation(document &request, client_request client, const plugin &mapping, trace_log &log, bool is_checked,
+              refusals::habit habit = refusals::habit::throws)
       : document_(request),
         mapping_(mapping),
         recorder_(request.modules()),
-        context_(request.modules(), mapping.description(), log, recorder_, request_operation(client)),
-        nodes_(request, result_.client, is_checked) {
+        context_(mapping.description(), log, recorder_, request_operation(client)),
+        refused_(request, habit),
+        nodes_(request, result_.client, is_checked, refused_) {
     result_.client = std::move(client);
   }
 
   native_request run() {
-    handover_plan plan = plan_handovers(document_, result_.client, mapping_.description(), nodes_);
+    handover_plan plan = handovers();
     result_.notes = std::move(plan.notes);
     for (const handover &each : plan.handovers) {
       translate(each);
     }
     for (const yfw_node_t *leaf : nodes_.content_matches()) {
-      note(*leaf, "selects by value, which the native request does not: more is read than asked for");
+      note(*leaf, std::string(note_of_content_match));
     }
     return std::move(result_);
   }
 
+  edit_plan plan() {
+    lookup_observer lookups;
+    context_.observer = &lookups;
+    native_request planned = run();
+    refuse_silent_ends(planned, refused_);
+    return {std::move(planned), refused_.take(), lookups.take()};
+  }
+
   probe_outcome probe() {
     probe_outcome outcome;
-    for (const handover &each : plan_handovers(document_, result_.client, mapping_.description(), nodes_).handovers) {
+    for (const handover &each : handovers().handovers) {
       yfw_node_t *copy = copy_of(each, {});
       if (copy == nullptr || outcome.status != YMAP_OK) {
         continue;
@@ -71,17 +84,22 @@ class translation {
       for (const recorded_call &made : recorder_.recorded()) {
         outcome.value_lost = outcome.value_lost || (!result_.client.is_read() && made.value_lost);
       }
-      take_calls(*copy, outcome.calls);
+      take_calls(each, *copy, outcome.calls);
     }
     return outcome;
   }
 
  private:
+  handover_plan handovers() {
+    return plan_handovers(document_, result_.client, mapping_.description(), nodes_, refused_);
+  }
+
   // Ends a walk of `copy`: its calls go to the end of `calls`.
-  void take_calls(const yfw_node_t &copy, std::vector<native_call> &calls) {
+  void take_calls(const handover &each, const yfw_node_t &copy, std::vector<native_call> &calls) {
     for (recorded_call &made : recorder_.recorded()) {
       made.call.operation = made.node.operation;
-      made.call.cause = node_at(copy, made.compared);
+      // Defaults are made for the whole entry.
+      made.call.cause = each.defaults != nullptr ? each.node : node_at(copy, made.compared);
       calls.push_back(std::move(made.call));
     }
     recorder_.clear();
@@ -95,16 +113,31 @@ class translation {
         return;
       }
       const uint32_t status = walk(each, *copy);
-      if (status == YMAP_OK) {
-        judge(each, *copy);
-        take_calls(*copy, result_.calls);
+      if (status == YMAP_OK && is_in_order(each, *copy)) {
+        take_calls(each, *copy, result_.calls);
         return;
       }
-      const yfw_node_t *culprit = node_at(*copy, context_.compared);
-      if (!can_do_without(culprit, status) || !left_out.insert(culprit).second) {
-        throw error(place_of(each, culprit), reason(culprit, status));
+      if (status == YMAP_OK) {
+        continue;
       }
-      note(*culprit, "is not mapped: it has no native counterpart");
+      const yfw_node_t *culprit = node_at(*copy, context_.compared);
+      if (can_do_without(culprit, status) && left_out.insert(culprit).second) {
+        note(*culprit, "is not mapped: it has no native counterpart");
+      } else {
+        refuse(each, culprit, reason(culprit, status), tag_of(status));
+      }
+    }
+  }
+
+  // Refuses the culprit or, when none is known, all that was handed over; the next walk goes without it.
+  void refuse(const handover &each, const yfw_node_t *culprit, const std::string &text, error_tag tag) {
+    const yfw_node_t *node = culprit != nullptr ? culprit : each.node;
+    if (node == nullptr || refused_.contains(*node)) {
+      throw rpc_error(place{document_.file(), 0, path(each.schema)}, text, tag);
+    }
+    refused_.add(*node, text, tag);
+    if (!children(*node).empty()) {
+      note(*node, "is set aside with all that is below it");
     }
   }
 
@@ -118,12 +151,10 @@ class translation {
     context_.reset();
     context_.hierarchy = each.ancestors;
     context_.tree_stack = {yfw_itree_entry_t{&copy}, yfw_itree_entry_t{each.key}};
-    const active_scope scope(context_);
     if (each.defaults != nullptr) {
-      return mapping_.function<create_defaults_function>(each.defaults->function)(nullptr, &context_, &copy,
-                                                                                   &context_.output_root);
+      return call_plugin(context_, mapping_, call_form::create_defaults, each.defaults->function, &copy);
     }
-    return mapping_.function<entry_function>(each.entry->function)(&context_, &copy, &context_.output_root);
+    return call_plugin(context_, mapping_, call_form::entry, each.entry->function, &copy);
   }
 
   // A read does without leaves that are not mapped. An unnamed node, part of a whole container, stops no walk.
@@ -132,31 +163,33 @@ class translation {
   }
 
   // A walk that succeeded may still not do what the client said: a value without native counterpart becomes a call
-  // without value, and a leaf may cause no call at all.
-  void judge(const handover &each, const yfw_node_t &copy) {
+  // without value, and a leaf may cause no call at all. False when something is refused.
+  bool is_in_order(const handover &each, const yfw_node_t &copy) {
     if (each.node == nullptr || each.defaults != nullptr) {
-      return;
+      return true;
     }
     for (const recorded_call &made : recorder_.recorded()) {
       if (!result_.client.is_read() && made.value_lost) {
         const yfw_node_t *culprit = node_at(copy, made.compared);
-        throw error(place_of(each, culprit), lost_value(each, copy, culprit, made));
+        refuse(each, culprit, lost_value(each, copy, culprit, made), error_tag::invalid_value);
+        return false;
       }
     }
     std::set<const yfw_node_t *> causes;
     for (const recorded_call &made : recorder_.recorded()) {
       causes.insert(node_at(copy, made.compared));
     }
+    const size_t refused_before = refused_.count();
     require_cause(copy, causes);
+    return refused_.count() == refused_before;
   }
 
   void require_cause(const yfw_node_t &copy, const std::set<const yfw_node_t *> &causes) {
     const yfw_node_t *given = walk_tree::origin(copy);
     const bool is_mute = is_value_leaf(copy) && given != nullptr && !causes.contains(given);
     if (is_mute && !result_.client.is_read()) {
-      throw error(document_.where(*given), "is not mapped: it would cause no native edit");
-    }
-    if (is_mute) {
+      refused_.add(*given, "is not mapped: it would cause no native edit", error_tag::operation_not_supported);
+    } else if (is_mute) {
       note(*given, "is not mapped: nothing is read for it");
     }
     for (const yfw_node_t &below : children(copy)) {
@@ -221,15 +254,9 @@ class translation {
     return found != nullptr ? walk_tree::origin(*found) : nullptr;
   }
 
-  place place_of(const handover &each, const yfw_node_t *culprit) const {
-    if (culprit != nullptr) {
-      return document_.where(*culprit);
-    }
-    return each.node != nullptr ? document_.where(*each.node) : place{document_.file(), 0, path(each.schema)};
-  }
-
   std::string reason(const yfw_node_t *culprit, uint32_t status) const {
-    if (context_.record.error_tag != nullptr && (culprit == nullptr || culprit->tag != std::string_view(context_.record.error_tag))) {
+    if (context_.record.error_tag != nullptr &&
+        (culprit == nullptr || culprit->tag != std::string_view(context_.record.error_tag))) {
       return quoted(context_.record.error_tag) + " is not mapped";
     }
     if (context_.record.error_tag != nullptr) {
@@ -245,6 +272,14 @@ class translation {
     return "the plug-in refuses it with status " + in_hex(status) + said;
   }
 
+  // What the reason is in NETCONF's words. A tag that is not mapped has the status of a value that is not.
+  error_tag tag_of(uint32_t status) const {
+    if (context_.record.error_tag != nullptr || status == YMAP_NOT_MAPPED) {
+      return error_tag::operation_not_supported;
+    }
+    return status == YMAP_ERR_INVALID_VALUE ? error_tag::invalid_value : error_tag::operation_failed;
+  }
+
   void note(const yfw_node_t &node, const std::string &text) {
     result_.notes.push_back(error(document_.where(node), text).what());
   }
@@ -254,6 +289,7 @@ class translation {
   native_request result_;
   call_recorder recorder_;
   context context_;
+  refusals refused_;
   walk_tree nodes_;
 };
 
@@ -261,6 +297,16 @@ class translation {
 
 native_request translate_request(document &request, client_request client, const plugin &mapping, trace_log &log) {
   return translation(request, std::move(client), mapping, log, true).run();
+}
+
+edit_plan plan_request(document &request, client_request client, const plugin &mapping, trace_log &log) {
+  if (client.is_read()) {
+    throw error(place{request.file(), 0, {}},
+                "is no edit, which alone can be planned; 'ymap request' translates reads");
+  }
+  edit_plan result = translation(request, std::move(client), mapping, log, true, refusals::habit::collects).plan();
+  add_condition_reads(result, request.modules(), mapping);
+  return result;
 }
 
 probe_outcome probe_request(document &request, client_request client, const plugin &mapping, trace_log &log) {

@@ -42,9 +42,9 @@ std::string identity(const yfw_node_t &node) {
 
 }  // namespace
 
-void require_known_node(const document &request, const yfw_node_t &node) {
+bool is_known_node(const document &request, const yfw_node_t &node, refusals &refused) {
   if (extra(node).schema != nullptr) {
-    return;
+    return true;
   }
   const yfw_node_t *above = extra(node).parent;
   const bool is_top = above == nullptr || is_envelope(*above);
@@ -60,14 +60,16 @@ void require_known_node(const document &request, const yfw_node_t &node) {
   } else if (!near.empty()) {
     text += "; did you mean " + quoted(near) + "?";
   }
-  throw error(request.where(node), text);
+  const bool is_known_module = !request.modules().module_of_ns(node.ns).empty();
+  refused.add(node, text, is_known_module ? error_tag::unknown_element : error_tag::unknown_namespace);
+  return false;
 }
 
-void require_unique_children(const document &request, const yfw_node_t &parent) {
+void refuse_repeated_children(const yfw_node_t &parent, refusals &refused) {
   std::set<std::string> seen;
   for (const yfw_node_t &node : children(parent)) {
     if (!seen.insert(identity(node)).second) {
-      throw error(request.where(node), quoted(node.tag) + " appears twice");
+      refused.add(node, quoted(node.tag) + " appears twice", error_tag::bad_element);
     }
   }
 }
@@ -87,17 +89,16 @@ yfw_node_t *walk_tree::made(const lysc_node *schema) {
 }
 
 bool walk_tree::fill(yfw_node_t &to, const yfw_node_t &from, uint32_t inherited) {
-  if (left_out_.contains(&from)) {
+  if (left_out_.contains(&from) || refused_.contains(from) || !is_known_node(document_, from, refused_) ||
+      !is_readable(from)) {
     return false;
   }
-  require_known_node(document_, from);
   const uint32_t operation = extra(from).given_operation != no_operation ? extra(from).given_operation : inherited;
   to.tag = arena_.text(from.tag);
   to.ns = from.ns;
   to.operation = operation == no_operation || client_.is_read() ? YFW_OPERATION_MERGE : operation;
   extra(to).schema = extra(from).schema;
   extra(to).source = &from;
-  require_readable(from);
   return is_value_leaf(from) ? fill_leaf(to, from, operation) : fill_children(to, from, operation);
 }
 
@@ -114,7 +115,8 @@ bool walk_tree::fill_leaf(yfw_node_t &to, const yfw_node_t &from, uint32_t opera
   }
   const checked_value checked = document_.check(from);
   if (!checked.ok) {
-    throw error(document_.where(from), checked.why);
+    refused_.add(from, checked.why, error_tag::invalid_value);
+    return false;
   }
   to.value = arena_.text(checked.canonical);
   return true;
@@ -129,7 +131,7 @@ bool walk_tree::fill_children(yfw_node_t &to, const yfw_node_t &from, uint32_t o
     return true;  // whatever is given below goes with it
   }
   if (!client_.is_read()) {
-    require_unique_children(document_, from);
+    refuse_repeated_children(from, refused_);
   }
   const bool only_values = client_.is_read() && std::all_of(given.begin(), given.end(), [](const yfw_node_t &node) {
                              return is_value_leaf(node) && node.value != nullptr;
@@ -152,14 +154,16 @@ bool walk_tree::fill_children(yfw_node_t &to, const yfw_node_t &from, uint32_t o
   return kept > 0;
 }
 
-void walk_tree::require_readable(const yfw_node_t &node) const {
+bool walk_tree::is_readable(const yfw_node_t &node) {
   const lysc_node *schema = extra(node).schema;
   if (!is_checked_ || is_config(schema) || client_.operation == client_operation::get) {
-    return;
+    return true;
   }
-  throw error(document_.where(node), client_.is_read()
-                                         ? "is operational state, which 'get-config' does not read; use 'get'"
-                                         : "is operational state, which cannot be edited");
+  refused_.add(node,
+               client_.is_read() ? "is operational state, which 'get-config' does not read; use 'get'"
+                                 : "is operational state, which cannot be edited",
+               client_.is_read() ? error_tag::bad_element : error_tag::operation_not_supported);
+  return false;
 }
 
 }  // namespace yfw

@@ -7,23 +7,28 @@
 #include <string>
 #include <vector>
 
+#include "refusals.hpp"
 #include "yfw/client_request.hpp"
 #include "yfw/document.hpp"
 #include "yfw/node.hpp"
 
 namespace yfw {
 
+// The note on a leaf of a read whose value selects entries.
+inline constexpr std::string_view note_of_content_match =
+    "selects by value, which the native request does not: more is read than asked for";
+
 class walk_tree {
  public:
   // With `is_checked` false, values and what may be edited are not looked at: the plug-in gets what is given.
-  walk_tree(const document &request, const client_request &client, bool is_checked)
-      : document_(request), client_(client), is_checked_(is_checked) {}
+  walk_tree(const document &request, const client_request &client, bool is_checked, refusals &refused)
+      : document_(request), client_(client), is_checked_(is_checked), refused_(refused) {}
 
   // A copy of `from` and what is below it. For reads, leaves lose their values, and a container in which values are all
   // that is given is asked for as a whole. For writes, operations are inherited (RFC 6241, section 7.2) from
   // `inherited`, a deleted container loses its children, and leaves without operation are left out. Nodes in `left_out`
-  // are left out too. Null when nothing is left to walk. Throws `error` for data that the modules do not have, and for
-  // values and operations that they do not allow.
+  // and those that are refused are left out too. Null when nothing is left to walk. Refuses data that the modules do
+  // not have, and values and operations that they do not allow.
   yfw_node_t *copy(const yfw_node_t &from, uint32_t inherited, const std::set<const yfw_node_t *> &left_out);
 
   // A node without children that stands for no node of the client, or for a list entry of which no key is known.
@@ -43,20 +48,21 @@ class walk_tree {
   bool fill(yfw_node_t &to, const yfw_node_t &from, uint32_t inherited);
   bool fill_leaf(yfw_node_t &to, const yfw_node_t &from, uint32_t operation);
   bool fill_children(yfw_node_t &to, const yfw_node_t &from, uint32_t operation);
-  void require_readable(const yfw_node_t &node) const;
+  bool is_readable(const yfw_node_t &node);
 
   const document &document_;
   const client_request &client_;
   const bool is_checked_;
+  refusals &refused_;
   node_arena arena_;
   std::set<const yfw_node_t *> left_out_;
   std::set<const yfw_node_t *> content_matches_;
 };
 
-// Throws `error` when the modules have no such node there; says which name is near.
-void require_known_node(const document &request, const yfw_node_t &node);
+// Whether the modules have such a node there. Refuses it if not, and says which name is near.
+bool is_known_node(const document &request, const yfw_node_t &node, refusals &refused);
 
-// Throws `error` when two children are the same node: RFC 7950, section 7.6 ff., allows one each.
-void require_unique_children(const document &request, const yfw_node_t &parent);
+// Refuses children that are the same node as one before them: RFC 7950, section 7.6 ff., allows one each.
+void refuse_repeated_children(const yfw_node_t &parent, refusals &refused);
 
 }  // namespace yfw

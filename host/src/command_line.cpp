@@ -28,6 +28,18 @@ int run_command_line(int argc, char **argv) {
   });
   add_request(app);
   add_reply(app);
+  add_get(app);
+  add_set(app);
+  add_delete(app);
+  add_edit(app);
+  add_plan(app);
+  add_explain(app);
+  add_roundtrip(app);
+  add_coverage(app);
+  add_deviations(app);
+  add_record(app);
+  add_replay(app);
+  add_check(app);
   try {
     app.parse(argc, argv);
     return 0;
@@ -36,6 +48,8 @@ int run_command_line(int argc, char **argv) {
   } catch (const usage_error &usage) {
     std::cerr << "ymap: " << usage.what() << '\n';
     return 2;
+  } catch (const failure_reported &) {
+    return 1;
   } catch (const std::exception &failure) {
     std::cerr << "ymap: " << failure.what() << '\n';
     return 1;

@@ -13,11 +13,26 @@ namespace ymap {
 
 void add_request(CLI::App &app);
 void add_reply(CLI::App &app);
+void add_get(CLI::App &app);
+void add_set(CLI::App &app);
+void add_delete(CLI::App &app);
+void add_edit(CLI::App &app);
+void add_plan(CLI::App &app);
+void add_explain(CLI::App &app);
+void add_roundtrip(CLI::App &app);
+void add_coverage(CLI::App &app);
+void add_deviations(CLI::App &app);
+void add_record(CLI::App &app);
+void add_replay(CLI::App &app);
+void add_check(CLI::App &app);
 
 class usage_error : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
+
+// Thrown when the work failed and the result that was printed says so.
+class failure_reported : public std::exception {};
 
 // An option whose value is one of a few words.
 template <typename value_t>

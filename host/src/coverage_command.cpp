@@ -57,7 +57,8 @@ void require_share(const yfw::coverage &measured, double least) {
   const yfw::coverage_share share = share_of(measured.high);
   if (share.percent() < least) {
     char text[160];
-    std::snprintf(text, sizeof text, "mapped are %.1f %% of the high model, %zu of %zu, and not the %g %% that --min asks for",
+    std::snprintf(text, sizeof text,
+                  "mapped are %.1f %% of the high model, %zu of %zu, and not the %g %% that --min asks for",
                   share.percent(), share.mapped, share.pairs, least);
     throw yfw::error(text);
   }
@@ -100,8 +101,7 @@ void add_coverage(CLI::App &app) {
   const auto options = std::make_shared<coverage_options>();
   add_setup(command, options->setup);
   CLI::Option *missing = command.add_flag("--missing", options->only_missing, "only leaves that are not wholly mapped");
-  command
-      .add_option("--min", options->least_percent, "fail when less than this share of the high model is mapped")
+  command.add_option("--min", options->least_percent, "fail when less than this share of the high model is mapped")
       ->type_name("PERCENT")
       ->check(CLI::Range(0.0, 100.0));
   CLI::Option *diff = command.add_option("--diff", options->older,

@@ -1,5 +1,4 @@
 #include <rapidjson/document.h>
-#include <rapidjson/error/en.h>
 
 #include <algorithm>
 
@@ -27,15 +26,17 @@ class ledger_reader {
     if (document_.HasParseError()) {
       const auto end = text.begin() + static_cast<std::ptrdiff_t>(std::min(document_.GetErrorOffset(), text.size()));
       const auto line = static_cast<unsigned>(1 + std::count(text.begin(), end, '\n'));
-      throw yfw::error({file_, line, {}}, "is not JSON: " + std::string(GetParseError_En(document_.GetParseError())));
+      throw yfw::error({file_, line, {}}, "is not JSON, which 'ymap coverage --format json' writes");
     }
   }
 
   coverage_ledger read() {
-    if (!document_.IsObject() || !document_.HasMember("format") || document_["format"] != "ymap-coverage") {
+    // RapidJSON's own comparisons with texts and numbers call themselves in C++20.
+    if (!document_.IsObject() || !document_.HasMember("format") || text(document_, "format") != "ymap-coverage") {
       refuse("is not a coverage report, which 'ymap coverage --format json' writes");
     }
-    if (!document_.HasMember("version") || document_["version"] != 1) {
+    const Value &version = member(document_, "version");
+    if (!version.IsInt() || version.GetInt() != 1) {
       refuse("is a coverage report of another version than 1");
     }
     if (member(document_, "only-missing").IsTrue()) {
@@ -55,10 +56,12 @@ class ledger_reader {
   }
 
   const Value &member(const Value &object, const char *name) const {
-    if (!object.IsObject() || !object.HasMember(name)) {
-      refuse("is not a whole coverage report: '" + std::string(name) + "' is missing");
+    if (object.IsObject()) {
+      if (const auto found = object.FindMember(name); found != object.MemberEnd()) {
+        return found->value;
+      }
     }
-    return object[name];
+    refuse("is not a whole coverage report: '" + std::string(name) + "' is missing");
   }
 
   Value::ConstArray array(const Value &object, const char *name) const {

@@ -1,9 +1,7 @@
-#include <rapidjson/document.h>
 #include <rapidjson/prettywriter.h>
 #include <rapidjson/stringbuffer.h>
 
 #include "coverage_reports.hpp"
-#include "yfw/error.hpp"
 
 namespace ymap {
 namespace {

@@ -15,6 +15,7 @@ using yfw::mapping_state;
 
 constexpr yfw::leaf_operation operations[] = {yfw::leaf_operation::get_config, yfw::leaf_operation::get,
                                               yfw::leaf_operation::set, yfw::leaf_operation::remove};
+constexpr size_t native_columns = 2;  // nothing is set by a reply
 constexpr size_t column = 12;
 
 // The short words of the table, and their colours (ECMA-48).
@@ -23,7 +24,10 @@ struct shown_state {
   const char *colour;
 };
 
-shown_state shown(const coverage_cell &cell) {
+shown_state shown(const coverage_cell &cell, bool is_high) {
+  if (!is_high && cell.state == mapping_state::unmapped_silently) {
+    return {cell.is_allowed ? "ignored" : "-", "2"};  // a reply may hold more than is asked for
+  }
   if (!cell.is_allowed && cell.state != mapping_state::mapped && cell.state != mapping_state::mapped_to_several) {
     return cell.state == mapping_state::unmapped_silently ? shown_state{"(silent)", "2"} : shown_state{"-", "2"};
   }
@@ -67,7 +71,7 @@ class table {
 
   std::string text() {
     add("high model", view_.measured.high, std::size(operations));
-    add("native model", view_.measured.native, 2);
+    add("native model", view_.measured.native, native_columns);
     add_summary();
     return out_.str();
   }
@@ -96,7 +100,7 @@ class table {
     for (size_t i = 0; i < columns; ++i) {
       head += in_column(std::string(word(operations[i])), column, "1");
     }
-    out_ << head << painted(columns == 2 ? "reported as" : "native", "1") << '\n';
+    out_ << head << painted(columns == native_columns ? "reported as" : "native", "1") << '\n';
     std::string above;
     for (const coverage_row *row : shown) {
       if (const std::string here = parent_path(*row); here != above) {
@@ -111,7 +115,7 @@ class table {
   void add_row(const coverage_row &row, size_t width) {
     std::string line = "  " + in_column(std::string(yfw::name(row.leaf)), width - 2, "0");
     for (const coverage_cell &cell : row.cells) {
-      const shown_state state = shown(cell);
+      const shown_state state = shown(cell, row.cells.size() > native_columns);
       line += in_column(state.text, column, state.colour);
     }
     std::vector<const lysc_node *> targets;
@@ -143,16 +147,18 @@ class table {
       }
     }
     for (const auto &[reason, of] : said) {
-      out_ << "      " << painted(of + " " + reason, "2") << '\n';
+      out_ << "      " << painted(std::string(of).append(" ").append(reason), "2") << '\n';
     }
   }
 
   static std::string reason_of(const coverage_cell &cell) {
     if (cell.state != mapping_state::refused_value) {
-      return cell.reason.empty() ? "" : "fails: " + cell.reason;
+      const char *verb = cell.state == mapping_state::not_probed ? "not tried: " : "fails: ";
+      return cell.reason.empty() ? "" : verb + cell.reason;
     }
     const std::string refused = values(cell, [](const auto &probe) { return !probe.refusal.empty(); });
-    const std::string ignored = values(cell, [](const auto &probe) { return probe.refusal.empty() && !probe.is_mapped(); });
+    const std::string ignored =
+        values(cell, [](const auto &probe) { return probe.refusal.empty() && !probe.is_mapped(); });
     return (refused.empty() ? "" : "refuses " + refused) + (refused.empty() || ignored.empty() ? "" : "; ") +
            (ignored.empty() ? "" : "ignores " + ignored);
   }
@@ -164,9 +170,10 @@ class table {
     }
     out_ << painted("all", "1") << '\n';
     add_shares("high model", view_.measured.high, std::size(operations));
-    add_shares("native model", view_.measured.native, 2);
-    out_ << "\nyes: every value that was tried; partly: some values; several: more than one path; error, silent: not\n"
-            "mapped, with and without a word; -: the model has no such operation; (…): the mapping takes it even so\n";
+    add_shares("native model", view_.measured.native, native_columns);
+    out_ << "\nyes: every value that was tried; several: more than one path; partly: some values; error, silent: not\n"
+            "mapped, with and without a word; ignored: nothing is made of it; -: the model has no such operation;\n"
+            "(yes), (silent): nor has the model, but the mapping does not refuse it\n";
   }
 
   void add_shares(const char *title, const std::vector<coverage_row> &rows, size_t columns) {

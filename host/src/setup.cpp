@@ -22,20 +22,20 @@ std::vector<fs::path> yang_directories(const setup_options &options) {
   return {options.yang.begin(), options.yang.end()};
 }
 
-fs::path plugin_library(const setup_options &options) {
-  if (!options.plugin.empty()) {
-    return options.plugin;
+}  // namespace
+
+fs::path plugin_library(const std::string &named) {
+  if (!named.empty()) {
+    return named;
   }
   for (const char *directory : {YMAP_LIBDIR, "lib"}) {
-    if (const fs::path library = prefix() / directory / "ymap" / YMAP_DEFAULT_PLUGIN; fs::exists(library)) {
+    if (fs::path library = prefix() / directory / "ymap" / YMAP_DEFAULT_PLUGIN; fs::exists(library)) {
       return library;
     }
   }
   throw yfw::error("the plug-in '" YMAP_DEFAULT_PLUGIN
                    "' is not installed beside this program; name one with --plugin");
 }
-
-}  // namespace
 
 void add_setup(CLI::App &command, setup_options &options) {
   command.add_option("--plugin", options.plugin, "the mapping's shared library instead of the built or installed one")
@@ -50,7 +50,7 @@ void add_setup(CLI::App &command, setup_options &options) {
 setup::setup(const setup_options &options)
     : trace_(options.trace ? &std::cerr : nullptr, options.ring),
       schema_(yfw::schema::load(yang_directories(options))),
-      plugin_(yfw::plugin::load(plugin_library(options))) {}
+      plugin_(yfw::plugin::load(plugin_library(options.plugin))) {}
 
 setup::~setup() {
   trace_.print_ring(std::cerr);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -21,6 +22,10 @@ struct setup_options {
 
 // Adds them to a command. `options` must live until the command has run.
 void add_setup(CLI::App &command, setup_options &options);
+
+// The plug-in's library: `named`, or, when that is empty, the one beside this program's own installation or build.
+// Throws `yfw::error` when there is none.
+std::filesystem::path plugin_library(const std::string &named);
 
 class setup {
  public:

@@ -32,6 +32,43 @@ class error : public std::runtime_error {
   std::string text_;
 };
 
+// What a NETCONF server says of a fault in one word (RFC 6241, appendix A).
+enum class error_tag {
+  bad_element,
+  data_exists,
+  data_missing,
+  invalid_value,
+  malformed_message,
+  missing_element,
+  operation_failed,
+  operation_not_supported,
+  unknown_element,
+  unknown_namespace,
+};
+
+// "data-exists"
+std::string_view word(error_tag tag);
+
+// A fault in what a client asks for, or in carrying it out: an rpc-error in all but dress. The place's path is of the
+// client's model, where the fault has one.
+class rpc_error : public error {
+ public:
+  // `bad_element` is the name that the tag is about; empty: the last one of the path.
+  rpc_error(place where, const std::string &text, error_tag tag, std::string bad_element = {});
+
+  error_tag tag() const noexcept {
+    return tag_;
+  }
+  // Empty for tags that name no element.
+  const std::string &bad_element() const noexcept {
+    return bad_element_;
+  }
+
+ private:
+  error_tag tag_;
+  std::string bad_element_;
+};
+
 // `text` in single quotes, shortened to its first 80 bytes and with control characters replaced by '?', fit for a
 // message of one line. With a std::string it is called as yfw::quoted, since std::quoted would be found as well.
 std::string quoted(std::string_view text);

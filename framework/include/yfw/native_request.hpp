@@ -24,6 +24,9 @@ struct path_step {
   std::vector<std::pair<std::string_view, std::string>> keys;
 };
 
+// A key's value in a path: in single quotes, or in double ones if the text holds a single one.
+std::string key_literal(const std::string &text);
+
 // One path that the plug-in emitted. Schema nodes belong to the schema, the rest to the call.
 struct native_call {
   call_kind kind;
@@ -31,6 +34,7 @@ struct native_call {
   std::optional<std::string> value;  // of a set; in a read, the key that selects an entry
   uint32_t operation;                // YFW_OPERATION_…, of a set or delete
   const yfw_node_t *cause;           // the client's node that it was made for, of the request's document; may be null
+  uint32_t flag = 0;                 // the last argument of yfw_map_datatree_add_path_flagged
 
   // /list[key='x']/leaf with plain names, in the form of an instance-identifier (RFC 7950, section 9.13).
   std::string path() const;
@@ -42,15 +46,15 @@ struct native_request {
   std::vector<std::string> notes;  // what is not done and why, one line each, place first
 };
 
-// Lets the plug-in translate a request. A leaf of a read that has no native counterpart is left out with a note, the rest
-// is served. Throws `error`, with the place in the document, for data that the modules do not have, for a write of a
-// leaf that is not mapped or whose value has no native counterpart, and for whatever the plug-in refuses.
+// Lets the plug-in translate a request. A leaf of a read that has no native counterpart is left out with a note, the
+// rest is served. Throws `error`, with the place in the document, for data that the modules do not have, for a write of
+// a leaf that is not mapped or whose value has no native counterpart, and for whatever the plug-in refuses.
 native_request translate_request(document &request, client_request client, const plugin &mapping, trace_log &log);
 
 // What a plug-in makes of a request, unjudged.
 struct probe_outcome {
-  uint32_t status = 0;     // what the entry point returned; the first one that is not 0
-  std::string error_tag;   // the tag that it rejected, or empty
+  uint32_t status = 0;                // what the entry point returned; the first one that is not 0
+  std::string error_tag;              // the tag that it rejected, or empty
   std::vector<std::string> problems;  // texts of the error points that were reached
   std::vector<native_call> calls;
   bool value_lost = false;  // a call of a write carries neither a value nor a delete

@@ -21,6 +21,9 @@ class plugin {
   // names must be there. Throws `error` otherwise, and when the library needs a name that nothing defines.
   static plugin load(const std::filesystem::path &library);
 
+  // Loads the library alone, for callers that know the names of its functions. The description is empty.
+  static plugin load_without_manifest(const std::filesystem::path &library);
+
   plugin(plugin &&other) noexcept;
   plugin &operator=(plugin &&) = delete;
   ~plugin();
@@ -29,7 +32,12 @@ class plugin {
     return manifest_;
   }
 
-  // The function of that name; the caller knows its form from where the manifest names it.
+  const std::filesystem::path &library() const {
+    return library_;
+  }
+
+  // The function of that name. Throws `error` when there is none. The caller knows its form from where the manifest
+  // names it.
   template <typename function_t>
   function_t function(const std::string &name) const {
     return reinterpret_cast<function_t>(address(name));

@@ -25,8 +25,8 @@ struct reply {
   std::vector<std::string> notes;  // what is left out and why, one line each, place first
 };
 
-// Lets the plug-in translate native data, with or without `rpc-reply` and `data` around. The data of a value that has no
-// counterpart is left out with a note. Throws `error`, with the place in the document, for top-level data that the
+// Lets the plug-in translate native data, with or without `rpc-reply` and `data` around. The data of a value that has
+// no counterpart is left out with a note. Throws `error`, with the place in the document, for top-level data that the
 // modules do not have, for a list entry without its key, for an rpc-error and for whatever the plug-in refuses.
 reply translate_reply(document &native, const plugin &mapping, const reply_options &options, trace_log &log);
 

@@ -14,8 +14,12 @@ class trace_log {
   // `ring_lines` long-form lines are kept. The stream must outlive the log.
   explicit trace_log(std::ostream *short_form = nullptr, bool keep_ring = false, size_t ring_lines = 65536);
 
-  bool wants_short_form() const { return short_form_ != nullptr; }
-  bool wants_long_form() const { return keep_ring_; }
+  bool wants_short_form() const {
+    return short_form_ != nullptr;
+  }
+  bool wants_long_form() const {
+    return keep_ring_;
+  }
 
   void write_short(const std::string &line);
   void write_long(const char *line);

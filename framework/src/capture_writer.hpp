@@ -1,0 +1,57 @@
+// Takes one capture: writes down what passes between a plug-in and the framework during one call of the plug-in.
+#pragma once
+
+#include <fstream>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "capture_anonymiser.hpp"
+#include "capture_state.hpp"
+#include "plugin_call.hpp"
+#include "yfw/capture.hpp"
+
+namespace yfw {
+
+struct capture_session::parts {
+  std::filesystem::path directory;
+  unsigned count = 0;
+  std::unique_ptr<anonymiser> names;  // null: texts are written as they are
+  std::set<const yfw_node_t *> learned;
+
+  void learn_keys(const context &ctx, const yfw_node_t *node);
+};
+
+class capture_writer : public call_observer {
+ public:
+  // Begins the capture of a call that is about to be made, if captures are being taken; null otherwise.
+  static std::unique_ptr<capture_writer> begin(context &ctx, call_form form, const std::string &function,
+                                               yfw_node_t *node);
+  ~capture_writer() override;
+  capture_writer(const capture_writer &) = delete;
+  capture_writer &operator=(const capture_writer &) = delete;
+
+  uint32_t pass(const abi_call &call, const std::function<uint32_t()> &answer) override;
+
+  // Ends it. Without this the capture tells that the plug-in did not return.
+  void finish(uint32_t status);
+
+ private:
+  capture_writer(context &ctx, capture_session::parts &session, const std::string &function);
+  void write_head(call_form form, const std::string &function, yfw_node_t *node);
+  void write_record();
+  void write_above();
+  void write_tree(const yfw_node_t &node);
+  void write_stack();
+  void write_answer(const abi_call &call, uint32_t status);
+  void write(const std::vector<std::string> &lines);
+  void write(const std::string &line);
+
+  context &ctx_;
+  std::string file_;
+  std::ofstream out_;
+  capture_state state_;
+};
+
+}  // namespace yfw

@@ -1,0 +1,106 @@
+#include <algorithm>
+#include <cstdio>
+
+#include "coverage_document.hpp"
+#include "coverage_probes.hpp"
+#include "coverage_values.hpp"
+#include "yfw/node.hpp"
+#include "ymap_frame.h"
+
+namespace yfw {
+namespace {
+
+client_operation request_of(leaf_operation operation) {
+  switch (operation) {
+    case leaf_operation::get_config:
+      return client_operation::get_config;
+    case leaf_operation::get:
+      return client_operation::get;
+    default:
+      return client_operation::edit;
+  }
+}
+
+bool is_allowed(const lysc_node *leaf, leaf_operation operation) {
+  return operation == leaf_operation::get ||
+         (is_config(leaf) && (operation != leaf_operation::remove || !is_key(leaf)));
+}
+
+effect_kind kind_of(const native_call &call) {
+  switch (call.kind) {
+    case call_kind::set:
+      return effect_kind::set;
+    case call_kind::remove:
+      return effect_kind::remove;
+    case call_kind::read:
+      break;
+  }
+  return effect_kind::read;
+}
+
+std::string status_words(uint32_t status) {
+  char text[32];
+  std::snprintf(text, sizeof text, status < 0x10000 ? "status %u" : "status 0x%08x", status);
+  return text;
+}
+
+// Empty when nothing is refused.
+std::string refusal_of(const probe_outcome &outcome) {
+  std::string text;
+  if (outcome.status != YMAP_OK) {
+    text = status_words(outcome.status);
+  }
+  if (!outcome.error_tag.empty()) {
+    text += (text.empty() ? "" : ", ") + ("rejects tag " + yfw::quoted(outcome.error_tag));
+  }
+  if (text.empty() && outcome.value_lost) {
+    text = "the value is lost on the way";
+  }
+  if (!text.empty() && !outcome.problems.empty()) {
+    text += ": " + outcome.problems.back();
+  }
+  return text;
+}
+
+leaf_probe probe(one_leaf_document &made, leaf_operation operation, const std::optional<std::string> &value,
+                 const plugin &mapping, trace_log &log) {
+  made.set_value(value);
+  made.set_operation(operation == leaf_operation::remove ? YFW_OPERATION_DELETE : no_operation);
+  client_request client = read_client_request(made.text(), request_of(operation));
+  const probe_outcome outcome = probe_request(made.text(), std::move(client), mapping, log);
+  leaf_probe result{value, {}, refusal_of(outcome)};
+  for (const native_call &call : outcome.calls) {
+    probe_effect effect{kind_of(call), call.steps.back().node, call.value};
+    const bool is_known = std::find(result.effects.begin(), result.effects.end(), effect) != result.effects.end();
+    // What a key or a container above asks for is not the leaf's own.
+    const bool is_own = call.cause == nullptr || made.is_leaf_itself(call.cause);
+    if (is_own && !is_known) {
+      result.effects.push_back(std::move(effect));
+    }
+  }
+  return result;
+}
+
+}  // namespace
+
+coverage_row probe_high_leaf(const schema &modules, const lysc_node *leaf, const plugin &mapping, trace_log &log) {
+  coverage_row row{leaf, {}};
+  one_leaf_document made(modules, leaf);
+  const std::vector<std::string> values = sample_values(modules, leaf);
+  for (const leaf_operation operation :
+       {leaf_operation::get_config, leaf_operation::get, leaf_operation::set, leaf_operation::remove}) {
+    coverage_cell &cell = row.cells.emplace_back(
+        coverage_cell{operation, is_allowed(leaf, operation), mapping_state::not_probed, {}, {}});
+    if (operation != leaf_operation::set) {
+      cell.probes.push_back(probe(made, operation, std::nullopt, mapping, log));
+    } else {
+      for (const std::string &value : values) {
+        cell.probes.push_back(probe(made, operation, value, mapping, log));
+      }
+    }
+    judge(cell);
+  }
+  return row;
+}
+
+}  // namespace yfw

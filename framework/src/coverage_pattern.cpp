@@ -1,0 +1,167 @@
+#include <algorithm>
+#include <charconv>
+#include <cstring>
+
+#include "coverage_values.hpp"
+
+namespace yfw {
+namespace {
+
+// Writes one text that a regular expression matches, taking the same choice everywhere: which branch, and how many
+// repetitions more than needed. What it does not understand it takes literally; the caller checks the result.
+class pattern_sampler {
+ public:
+  pattern_sampler(std::string_view pattern, size_t branch, size_t more)
+      : pattern_(pattern), branch_(branch), more_(more) {}
+
+  std::string sample() {
+    return alternatives(0);
+  }
+
+ private:
+  static constexpr size_t deepest = 64;      // groups inside each other
+  static constexpr size_t longest = 100000;  // bytes, so that nested repetitions end
+
+  bool at_end() const {
+    return at_ == pattern_.size();
+  }
+  char peek() const {
+    return at_end() ? '\0' : pattern_[at_];
+  }
+  char take() {
+    return at_end() ? '\0' : pattern_[at_++];
+  }
+
+  std::string alternatives(size_t depth) {
+    std::vector<std::string> branches{sequence(depth)};
+    while (peek() == '|') {
+      take();
+      branches.push_back(sequence(depth));
+    }
+    return branches[std::min(branch_, branches.size() - 1)];
+  }
+
+  std::string sequence(size_t depth) {
+    std::string text;
+    while (!at_end() && peek() != '|' && peek() != ')') {
+      const std::string atom = one_atom(depth);
+      for (size_t count = repetitions(); count > 0 && text.size() < longest; --count) {
+        text += atom;
+      }
+    }
+    return text;
+  }
+
+  std::string one_atom(size_t depth) {
+    const char first = take();
+    switch (first) {
+      case '(': {
+        std::string inside = depth < deepest ? alternatives(depth + 1) : "";
+        take();  // the closing parenthesis
+        return inside;
+      }
+      case '[':
+        return {one_of_class()};
+      case '\\':
+        return {escaped()};
+      case '.':
+        return "a";
+      default:
+        return {first};
+    }
+  }
+
+  char escaped() {
+    const char letter = take();
+    if (letter == 'p' || letter == 'P') {
+      const size_t end = std::min(pattern_.find('}', at_), pattern_.size() - 1);
+      const std::string_view category = pattern_.substr(at_, end - at_);
+      at_ = end + 1;
+      return category.starts_with("{N") ? '0' : 'a';
+    }
+    constexpr std::string_view letters = "dwicnrtsDWS";
+    constexpr std::string_view meant = "0aaa\n\r\t a a";
+    const size_t known = letters.find(letter);
+    return known == letters.npos ? letter : meant[known];
+  }
+
+  // A character of a class: its first one, or one that an inverted class does not name.
+  char one_of_class() {
+    const bool is_inverted = peek() == '^';
+    at_ += is_inverted ? 1 : 0;
+    const size_t begin = at_;
+    const char first = peek() == '\\' ? (take(), escaped()) : take();
+    while (!at_end() && peek() != ']') {
+      at_ += peek() == '\\' && at_ + 1 < pattern_.size() ? 2 : 1;
+    }
+    const std::string_view named = pattern_.substr(begin, at_ - begin);
+    take();
+    if (!is_inverted) {
+      return first;
+    }
+    constexpr std::string_view candidates = "a0A_. ";
+    const size_t other = candidates.find_first_not_of(named);
+    return other == candidates.npos ? 'x' : candidates[other];
+  }
+
+  size_t number() {
+    size_t value = 0;
+    const auto [end, code] = std::from_chars(pattern_.data() + at_, pattern_.data() + pattern_.size(), value);
+    at_ = static_cast<size_t>(end - pattern_.data());
+    return code == std::errc() ? std::min(value, longest) : 0;
+  }
+
+  // How often the atom before is to be repeated.
+  size_t repetitions() {
+    switch (peek()) {
+      case '?':
+        take();
+        return std::min<size_t>(more_, 1);
+      case '*':
+        take();
+        return more_;
+      case '+':
+        take();
+        return 1 + more_;
+      case '{':
+        take();
+        return counted();
+      default:
+        return 1;
+    }
+  }
+
+  size_t counted() {
+    const size_t least = number();
+    size_t most = least;
+    if (peek() == ',') {
+      take();
+      most = peek() == '}' ? longest : number();
+    }
+    take();  // the closing brace
+    return std::min(least + more_, std::max(least, most));
+  }
+
+  std::string_view pattern_;
+  size_t branch_;
+  size_t more_;
+  size_t at_ = 0;
+};
+
+}  // namespace
+
+std::vector<std::string> pattern_samples(std::string_view pattern) {
+  std::vector<std::string> samples;
+  for (const size_t more : {0, 1, 2, 3, 7}) {
+    for (const size_t branch : {0, 1, 2, 3}) {
+      std::string sample = pattern_sampler(pattern, branch, more).sample();
+      if (std::find(samples.begin(), samples.end(), sample) == samples.end()) {
+        samples.push_back(std::move(sample));
+      }
+    }
+  }
+  std::stable_sort(samples.begin(), samples.end(), [](const auto &a, const auto &b) { return a.size() < b.size(); });
+  return samples;
+}
+
+}  // namespace yfw

@@ -1,0 +1,175 @@
+#include "coverage_values.hpp"
+
+#include <algorithm>
+
+#include "schema_parts.hpp"
+#include "schema_types.hpp"
+
+namespace yfw {
+namespace {
+
+// Ends of the built-in number types and texts of the usual typedefs, for types that tell nothing of their own.
+constexpr std::string_view usual_numbers[] = {"-9223372036854775808",
+                                              "-2147483648",
+                                              "-32768",
+                                              "-128",
+                                              "0",
+                                              "127",
+                                              "255",
+                                              "32767",
+                                              "65535",
+                                              "2147483647",
+                                              "4294967295",
+                                              "9223372036854775807",
+                                              "18446744073709551615"};
+constexpr std::string_view usual_texts[] = {"a",
+                                            "a1",
+                                            "",
+                                            "0",
+                                            "192.0.2.1",
+                                            "192.0.2.0/24",
+                                            "2001:db8::1",
+                                            "2001:db8::/32",
+                                            "00:11:22:33:44:55",
+                                            "2020-01-01",
+                                            "2020-01-01T00:00:00Z",
+                                            "1.3.6.1",
+                                            "00000000-0000-4000-8000-000000000000",
+                                            "example.com",
+                                            "YQ=="};
+
+bool is_number(LY_DATA_TYPE base) {
+  switch (base) {
+    case LY_TYPE_UINT8:
+    case LY_TYPE_UINT16:
+    case LY_TYPE_UINT32:
+    case LY_TYPE_UINT64:
+    case LY_TYPE_INT8:
+    case LY_TYPE_INT16:
+    case LY_TYPE_INT32:
+    case LY_TYPE_INT64:
+    case LY_TYPE_DEC64:
+      return true;
+    default:
+      return false;
+  }
+}
+
+// A number that counts units of the last of `digits` decimals.
+std::string decimal(int64_t units, unsigned digits) {
+  std::string text = std::to_string(units);
+  const size_t sign = units < 0 ? 1 : 0;
+  if (text.size() - sign <= digits) {
+    text.insert(sign, digits + 1 - (text.size() - sign), '0');
+  }
+  return digits == 0 ? text : text.insert(text.size() - digits, ".");
+}
+
+void add_ends(const lysc_type *type, const lysc_range *range, std::vector<std::string> &found) {
+  const unsigned digits = type->basetype == LY_TYPE_DEC64 ? as<lysc_type_dec>(type).fraction_digits : 0;
+  const auto end = [&](int64_t number, uint64_t natural) {
+    return type->basetype < LY_TYPE_DEC64 ? std::to_string(natural) : decimal(number, digits);
+  };
+  for (const auto *part : array_items(range->parts)) {
+    found.push_back(end(part->min_64, part->min_u64));
+    found.push_back(end(part->max_64, part->max_u64));
+  }
+}
+
+class sampler {
+ public:
+  sampler(const schema &modules, const lysc_node *leaf) : modules_(modules), leaf_(leaf) {}
+
+  void add(const lysc_type *type) {
+    switch (type->basetype) {
+      case LY_TYPE_UNION:
+        for (const lysc_type *member : members(type)) {
+          add(member);
+        }
+        break;
+      case LY_TYPE_STRING:
+        add_text(type);
+        break;
+      default:
+        is_number(type->basetype) ? add_numbers(type) : add_names(type);
+    }
+  }
+
+  std::vector<std::string> take() {
+    return std::move(found_);
+  }
+
+ private:
+  bool is_valid(const std::string &text) const {
+    return modules_.check_value(leaf_, text).ok;
+  }
+
+  void keep(const std::string &text) {
+    if (std::find(found_.begin(), found_.end(), text) == found_.end()) {
+      found_.push_back(text);
+    }
+  }
+
+  void keep_first_valid(const std::vector<std::string> &candidates) {
+    const auto valid =
+        std::find_if(candidates.begin(), candidates.end(), [&](const auto &each) { return is_valid(each); });
+    if (valid != candidates.end()) {
+      keep(*valid);
+    }
+  }
+
+  void add_names(const lysc_type *type) {
+    const std::vector<std::string> names = value_names(type);
+    std::for_each(names.begin(), names.end(), [&](const auto &each) { keep(each); });
+    if (names.empty()) {
+      keep_first_valid({std::begin(usual_texts), std::end(usual_texts)});
+    }
+  }
+
+  void add_numbers(const lysc_type *type) {
+    std::vector<std::string> ends;
+    // Decimal types have their range in another place than integers.
+    const lysc_range *range =
+        type->basetype == LY_TYPE_DEC64 ? as<lysc_type_dec>(type).range : as<lysc_type_num>(type).range;
+    if (range != nullptr) {
+      add_ends(type, range, ends);
+    } else {
+      ends.assign(std::begin(usual_numbers), std::end(usual_numbers));
+      std::erase_if(ends, [&](const auto &each) { return !is_valid(each); });
+    }
+    if (!ends.empty()) {
+      keep(ends.front());
+      keep(ends.back());
+    }
+  }
+
+  void add_text(const lysc_type *type) {
+    std::vector<std::string> candidates;
+    for (const auto *pattern : array_items(as<lysc_type_str>(type).patterns)) {
+      if ((*pattern)->inverted == 0) {
+        const auto samples = pattern_samples((*pattern)->expr);
+        candidates.insert(candidates.end(), samples.begin(), samples.end());
+      }
+    }
+    candidates.insert(candidates.end(), std::begin(usual_texts), std::end(usual_texts));
+    if (const lysc_range *length = as<lysc_type_str>(type).length; length != nullptr) {
+      const uint64_t shortest = length->parts[0].min_u64;
+      candidates.emplace_back(std::min<uint64_t>(shortest, 65536), 'a');
+    }
+    keep_first_valid(candidates);
+  }
+
+  const schema &modules_;
+  const lysc_node *leaf_;
+  std::vector<std::string> found_;
+};
+
+}  // namespace
+
+std::vector<std::string> sample_values(const schema &modules, const lysc_node *leaf) {
+  sampler values(modules, leaf);
+  values.add(type_of(leaf));
+  return values.take();
+}
+
+}  // namespace yfw

@@ -1,0 +1,50 @@
+// The inside of deviations, shared by their sources.
+#pragma once
+
+#include <libyang/libyang.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "schema_parts.hpp"
+#include "yfw/deviations.hpp"
+
+namespace yfw {
+
+bool is_within(const lysc_node *node, const lysc_node *top);
+
+// The schema node identifier with plain names, choices and cases included.
+std::string schema_path(const lysc_node *node);
+
+// The nodes that `when`, `must` and leafrefs of a model look at.
+class model_references {
+ public:
+  explicit model_references(const schema &modules);
+
+  // Why a deviation would break the model, in a few words; empty when it would not. The other statements are those that
+  // are made with it: what they remove looks at nothing any more.
+  std::string why_it_breaks(const deviation &wanted, const std::vector<deviation> &all) const;
+
+ private:
+  struct reference {
+    const lysc_node *from;
+    const lysc_node *to;
+    const char *kind;
+  };
+  void add(const lysc_node *node);
+  void add_type(const lysc_node *node, const lysc_type *type);
+  void add_atoms(const lysc_node *from, const lysc_node *context, const lyxp_expr *expression,
+                 const lysc_prefix *prefixes, const char *kind);
+
+  std::vector<reference> references_;
+};
+
+// A context of its own that holds the modules in force and that module, which must be valid with them. Throws `error`.
+struct deviated_models {
+  std::unique_ptr<ly_ctx, context_deleter> context;
+  const lys_module *module;
+};
+deviated_models load_with(const schema &modules, const std::string &text, const std::string &file);
+
+}  // namespace yfw

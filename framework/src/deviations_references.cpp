@@ -1,0 +1,106 @@
+#include <algorithm>
+
+#include "deviations_parts.hpp"
+#include "schema_types.hpp"
+#include "yfw/error.hpp"
+
+namespace yfw {
+namespace {
+
+struct set_deleter {
+  void operator()(ly_set *set) const {
+    ly_set_free(set, nullptr);
+  }
+};
+
+std::string verb(deviate_kind kind) {
+  return kind == deviate_kind::not_supported ? "cannot be removed: " : "cannot become state: ";
+}
+
+std::string default_of(const lysc_node *leaf) {
+  const lyd_value *value = is_leaf(leaf) ? as<lysc_node_leaf>(leaf).dflt : nullptr;
+  return value == nullptr ? "" : lyd_value_get_canonical(leaf->module->ctx, value);
+}
+
+}  // namespace
+
+model_references::model_references(const schema &modules) {
+  std::vector<const lysc_node *> open = modules.children(nullptr);
+  while (!open.empty()) {
+    const lysc_node *node = open.back();
+    open.pop_back();
+    add(node);
+    // Conditions of choices and cases stand at nodes that are no data nodes.
+    for (const lysc_node *above = node->parent; above != nullptr && (above->nodetype & (LYS_CHOICE | LYS_CASE)) != 0;
+         above = above->parent) {
+      add(above);
+    }
+    const auto &below = modules.children(node);
+    open.insert(open.end(), below.begin(), below.end());
+  }
+}
+
+void model_references::add(const lysc_node *node) {
+  for (const lysc_must *must : array_items(static_cast<const lysc_must *>(lysc_node_musts(node)))) {
+    add_atoms(node, node, must->cond, must->prefixes, "must");
+  }
+  for (lysc_when *const *when : array_items(static_cast<lysc_when *const *>(lysc_node_when(node)))) {
+    add_atoms(node, (*when)->context, (*when)->cond, (*when)->prefixes, "when");
+  }
+  if (is_leaf(node) || is_leaf_list(node)) {
+    add_type(node, is_leaf(node) ? as<lysc_node_leaf>(node).type : as<lysc_node_leaflist>(node).type);
+  }
+}
+
+void model_references::add_type(const lysc_node *node, const lysc_type *type) {
+  if (type->basetype == LY_TYPE_LEAFREF) {
+    const auto &leafref = as<lysc_type_leafref>(type);
+    add_atoms(node, node, leafref.path, leafref.prefixes, "leafref");
+  } else if (type->basetype == LY_TYPE_UNION) {
+    for (const auto *member : array_items(as<lysc_type_union>(type).types)) {
+      add_type(node, *member);
+    }
+  }
+}
+
+void model_references::add_atoms(const lysc_node *from, const lysc_node *context, const lyxp_expr *expression,
+                                 const lysc_prefix *prefixes, const char *kind) {
+  ly_set *found = nullptr;
+  if (lys_find_expr_atoms(context, from->module, expression, prefixes, 0, &found) != LY_SUCCESS) {
+    return;  // what libyang cannot follow it will not miss either
+  }
+  const std::unique_ptr<ly_set, set_deleter> atoms(found);
+  for (uint32_t i = 0; i < atoms->count; ++i) {
+    references_.push_back({from, atoms->snodes[i], kind});
+  }
+}
+
+std::string model_references::why_it_breaks(const deviation &wanted, const std::vector<deviation> &all) const {
+  const lysc_node *target = wanted.target;
+  if (wanted.kind == deviate_kind::values) {
+    const std::string standing = default_of(target);
+    const bool is_left =
+        standing.empty() || std::find(wanted.values.begin(), wanted.values.end(), standing) != wanted.values.end();
+    return is_left ? "" : "its default " + yfw::quoted(standing) + " is refused";
+  }
+  if (is_key(target)) {
+    return verb(wanted.kind) + "it is a key of " + yfw::quoted(schema_path(target->parent));
+  }
+  if ((target->flags & LYS_MAND_TRUE) != 0) {
+    return verb(wanted.kind) + "it is mandatory";
+  }
+  const auto is_removed = [&](const lysc_node *node) {
+    return std::any_of(all.begin(), all.end(), [&](const deviation &each) {
+      return each.kind == deviate_kind::not_supported && is_within(node, each.target);
+    });
+  };
+  for (const reference &each : references_) {
+    const bool stays = wanted.kind == deviate_kind::not_supported ? !is_removed(each.from) : is_config(each.from);
+    if (is_within(each.to, target) && !is_within(each.from, target) && stays) {
+      return verb(wanted.kind) + "the " + each.kind + " of " + yfw::quoted(schema_path(each.from)) + " looks at it";
+    }
+  }
+  return "";
+}
+
+}  // namespace yfw

@@ -1,0 +1,159 @@
+#include <libyang/libyang.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "device_nodes.hpp"
+
+namespace yfw {
+namespace {
+
+[[noreturn]] void refuse(const native_call &call, const std::string &text, error_tag tag) {
+  throw rpc_error({}, yfw::quoted(call.path()) + " " + text, tag);
+}
+
+void require_editable(const native_call &call) {
+  if (call.steps.empty() || !is_config(call.steps.back().node)) {
+    refuse(call, "is operational state of the device, which cannot be edited", error_tag::operation_not_supported);
+  }
+  for (const path_step &step : call.steps) {
+    if (step.keys.size() != keys(step.node).size()) {
+      refuse(call, "lacks a key of " + quoted(name(step.node)), error_tag::operation_failed);
+    }
+  }
+}
+
+bool is_presence(const lysc_node *node) {
+  return is_container(node) && (node->flags & LYS_PRESENCE) != 0;
+}
+
+native_node blank(const lysc_node *schema) {
+  return {schema, ns(schema), name(schema), std::nullopt, {}};
+}
+
+std::string path_to(const native_call &call, size_t step) {
+  native_call shortened = call;
+  shortened.steps.resize(step + 1);
+  return shortened.path();
+}
+
+}  // namespace
+
+void device_edit::apply(const native_call &call) {
+  if (call.kind == call_kind::read) {
+    return;
+  }
+  require_editable(call);
+  if (call.kind == call_kind::set) {
+    set(call);
+  } else {
+    (void)remove(roots_, call, 0);
+  }
+}
+
+void device_edit::set(const native_call &call) {
+  const lysc_node *leaf = call.steps.back().node;
+  const checked_value checked = target_.modules().check_value(leaf, call.value.value_or(""));
+  if (!checked.ok) {
+    refuse(call, "does not take what the mapping made of it: " + checked.why, error_tag::operation_failed);
+  }
+  std::vector<native_node> *level = &roots_;
+  for (size_t step = 0; step + 1 < call.steps.size(); ++step) {
+    level = &reached(*level, call, step).children;
+  }
+  set_leaf(*level, call);
+}
+
+// The node that a step leads to, made when missing.
+native_node &device_edit::reached(std::vector<native_node> &level, const native_call &call, size_t step) {
+  const path_step &wanted = call.steps[step];
+  const auto found = std::ranges::find_if(level, [&](const native_node &node) { return leads_to(wanted, node); });
+  if (found != level.end()) {
+    return *found;
+  }
+  native_node &made = level.emplace_back(blank(wanted.node));
+  for (const lysc_node *below : target_.modules().children(wanted.node)) {
+    const auto key = std::ranges::find(wanted.keys, name(below), &std::pair<std::string_view, std::string>::first);
+    if (is_key(below) && key != wanted.keys.end()) {
+      made.children.emplace_back(blank(below)).value = key->second;
+    }
+  }
+  if (is_list(wanted.node) || is_presence(wanted.node)) {
+    note(path_to(call, step), std::nullopt, "");
+  }
+  return made;
+}
+
+void device_edit::set_leaf(std::vector<native_node> &level, const native_call &call) {
+  const lysc_node *leaf = call.steps.back().node;
+  const std::string &value = *call.value;
+  const auto found = std::ranges::find_if(level, [&](const native_node &node) {
+    return node.schema == leaf && (!is_leaf_list(leaf) || node.value == value);
+  });
+  const bool is_there = found != level.end();
+  if (is_there && call.operation == YFW_OPERATION_CREATE) {
+    refuse(call, "is there already", error_tag::data_exists);
+  }
+  if (is_there && is_key(leaf) && found->value != value) {
+    refuse(call, "is a key, which cannot be edited", error_tag::operation_failed);
+  }
+  const std::string path = call.path() + (is_leaf_list(leaf) ? "[.=" + key_literal(value) + "]" : "");
+  note(path, is_there ? found->value : std::nullopt, value);
+  (is_there ? *found : level.emplace_back(blank(leaf))).value = value;
+}
+
+// True when something is removed. Containers that are left empty are removed on the way back.
+bool device_edit::remove(std::vector<native_node> &level, const native_call &call, size_t step) {
+  const auto is_wanted = [&](const native_node &node) { return leads_to(call.steps[step], node); };
+  const auto found = std::ranges::find_if(level, is_wanted);
+  if (found == level.end()) {
+    if (call.operation == YFW_OPERATION_DELETE) {
+      refuse(call, "is not there", error_tag::data_missing);
+    }
+    return false;
+  }
+  if (step + 1 == call.steps.size()) {
+    if (is_key(found->schema)) {
+      refuse(call, "is a key, which cannot be deleted", error_tag::operation_failed);
+    }
+    std::for_each(found, level.end(), [&](const native_node &node) {
+      if (is_wanted(node)) {
+        note_removal(node, call.path() + (is_leaf_list(node.schema) ? predicates(node) : ""));
+      }
+    });
+    std::erase_if(level, is_wanted);
+    return true;
+  }
+  const bool is_removed = remove(found->children, call, step + 1);
+  if (is_removed && found->children.empty() && is_container(found->schema) && !is_presence(found->schema)) {
+    level.erase(found);
+  }
+  return is_removed;
+}
+
+void device_edit::note_removal(const native_node &node, const std::string &path) {
+  if (node.value || is_list(node.schema) || is_presence(node.schema)) {
+    note(path, node.value.value_or(""), std::nullopt);
+  }
+  for (const native_node &below : node.children) {
+    if (!is_key(below.schema)) {
+      note_removal(below, path + "/" + std::string(below.tag) + predicates(below));
+    }
+  }
+}
+
+void device_edit::note(const std::string &path, std::optional<std::string> before, std::optional<std::string> after) {
+  const auto [found, is_new] = journal_by_path_.try_emplace(path, journal_.size());
+  if (is_new) {
+    journal_.push_back({path, std::move(before), std::nullopt});
+  }
+  journal_[found->second].after = std::move(after);
+}
+
+std::vector<device_change> device_edit::changes() const {
+  std::vector<device_change> all = journal_;
+  std::erase_if(all, [](const device_change &change) { return change.before == change.after; });
+  return all;
+}
+
+}  // namespace yfw

@@ -1,0 +1,155 @@
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+
+#include "yfw/device.hpp"
+#include "yfw/node.hpp"
+
+namespace yfw {
+namespace {
+
+namespace fs = std::filesystem;
+
+[[noreturn]] void fail(const fs::path &file, const std::string &what) {
+  throw rpc_error({file.string()}, what + ": " + std::strerror(errno), error_tag::operation_failed);
+}
+
+// The file that `name` leads to.
+fs::path target_of(const fs::path &name) {
+  std::error_code code;
+  fs::path target = fs::canonical(name, code);
+  if (code == std::errc::no_such_file_or_directory) {
+    throw rpc_error({name.string()},
+                    "there is no such device file; one without data is made by: echo '<data xmlns=\"" +
+                        std::string(netconf_ns) + "\"/>' > " + name.string(),
+                    error_tag::operation_failed);
+  }
+  if (code) {
+    throw rpc_error({name.string()}, "cannot be found: " + code.message(), error_tag::operation_failed);
+  }
+  if (!fs::is_regular_file(target, code)) {
+    throw rpc_error({name.string()}, "is not a regular file", error_tag::operation_failed);
+  }
+  return target;
+}
+
+std::string contents(const fs::path &name, const fs::path &target) {
+  std::ifstream in(target, std::ios::binary);
+  std::string text{std::istreambuf_iterator<char>(in), {}};
+  if (!in.is_open() || in.bad()) {
+    fail(name, "cannot be read");
+  }
+  return text;
+}
+
+void write_all(int file, std::string_view text, const fs::path &name) {
+  while (!text.empty()) {
+    const ssize_t count = ::write(file, text.data(), text.size());
+    if (count < 0 && errno != EINTR) {
+      fail(name, "cannot be written");
+    }
+    text.remove_prefix(count < 0 ? 0 : static_cast<size_t>(count));
+  }
+}
+
+// Whose the file is and who may use it. Only root can give a file away; for others the writer becomes its owner.
+void keep_permissions(int file, const struct stat &before, const fs::path &name) {
+  if (::fchown(file, before.st_uid, before.st_gid) != 0 && errno != EPERM) {
+    fail(name, "cannot be given its owner");
+  }
+  if (::fchmod(file, before.st_mode & 07777U) != 0) {
+    fail(name, "cannot be given its permissions");
+  }
+}
+
+// A file beside the target that takes its place, or goes.
+class replacement {
+ public:
+  explicit replacement(const fs::path &target) : target_(target), path_(target.string() + ".XXXXXX") {
+    file_ = ::mkostemp(path_.data(), O_CLOEXEC);
+    if (file_ < 0) {
+      fail(path_, "cannot be made");
+    }
+  }
+  ~replacement() {
+    ::close(file_);
+    if (!is_placed_) {
+      ::unlink(path_.c_str());
+    }
+  }
+  replacement(const replacement &) = delete;
+  replacement &operator=(const replacement &) = delete;
+
+  void fill(const std::string &text) {
+    struct stat before {};
+    if (::stat(target_.c_str(), &before) != 0) {
+      fail(target_, "cannot be looked at");
+    }
+    write_all(file_, text, path_);
+    keep_permissions(file_, before, path_);
+    if (::fsync(file_) != 0) {
+      fail(path_, "cannot be brought to disk");
+    }
+  }
+
+  void place() {
+    if (std::rename(path_.c_str(), target_.c_str()) != 0) {
+      fail(target_, "cannot be replaced");
+    }
+    is_placed_ = true;
+    const int directory = ::open(target_.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const bool is_on_disk = directory >= 0 && ::fsync(directory) == 0;
+    ::close(directory);
+    if (!is_on_disk) {
+      fail(target_, "is replaced, but its directory cannot be brought to disk");
+    }
+  }
+
+ private:
+  const fs::path &target_;
+  std::string path_;
+  int file_ = -1;
+  bool is_placed_ = false;
+};
+
+}  // namespace
+
+file_lock::file_lock(const fs::path &file) : file_(::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666)) {
+  if (file_ < 0) {
+    fail(file, "cannot be made, so that the device cannot be locked");
+  }
+  while (::flock(file_, LOCK_EX) != 0) {
+    if (errno != EINTR) {
+      ::close(file_);
+      fail(file, "cannot be locked");
+    }
+  }
+}
+
+file_lock::~file_lock() {
+  ::close(file_);
+}
+
+device_file::device_file(const fs::path &file, const schema &modules, use intent)
+    : name_(file), target_(target_of(file)) {
+  if (intent == use::edit) {
+    lock_.emplace(target_.string() + ".lock");
+  }
+  content_.emplace(device::read(document::read(contents(name_, target_), name_.string(), modules)));
+}
+
+void device_file::save() {
+  replacement made(target_);
+  made.fill(content_->text());
+  made.place();
+}
+
+}  // namespace yfw

@@ -1,0 +1,270 @@
+// What an XPath expression names in the modules.
+#include <algorithm>
+#include <iterator>
+#include <set>
+
+#include "engine_parts.hpp"
+#include "xpath_tokens.hpp"
+
+namespace yfw {
+namespace {
+
+using nodes = std::vector<const lysc_node *>;  // null stands for the root
+
+class resolver {
+ public:
+  resolver(std::string_view text, const schema &modules, const manifest *description)
+      : text_(text), modules_(modules), manifest_(description), tokens_(xpath_tokens(text)), single_(tokens_.size()) {
+    if (tokens_.size() == 2 && tokens_.front().kind == xpath_kind::slash) {
+      tokens_.insert(tokens_.begin() + 1, {xpath_kind::star, "*"});  // the root is no data node; all below it are
+      single_.resize(tokens_.size());
+    }
+  }
+
+  read_xpath run() {
+    if (tokens_.front().kind != xpath_kind::slash && tokens_.front().kind != xpath_kind::slashes) {
+      refuse("begins with '/' when it is an absolute path", error_tag::invalid_value);
+    }
+    for (at_ = 0; tokens_[at_].kind != xpath_kind::end; ++at_) {
+      resolve(tokens_[at_]);
+    }
+    take_plain_steps();
+    return std::move(result_);
+  }
+
+ private:
+  [[noreturn]] void refuse(const std::string &why, error_tag tag, const std::string &element = {}) const {
+    throw rpc_error({}, yfw::quoted(text_) + " " + why, tag, element);
+  }
+
+  void emit(std::string_view text) {
+    result_.qualified.append(text);
+  }
+
+  bool continues_path() const {
+    return at_ > 0 && (tokens_[at_ - 1].kind == xpath_kind::slash || tokens_[at_ - 1].kind == xpath_kind::slashes);
+  }
+
+  // Whether a slash stands behind a step and not at the beginning of a path.
+  bool follows_step() const {
+    constexpr xpath_kind steps[] = {xpath_kind::name, xpath_kind::star,          xpath_kind::dot,
+                                    xpath_kind::dots, xpath_kind::close_bracket, xpath_kind::close};
+    return at_ > 0 && std::ranges::count(steps, tokens_[at_ - 1].kind) > 0;
+  }
+
+  nodes start() const {
+    return continues_path() ? current_ : outer_.empty() ? nodes{nullptr} : outer_.back();
+  }
+
+  void resolve(xpath_token &token) {
+    switch (token.kind) {
+      case xpath_kind::slash:
+      case xpath_kind::slashes:
+        begin_step(token);
+        break;
+      case xpath_kind::name:
+        step_to_name(token);
+        return;
+      case xpath_kind::star:
+        current_ = children_of(start());
+        break;
+      case xpath_kind::dot:
+        current_ = start();
+        break;
+      case xpath_kind::dots:
+        current_ = parents_of(start());
+        leaves_subtree_ = true;
+        break;
+      case xpath_kind::open_bracket:
+        outer_.push_back(current_);
+        break;
+      case xpath_kind::close_bracket:
+        end_predicate();
+        break;
+      case xpath_kind::literal:
+        emit_literal(token.text);
+        return;
+      case xpath_kind::function:
+        emit(token.prefix.empty() ? "" : token.prefix + ":");
+        break;
+      case xpath_kind::sign:
+        leaves_subtree_ = leaves_subtree_ || token.text == "|";
+        emit(" " + token.text + " ");
+        return;
+      default:
+        break;
+    }
+    emit(token.text);
+  }
+
+  void begin_step(const xpath_token &token) {
+    if (!follows_step()) {
+      leaves_subtree_ = leaves_subtree_ || !outer_.empty();
+      current_ = {nullptr};
+    }
+    if (token.kind == xpath_kind::slashes) {
+      current_ = with_all_below(current_);
+    }
+  }
+
+  void end_predicate() {
+    if (outer_.empty()) {
+      refuse("closes a bracket that is not open", error_tag::invalid_value);
+    }
+    current_ = outer_.back();
+    outer_.pop_back();
+  }
+
+  nodes children_of(const nodes &parents) const {
+    nodes found;
+    for (const lysc_node *parent : parents) {
+      const auto &below = modules_.children(parent);
+      found.insert(found.end(), below.begin(), below.end());
+    }
+    return found;
+  }
+
+  static nodes parents_of(const nodes &from) {
+    std::set<const lysc_node *> found;
+    for (const lysc_node *node : from) {
+      found.insert(node != nullptr ? parent(node) : nullptr);
+    }
+    return {found.begin(), found.end()};
+  }
+
+  nodes with_all_below(const nodes &from) const {
+    nodes all = from;
+    for (size_t i = 0; i < all.size(); ++i) {
+      const auto &below = modules_.children(all[i]);
+      std::copy_if(below.begin(), below.end(), std::back_inserter(all),
+                   [&](const lysc_node *node) { return all[i] != nullptr || is_clients(node); });
+    }
+    return all;
+  }
+
+  // Whether a top-level node is of the client's model, as far as that is known.
+  bool is_clients(const lysc_node *top) const {
+    const std::string here = path(top);
+    return manifest_ == nullptr || std::ranges::any_of(manifest_->entry_points, [&](const entry_point &entry) {
+             return entry.dir == direction::ox && ((entry.at == "/" && entry.module == module_name(top)) ||
+                                                   entry.at == here || entry.at.starts_with(here + "/"));
+           });
+  }
+
+  void step_to_name(const xpath_token &token) {
+    const nodes from = start();
+    nodes found = children_of(from);
+    std::erase_if(found,
+                  [&](const lysc_node *node) { return name(node) != token.text || !has_prefix(node, token.prefix); });
+    if (found.empty()) {
+      unknown_name(token, from);
+    }
+    const std::string_view module = module_name(found.front());
+    const auto other = std::ranges::find_if(found, [&](const auto *node) { return module_name(node) != module; });
+    if (other != found.end()) {
+      refuse("may mean '" + std::string(module) + ":" + token.text + "' or '" + std::string(module_name(*other)) + ":" +
+                 token.text + "': say which",
+             error_tag::invalid_value);
+    }
+    emit(module);
+    emit(":" + token.text);
+    single_[at_] = found.size() == 1 ? found.front() : nullptr;
+    current_ = std::move(found);
+  }
+
+  bool has_prefix(const lysc_node *node, std::string_view prefix) const {
+    return prefix.empty() || prefix == module_name(node) || prefix == module_prefix(node);
+  }
+
+  [[noreturn]] void unknown_name(const xpath_token &token, const nodes &from) const {
+    std::vector<std::string_view> names;
+    for (const lysc_node *node : children_of(from)) {
+      names.push_back(name(node));
+    }
+    const std::string full = (token.prefix.empty() ? "" : token.prefix + ":") + token.text;
+    const bool is_top = from.size() == 1 && from.front() == nullptr;
+    std::string why = "names " + yfw::quoted(full) + ", which is not ";
+    why += is_top ? "a top-level node of the modules"
+                  : "a child of " + (from.size() == 1 ? yfw::quoted(path(from.front())) : "what stands before it");
+    if (const std::string_view near = closest(names, token.text); near == token.text) {
+      why += "; that name has another module there";
+    } else if (!near.empty()) {
+      why += "; did you mean " + quoted(near) + "?";
+    }
+    refuse(why, error_tag::unknown_element, token.text);
+  }
+
+  // libyang compares identities with the name of their module.
+  void emit_literal(const std::string &value) {
+    const bool is_compared = at_ > 1 && tokens_[at_ - 1].kind == xpath_kind::sign && single_[at_ - 2] != nullptr;
+    const lysc_node *leaf = is_compared ? single_[at_ - 2] : nullptr;
+    const std::string_view module = leaf != nullptr ? modules_.identity_module(leaf, value) : std::string_view();
+    emit(key_literal((module.empty() ? "" : std::string(module) + ":") + value));
+  }
+
+  // "/name", and "[name='x']" for keys of a list, as long as nothing else comes.
+  void take_plain_steps() {
+    size_t at = 0;
+    while (tokens_[at].kind == xpath_kind::slash && single_.size() > at + 1 && single_[at + 1] != nullptr) {
+      result_.steps.push_back({single_[at + 1], {}});
+      at += 2;
+      while (is_key_predicate(at)) {
+        result_.steps.back().keys.emplace_back(name(single_[at + 1]), tokens_[at + 3].text);
+        at += 5;
+      }
+      if (tokens_[at].kind != xpath_kind::slash) {
+        break;
+      }
+    }
+    result_.is_plain = tokens_[at].kind == xpath_kind::end && !result_.steps.empty();
+    if (leaves_subtree_ && !result_.steps.empty()) {
+      result_.steps.resize(1);
+      result_.steps.front().keys.clear();
+      result_.is_plain = false;
+    }
+  }
+
+  bool is_key_predicate(size_t at) const {
+    return at + 4 < tokens_.size() && tokens_[at].kind == xpath_kind::open_bracket && is_key(single_[at + 1]) &&
+           parent(single_[at + 1]) == result_.steps.back().node && tokens_[at + 2].text == "=" &&
+           tokens_[at + 2].kind == xpath_kind::sign && tokens_[at + 3].kind == xpath_kind::literal &&
+           tokens_[at + 4].kind == xpath_kind::close_bracket;
+  }
+
+  std::string_view text_;
+  const schema &modules_;
+  const manifest *manifest_;
+  std::vector<xpath_token> tokens_;
+  nodes single_;  // of each token the one node that it names, or null
+  size_t at_ = 0;
+  nodes current_;             // where the path that is read has come to
+  std::vector<nodes> outer_;  // where the predicates around begin
+  bool leaves_subtree_ = false;
+  read_xpath result_;
+};
+
+}  // namespace
+
+read_xpath read_expression(std::string_view xpath, const schema &modules, const manifest *description) {
+  return resolver(xpath, modules, description).run();
+}
+
+std::vector<path_step> read_instance_path(std::string_view path, const schema &modules) {
+  const read_xpath read = read_expression(path, modules);
+  if (!read.is_plain) {
+    throw rpc_error({}, quoted(path) + " is not the path of one node: names and keys, /list[key='value']/leaf",
+                    error_tag::invalid_value);
+  }
+  for (const path_step &step : read.steps) {
+    for (const std::string_view key : keys(step.node)) {
+      if (std::ranges::count(step.keys, key, &std::pair<std::string_view, std::string>::first) != 1) {
+        throw rpc_error(
+            {}, quoted(path) + " needs the key of " + quoted(name(step.node)) + " once: [" + std::string(key) + "='…']",
+            error_tag::missing_element, std::string(key));
+      }
+    }
+  }
+  return read.steps;
+}
+
+}  // namespace yfw

@@ -1,0 +1,267 @@
+#include "yfw/explain.hpp"
+
+#include <algorithm>
+
+#include "coverage_values.hpp"
+#include "engine_parts.hpp"
+#include "explain_parts.hpp"
+#include "yfw/engine.hpp"
+
+namespace yfw {
+namespace {
+
+bool is_edit(std::string_view operation) {
+  return operation != "get";
+}
+
+bool holds_value(const lysc_node *node) {
+  return is_leaf(node) || is_leaf_list(node);
+}
+
+// Whether an entry point of that direction is on the way to the nodes of the same top-level node.
+bool serves_model_of(const manifest &description, direction dir, const lysc_node *node) {
+  while (parent(node) != nullptr) {
+    node = parent(node);
+  }
+  const std::string top = path(node);
+  return std::ranges::any_of(description.entry_points, [&](const entry_point &entry) {
+    const bool is_on_the_way = entry.at == top || entry.at.starts_with(top + "/");
+    const bool is_served_itself = entry.at == "/" && entry.module == module_name(node);
+    return entry.dir == dir && (is_on_the_way || is_served_itself);
+  });
+}
+
+// The text up to and with the innermost list entry, or else the top-level node.
+std::string entry_path(std::vector<path_step> steps) {
+  while (steps.size() > 1 && !is_list(steps.back().node)) {
+    steps.pop_back();
+  }
+  return path_text(steps);
+}
+
+// A request for one leaf, explained.
+class request_explainer {
+ public:
+  request_explainer(const full_path &asked, const schema &modules, const plugin &mapping, trace_log &log)
+      : asked_(asked), modules_(modules), mapping_(mapping), log_(log) {}
+
+  explained_request get() {
+    explained_request result = translated("get", no_operation, {});
+    for (const native_call &call : result.calls) {
+      if (!is_key(call.steps.back().node)) {
+        add_reports(call, result.values);
+      }
+    }
+    return result;
+  }
+
+  explained_request set(const std::optional<std::string> &wanted) {
+    const std::vector<std::string> samples = wanted ? std::vector{*wanted} : sample_values(modules_, leaf());
+    std::vector<value_mapping> values;
+    for (const std::string &value : is_config(leaf()) ? values_to_show(wanted) : std::vector<std::string>()) {
+      values.push_back(mapped(value));
+    }
+    const auto taken = std::ranges::find_if(values, [](const value_mapping &each) { return each.refusal.empty(); });
+    const std::string value = wanted                  ? *wanted
+                              : taken != values.end() ? taken->value
+                              : samples.empty()       ? ""
+                                                      : samples[0];
+    explained_request result = translated("set", YFW_OPERATION_MERGE, value);
+    result.values = std::move(values);
+    if (result.refusal.empty()) {
+      device native = empty_device();
+      result.before = read(native);
+      edit(native, value, YFW_OPERATION_MERGE, result);
+    }
+    return result;
+  }
+
+  // A delete of what a set left there.
+  explained_request remove() {
+    explained_request result = translated("delete", YFW_OPERATION_DELETE, {});
+    if (!result.refusal.empty()) {
+      return result;
+    }
+    device native = empty_device();
+    for (const std::string &value : sample_values(modules_, leaf())) {
+      if (mapped(value).refusal.empty()) {
+        edit(native, value, YFW_OPERATION_MERGE, result);
+        break;
+      }
+    }
+    result.before = read(native);
+    edit(native, {}, YFW_OPERATION_REMOVE, result);
+    return result;
+  }
+
+ private:
+  const lysc_node *leaf() const {
+    return asked_.steps.back().node;
+  }
+
+  device empty_device() const {
+    return device::read(document::read("{}", "", modules_));
+  }
+
+  document request_text(uint32_t operation, const std::optional<std::string> &value) const {
+    return request_for(asked_.steps, modules_, operation, value);
+  }
+
+  explained_request translated(std::string_view operation, uint32_t netconf, const std::optional<std::string> &value) {
+    explained_request result;
+    result.operation = operation;
+    result.value = value;
+    const auto kind = is_edit(operation) ? client_operation::edit : client_operation::get;
+    document request = request_text(netconf, value);
+    native_request native;
+    result.refusal = refusal_of([&] {
+      trace_log silent;
+      native = translate_request(request, read_client_request(request, kind), mapping_, silent);
+    });
+    for (const std::string &note : native.notes) {
+      result.refusal += (result.refusal.empty() ? "" : "; ") + without_place(note);
+    }
+    if (is_edit(operation) && !is_config(leaf())) {
+      return result;
+    }
+    document again = request_text(netconf, value);
+    probe_outcome outcome;
+    (void)refusal_of([&] {
+      result.walk = traced(log_, [&](trace_log &own) {
+        outcome = probe_request(again, read_client_request(again, kind), mapping_, own);
+      });
+    });
+    add_untraced(result.walk, leaf(), [&](const std::string &name) { return has_function(mapping_, name); });
+    result.calls = result.refusal.empty() ? std::move(native.calls) : std::move(outcome.calls);
+    for (native_call &call : result.calls) {
+      call.cause = nullptr;
+    }
+    return result;
+  }
+
+  template <typename work_t>
+  static std::string refusal_of(const work_t &work) {
+    try {
+      work();
+    } catch (const error &refused) {
+      return refused.text();
+    }
+    return {};
+  }
+
+  std::vector<std::string> values_to_show(const std::optional<std::string> &wanted) const {
+    std::vector<std::string> values = sample_values(modules_, leaf());
+    if (wanted && std::ranges::find(values, *wanted) == values.end()) {
+      // A sample of an open type says nothing beside a value that is given.
+      const bool is_open = modules_.allowed_values(leaf()).empty();
+      values = is_open ? std::vector{*wanted} : values;
+    }
+    return values;
+  }
+
+  value_mapping mapped(const std::string &value) {
+    value_mapping result{value, {}, {}};
+    document request = request_text(YFW_OPERATION_MERGE, value);
+    trace_log silent;
+    const std::string refusal = refusal_of([&] {
+      const native_request native =
+          translate_request(request, read_client_request(request, client_operation::edit), mapping_, silent);
+      for (const native_call &call : native.calls) {
+        const std::string name(yfw::name(call.steps.back().node));
+        result.results.push_back(call.value ? *call.value : "no " + name);
+      }
+    });
+    const std::string named = yfw::quoted(value) + " ";
+    result.refusal = refusal.substr(refusal.starts_with(named) ? named.size() : 0);
+    result.refusal.resize(std::min(result.refusal.size(), result.refusal.find("; mapped are ")));
+    return result;
+  }
+
+  // What the leaf has for values of the native one.
+  void add_reports(const native_call &read, std::vector<value_mapping> &values) {
+    for (const std::string &value : sample_values(modules_, read.steps.back().node)) {
+      trace_log silent;
+      const explained_reply reply = explain_reply(read.steps, value, modules_, mapping_, silent);
+      value_mapping &added = values.emplace_back(value_mapping{value, {}, reply.refusal});
+      for (const reported_leaf &each : reply.reported) {
+        if (is_asked(each)) {
+          added.results.push_back(each.value);
+        }
+      }
+      if (added.results.empty() && added.refusal.empty()) {
+        added.refusal = reply.notes.empty() ? "reports nothing" : reply.notes.front();
+      }
+    }
+  }
+
+  bool is_asked(const reported_leaf &each) const {
+    return same_path(each.path, path_text(asked_.steps));
+  }
+
+  // The two forms differ in their quotes only.
+  static bool same_path(std::string first, std::string second) {
+    std::ranges::replace(first, '"', '\'');
+    std::ranges::replace(second, '"', '\'');
+    return first == second;
+  }
+
+  void edit(device &native, const std::optional<std::string> &value, uint32_t operation, explained_request &result) {
+    trace_log silent;
+    result.refusal = refusal_of([&] {
+      (void)engine(mapping_, silent).edit_node(native, path_text(asked_.steps), value, operation);
+      result.after = read(native);
+    });
+  }
+
+  std::vector<reported_leaf> read(const device &native) {
+    trace_log silent;
+    return leaves_of(
+        engine(mapping_, silent).find(native, entry_path(asked_.steps), client_operation::get, content::all).data);
+  }
+
+  const full_path &asked_;
+  const schema &modules_;
+  const plugin &mapping_;
+  trace_log &log_;
+};
+
+void require_leaf(const full_path &asked, const schema &modules) {
+  const lysc_node *node = asked.steps.back().node;
+  if (holds_value(node)) {
+    if (is_key(node)) {
+      throw error(yfw::quoted(path(node)) + " is a key, which comes and goes with its list entry");
+    }
+    return;
+  }
+  std::string below;
+  for (const lysc_node *child : modules.children(node)) {
+    below += (below.empty() ? "" : ", ") + quoted(name(child));
+  }
+  throw error(yfw::quoted(path(node)) + " is no leaf; below it are " + below);
+}
+
+}  // namespace
+
+explanation explain(std::string_view path, const explain_options &options, const schema &modules, const plugin &mapping,
+                    trace_log &log) {
+  const full_path asked = complete_path(path, modules);
+  require_leaf(asked, modules);
+  explanation result{path_text(asked.steps), asked.steps.back().node, asked.made_up_keys, {}, {}};
+  if (serves_model_of(mapping.description(), direction::ox, result.leaf)) {
+    request_explainer explainer(asked, modules, mapping, log);
+    for (const std::string_view operation : options.operations) {
+      result.requests.push_back(operation == "get"   ? explainer.get()
+                                : operation == "set" ? explainer.set(options.value)
+                                                     : explainer.remove());
+    }
+  } else if (serves_model_of(mapping.description(), direction::xo, result.leaf)) {
+    for (const std::string &value : options.value ? std::vector{*options.value} : sample_values(modules, result.leaf)) {
+      result.replies.push_back(explain_reply(asked.steps, value, modules, mapping, log));
+    }
+  } else {
+    throw error(yfw::quoted(result.path) + " is of neither model: no entry point of the plug-in is on the way to it");
+  }
+  return result;
+}
+
+}  // namespace yfw

@@ -1,0 +1,61 @@
+#include "engine_parts.hpp"
+#include "explain_parts.hpp"
+#include "yfw/reply.hpp"
+
+namespace yfw {
+namespace {
+
+void add_leaves(const data_node *first, std::vector<reported_leaf> &leaves) {
+  for (const data_node *group = first; group != nullptr; group = group->next) {
+    for (const data_node *node = group; node != nullptr; node = node->next_entry) {
+      if (node->value && !is_key(node->schema)) {
+        leaves.push_back({path(*node), std::string(*node->value)});
+      }
+      add_leaves(node->first_child, leaves);
+    }
+  }
+}
+
+}  // namespace
+
+std::vector<reported_leaf> leaves_of(const data_tree &tree) {
+  std::vector<reported_leaf> leaves;
+  add_leaves(tree.first(), leaves);
+  return leaves;
+}
+
+bool has_function(const plugin &mapping, const std::string &name) {
+  try {
+    return mapping.function<entry_function>(name) != nullptr;
+  } catch (const error &) {
+    return false;
+  }
+}
+
+std::string without_place(const std::string &note) {
+  const size_t line = note.starts_with("line ") ? note.find(": ") : 0;
+  const size_t end = line == note.npos ? note.npos : note.find(": ", line + 2);
+  return end == note.npos ? note : note.substr(end + 2);
+}
+
+explained_reply explain_reply(const std::vector<path_step> &native, const std::string &value, const schema &modules,
+                              const plugin &mapping, trace_log &log) {
+  document data = request_for(native, modules, no_operation, value);
+  explained_reply result;
+  result.value = value;
+  result.walk = traced(log, [&](trace_log &own) {
+    try {
+      const reply translated = translate_reply(data, mapping, {}, own);
+      result.reported = leaves_of(translated.data);
+      for (const std::string &note : translated.notes) {
+        result.notes.push_back(without_place(note));
+      }
+    } catch (const error &refused) {
+      result.refusal = refused.text();
+    }
+  });
+  add_untraced(result.walk, native.back().node, [&](const std::string &name) { return has_function(mapping, name); });
+  return result;
+}
+
+}  // namespace yfw

@@ -1,0 +1,138 @@
+#include "yfw/plan.hpp"
+
+#include <algorithm>
+#include <set>
+
+#include "engine_parts.hpp"
+#include "plan_parts.hpp"
+#include "yfw/node.hpp"
+
+namespace yfw {
+namespace {
+
+class silence_finder {
+ public:
+  silence_finder(const native_request &request, refusals &refused)
+      : default_(request.client.default_operation), refused_(refused) {
+    for (const native_call &call : request.calls) {
+      causes_.insert(call.cause);
+    }
+  }
+
+  // A key alone asks for nothing but its entry.
+  void visit(const yfw_node_t &node) {
+    if (refused_.contains(node) || causes_.contains(&node)) {
+      return;
+    }
+    bool is_end = true;
+    for (const yfw_node_t &below : children(node)) {
+      if (!is_key(extra(below).schema)) {
+        is_end = false;
+        visit(below);
+      }
+    }
+    if (is_end && !has_refused_key(node) && operation_in_force(node, default_) != no_operation) {
+      refused_.add(node, "would cause no native edit", error_tag::operation_not_supported);
+    }
+  }
+
+ private:
+  bool has_refused_key(const yfw_node_t &node) const {
+    return std::ranges::any_of(children(node), [&](const yfw_node_t &key) { return refused_.contains(key); });
+  }
+
+  const uint32_t default_;
+  refusals &refused_;
+  std::set<const yfw_node_t *> causes_;
+};
+
+class condition_reads {
+ public:
+  condition_reads(edit_plan &plan, const schema &modules, const plugin &mapping)
+      : plan_(plan), modules_(modules), mapping_(mapping) {}
+
+  void visit(const yfw_node_t &node) {
+    const lysc_node *schema = extra(node).schema;
+    if (schema != nullptr && depends_on_presence(node)) {
+      add(node);
+    }
+    for (const yfw_node_t &below : children(node)) {
+      visit(below);
+    }
+  }
+
+ private:
+  bool depends_on_presence(const yfw_node_t &node) const {
+    const uint32_t given = extra(node).given_operation;
+    const uint32_t default_operation = plan_.request.client.default_operation;
+    return given == YFW_OPERATION_CREATE || given == YFW_OPERATION_DELETE ||
+           (is_list(extra(node).schema) && operation_in_force(node, default_operation) == no_operation);
+  }
+
+  void add(const yfw_node_t &node) {
+    try {
+      trace_log silent;
+      document question = request_for(steps_to(node), modules_);
+      client_request asked = read_client_request(question, client_operation::get_config);
+      for (const native_call &call : translate_request(question, std::move(asked), mapping_, silent).calls) {
+        std::string path = call.path();
+        if (std::ranges::find(plan_.reads, path, &needed_read::path) == plan_.reads.end()) {
+          plan_.reads.push_back({std::move(path), &node});
+        }
+      }
+    } catch (const error &) {
+      // What cannot be read is among the problems, since it cannot be edited either.
+    }
+  }
+
+  edit_plan &plan_;
+  const schema &modules_;
+  const plugin &mapping_;
+};
+
+const char *text_argument(const abi_call &call, size_t index) {
+  return std::get<const char *>(call.arguments[index].second);
+}
+
+}  // namespace
+
+uint32_t lookup_observer::pass(const abi_call &call, const std::function<uint32_t()> &answer) {
+  if (std::string_view(call.function) == "yfw_map_get_node_info_mpls_static") {
+    std::string path = text_argument(call, 0);
+    path.append("/").append(text_argument(call, 1)).append("/").append(text_argument(call, 2));
+    if (std::ranges::find(reads_, path, &needed_read::path) == reads_.end()) {
+      reads_.push_back({std::move(path), nullptr});
+    }
+  }
+  return answer();
+}
+
+void add_condition_reads(edit_plan &plan, const schema &modules, const plugin &mapping) {
+  condition_reads reads(plan, modules, mapping);
+  for (const yfw_node_t *node : plan.request.client.data) {
+    reads.visit(*node);
+  }
+}
+
+void refuse_silent_ends(const native_request &request, refusals &refused) {
+  silence_finder finder(request, refused);
+  for (const yfw_node_t *node : request.client.data) {
+    finder.visit(*node);
+  }
+}
+
+const yfw_node_t *whole_cause(const native_call &call) {
+  const lysc_node *schema = call.cause != nullptr ? extra(*call.cause).schema : nullptr;
+  return is_container(schema) || is_list(schema) ? call.cause : nullptr;
+}
+
+uint32_t operation_in_force(const yfw_node_t &node, uint32_t default_operation) {
+  for (const yfw_node_t *at = &node; at != nullptr; at = extra(*at).parent) {
+    if (extra(*at).given_operation != no_operation) {
+      return extra(*at).given_operation;
+    }
+  }
+  return default_operation;
+}
+
+}  // namespace yfw

@@ -1,0 +1,181 @@
+#include "plugin_check_names.hpp"
+
+#include <algorithm>
+
+#include "yfw/error.hpp"
+#include "yfw/schema.hpp"
+
+namespace yfw {
+namespace {
+
+bool is_callback(mapping_kind kind) {
+  return kind == mapping_kind::leaf || kind == mapping_kind::container || kind == mapping_kind::list ||
+         kind == mapping_kind::hook;
+}
+
+std::string no_op_name(const std::string &name, const mapping_name &parts) {
+  const std::string model = std::string(name.substr(0, 8)) + parts.plugin + '_' + parts.module;
+  return model + "_duck_map_" + std::string(word(parts.kind));
+}
+
+// The last word of a squeezed path and what is before it.
+std::pair<std::string, std::string> split(const std::string &path) {
+  const size_t at = path.rfind('_');
+  return at == std::string::npos ? std::pair(std::string(), path) : std::pair(path.substr(0, at), path.substr(at + 1));
+}
+
+// Names between zeros: what a library may tell in a section of its own.
+std::set<std::string> texts_of(const elf_file &library, std::string_view section) {
+  std::set<std::string> result;
+  const elf_section *found = library.section(section);
+  std::string_view rest = found != nullptr ? library.content(*found) : std::string_view();
+  while (!rest.empty()) {
+    const size_t end = std::min(rest.find('\0'), rest.size());
+    result.emplace(rest.substr(0, end));
+    rest.remove_prefix(std::min(end + 1, rest.size()));
+  }
+  result.erase("");
+  return result;
+}
+
+}  // namespace
+
+name_check::name_check(const elf_file &library, plugin_report &report)
+    : report_(report), addresses_(library.referenced_addresses()), mentioned_(library.relocated_names()) {
+  mentioned_.merge(texts_of(library, "ymap.called"));
+  for (elf_symbol &symbol : library.dynamic_symbols()) {
+    if (symbol.is_defined) {
+      const std::string name = symbol.name;
+      symbols_.emplace(name, exported{std::move(symbol), taken_apart(name)});
+    }
+  }
+}
+
+void name_check::run() {
+  for (const named &each : symbols_) {
+    look_at(each);
+  }
+}
+
+void name_check::look_at(const named &each) {
+  const auto &[name, what] = each;
+  if (!what.parts) {
+    report_.helpers.push_back(name);
+    return;
+  }
+  checked_model &model = model_of(*what.parts);
+  if (what.parts->is_body) {
+    look_at_body(each);
+  } else if (what.parts->kind == mapping_kind::entry) {
+    model.entry_points.push_back(name);
+  } else if (is_callback(what.parts->kind) && what.symbol.is_weak) {
+    look_at_weak(each, model);
+  } else if (is_callback(what.parts->kind) || what.parts->kind == mapping_kind::manual_leaf) {
+    look_at_by_hand(each, model);
+  }
+}
+
+void name_check::look_at_body(const named &each) {
+  if (!symbols_.contains(each.first.substr(2))) {
+    add(finding_level::error, "bodies", "a generated body without its plain name: no walker reaches it", each.first);
+  }
+}
+
+// A weak name is its generated body, or the no-op of its kind.
+void name_check::look_at_weak(const named &each, checked_model &model) {
+  const auto &[name, what] = each;
+  const auto body = symbols_.find("__" + name);
+  const auto no_op = symbols_.find(no_op_name(name, *what.parts));
+  if (body != symbols_.end()) {
+    ++model.generated;
+    if (body->second.symbol.address != what.symbol.address) {
+      add(finding_level::error, "weak names", "weak, but not another name of its generated body", name);
+    }
+  } else {
+    ++model.unmapped;
+    if (no_op == symbols_.end() || no_op->second.symbol.address != what.symbol.address) {
+      add(finding_level::warning, "weak names", "weak, but neither a generated body nor the no-op of its kind", name);
+    }
+  }
+}
+
+void name_check::look_at_by_hand(const named &each, checked_model &model) {
+  const auto &[name, what] = each;
+  if (!is_called(each)) {
+    warn_of_uncalled(each, model);
+  } else if (symbols_.contains("__" + name)) {
+    model.overrides.push_back(name);
+  } else {
+    model.by_hand.push_back(name);
+  }
+}
+
+void name_check::warn_of_uncalled(const named &each, checked_model &model) {
+  const auto &[name, what] = each;
+  model.uncalled.push_back(name);
+  if (what.parts->kind == mapping_kind::manual_leaf) {
+    add(finding_level::warning, "overrides", "no leaf calls it", name);
+    return;
+  }
+  const std::string meant = meant_by(*what.parts);
+  if (meant.empty()) {
+    add(finding_level::warning, "overrides", "no walker calls it: overrides nothing", name);
+  } else {
+    add(finding_level::error, "overrides",
+        "no walker calls it: overrides nothing, the generated function runs; did you mean " + yfw::quoted(meant) + "?",
+        name);
+  }
+}
+
+// The weak name that somebody meant to replace, "" if none is near: another spelling of the last word or of what is
+// before it, another kind, or another model.
+std::string name_check::meant_by(const mapping_name &parts) const {
+  const auto [above, last] = split(parts.path);
+  std::map<std::string, std::string, std::less<>> by_last, by_above;  // the other part, and the whole name
+  std::string elsewhere;
+  for (const auto &[name, what] : symbols_) {
+    if (!what.parts || !what.symbol.is_weak || what.parts->is_body || what.parts->dir != parts.dir) {
+      continue;
+    }
+    const bool is_model = what.parts->plugin == parts.plugin && what.parts->module == parts.module;
+    const auto [other_above, other_last] = split(what.parts->path);
+    if (is_model && what.parts->kind == parts.kind && other_above == above) {
+      by_last[other_last] = name;
+    } else if (is_model && what.parts->kind == parts.kind && other_last == last) {
+      by_above[other_above] = name;
+    } else if (what.parts->path == parts.path && (is_model || what.parts->kind == parts.kind)) {
+      elsewhere = name;
+    }
+  }
+  const auto nearest = [](const auto &names, const std::string &wanted) {
+    std::vector<std::string_view> known;
+    std::ranges::transform(names, std::back_inserter(known), [](const auto &each) { return each.first; });
+    const std::string_view found = closest(known, wanted);
+    return found.empty() ? std::string() : names.find(found)->second;
+  };
+  const std::string same_place = nearest(by_last, last);
+  const std::string same_word = same_place.empty() ? nearest(by_above, above) : same_place;
+  return same_word.empty() ? elsewhere : same_word;
+}
+
+bool name_check::is_called(const named &each) const {
+  return addresses_.contains(each.second.symbol.address) || mentioned_.contains(each.first);
+}
+
+checked_model &name_check::model_of(const mapping_name &parts) {
+  const auto is_it = [&](const checked_model &model) {
+    return model.dir == parts.dir && model.plugin == parts.plugin && model.module == parts.module;
+  };
+  const auto found = std::ranges::find_if(report_.models, is_it);
+  if (found != report_.models.end()) {
+    return *found;
+  }
+  report_.models.push_back({parts.dir, parts.plugin, parts.module, {}, {}, {}, {}});
+  return report_.models.back();
+}
+
+void name_check::add(finding_level level, const char *about, const std::string &text, const std::string &name) {
+  report_.findings.push_back({level, about, text, name});
+}
+
+}  // namespace yfw

@@ -1,0 +1,42 @@
+// What is wrong with the nodes of a client's request.
+#pragma once
+
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "yfw/document.hpp"
+
+namespace yfw {
+
+// Either the first problem ends the work, or all of them are collected: a node that has one is then set aside, and the
+// work goes on without it.
+class refusals {
+ public:
+  enum class habit { throws, collects };
+
+  refusals(const document &request, habit what) : document_(request), habit_(what) {}
+
+  // Throws the problem as `rpc_error`, or keeps it. Of one node only the first is kept.
+  void add(const yfw_node_t &node, const std::string &text, error_tag tag, std::string bad_element = {});
+
+  // Whether the node is set aside.
+  bool contains(const yfw_node_t &node) const {
+    return nodes_.contains(&node);
+  }
+  size_t count() const {
+    return nodes_.size();
+  }
+
+  // All that were kept, in the order of the document.
+  std::vector<rpc_error> take();
+
+ private:
+  const document &document_;
+  const habit habit_;
+  std::set<const yfw_node_t *> nodes_;
+  std::vector<std::pair<uint32_t, rpc_error>> kept_;  // behind the node's place in the text
+};
+
+}  // namespace yfw

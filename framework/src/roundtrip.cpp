@@ -1,0 +1,87 @@
+#include "yfw/roundtrip.hpp"
+
+#include <algorithm>
+#include <sstream>
+
+#include "coverage_values.hpp"
+#include "roundtrip_parts.hpp"
+
+namespace yfw {
+namespace {
+
+// Whether data in the node, or in what is below it, makes a difference to a client.
+bool is_answered(const std::vector<coverage_row> &native, const lysc_node *node) {
+  const std::string above = path(node);
+  return std::ranges::any_of(native, [&](const coverage_row &row) {
+    const std::string here = path(row.leaf);
+    const bool is_at = here == above || here.starts_with(above + "/");
+    return is_at && std::ranges::any_of(row.cells, [](const coverage_cell &cell) {
+             return std::ranges::any_of(cell.probes, [](const leaf_probe &probe) { return !probe.effects.empty(); });
+           });
+  });
+}
+
+void check_reads(law_bench &bench, const coverage &measured) {
+  for (const coverage_row &row : measured.high) {
+    const coverage_cell &get = row.cells[static_cast<size_t>(leaf_operation::get)];
+    for (const lysc_node *asked : get.targets()) {
+      ++bench.count(law::read_answered).tried;
+      if (!is_key(asked) && !is_answered(measured.native, asked)) {
+        bench.report(law::read_answered, row.leaf, {}, "asks for '" + path(asked) + "', of which no reply tells",
+                     text_for(bench.steps_to(row.leaf), bench.modules));
+      }
+    }
+  }
+}
+
+// Runs a check that needs trees of the leaf.
+void attempt(law_bench &bench, const lysc_node *leaf, const std::function<void()> &check) {
+  if (is_leaf_list(leaf)) {
+    bench.result.not_tried.push_back(path(leaf) + ": is a leaf-list, for which the laws are not worked out");
+    return;
+  }
+  if (sample_values(bench.modules, leaf).empty()) {
+    bench.result.not_tried.push_back(path(leaf) + ": no value of its type is known to try");
+    return;
+  }
+  try {
+    check();
+  } catch (const error &impossible) {
+    bench.result.not_tried.emplace_back(path(leaf) + ": " + impossible.text());
+  }
+}
+
+}  // namespace
+
+std::string_view word(law which) {
+  constexpr std::string_view words[] = {"set-get", "delete-get", "absent-get", "native-stable", "read-answered"};
+  return words[static_cast<size_t>(which)];
+}
+
+std::vector<path_step> law_bench::steps_to(const lysc_node *node) const {
+  return complete_path(qualified_path(node), modules).steps;
+}
+
+roundtrip check_roundtrip(const schema &modules, const plugin &mapping, trace_log &log) {
+  law_bench bench(modules, mapping, log);
+  trace_log silent;
+  const coverage measured = measure_coverage(modules, mapping, silent);
+  std::vector<const lysc_node *> configured;
+  for (const coverage_row &row : measured.high) {
+    if (is_config(row.leaf) && !is_key(row.leaf)) {
+      configured.push_back(row.leaf);
+    }
+  }
+  for (const lysc_node *leaf : configured) {
+    attempt(bench, leaf, [&] { check_client_leaf(bench, leaf, configured); });
+  }
+  for (const coverage_row &row : measured.native) {
+    if (!is_key(row.leaf)) {
+      attempt(bench, row.leaf, [&] { check_native_leaf(bench, row.leaf); });
+    }
+  }
+  check_reads(bench, measured);
+  return std::move(bench.result);
+}
+
+}  // namespace yfw

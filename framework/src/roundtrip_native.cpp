@@ -1,0 +1,89 @@
+// From native data to the client's model and back.
+#include <sstream>
+
+#include "coverage_values.hpp"
+#include "roundtrip_parts.hpp"
+#include "yfw/reply.hpp"
+#include "yfw/writer.hpp"
+
+namespace yfw {
+namespace {
+
+void require_valid(const data_node *first, const schema &modules) {
+  for (const data_node *group = first; group != nullptr; group = group->next) {
+    for (const data_node *node = group; node != nullptr; node = node->next_entry) {
+      if (const auto value = node->value; value && !modules.check_value(node->schema, *value).ok) {
+        throw error("reports " + quoted(*value) + " as '" + path(node->schema) + "', which has no such value");
+      }
+      require_valid(node->first_child, modules);
+    }
+  }
+}
+
+class native_check {
+ public:
+  native_check(law_bench &bench, const lysc_node *leaf) : bench_(bench), leaf_(leaf), steps_(bench.steps_to(leaf)) {}
+
+  void check(const std::string &value) {
+    ++bench_.count(law::native_stable).tried;
+    document native = request_for(steps_, bench_.modules, no_operation, value);
+    std::optional<reply> all, config;
+    try {
+      all = translate_reply(native, bench_.mapping, {content::all, {}}, bench_.log);
+      config = translate_reply(native, bench_.mapping, {content::config, {}}, bench_.log);
+    } catch (const error &) {
+      ++bench_.count(law::native_stable).refused;
+      return;
+    }
+    try {
+      require_valid(all->data.first(), bench_.modules);
+      require_same(value, *config);
+    } catch (const error &fault) {
+      bench_.report(law::native_stable, leaf_, value, fault.text(),
+                    text_for(steps_, bench_.modules, no_operation, value));
+    }
+  }
+
+ private:
+  // Operational state only goes to the client.
+  void require_same(const std::string &value, const reply &reported) {
+    if (!is_config(leaf_)) {
+      return;
+    }
+    const std::string left_out = reported.notes.empty() ? "" : "; it " + without_place(reported.notes.front());
+    device again = bench_.empty_device();
+    if (!leaves_of(reported.data).empty()) {
+      std::ostringstream text;
+      write_json(text, reported.data);
+      document edit = document::read(text.str(), "", bench_.modules);
+      (void)bench_.work.edit(again, edit, read_client_request(edit, client_operation::edit));
+    }
+    const std::optional<std::string> got = stored(again);
+    if (got != bench_.modules.check_value(leaf_, value).canonical) {
+      throw error("becomes " + (got ? yfw::quoted(*got) : "nothing") + " when a client sets what it read" + left_out);
+    }
+  }
+
+  std::optional<std::string> stored(const device &native) const {
+    const native_call read{call_kind::read, steps_, {}, YFW_OPERATION_MERGE, nullptr};
+    for (const reported_leaf &leaf : leaves_of(native.select({&read, 1}))) {
+      return leaf.value;
+    }
+    return {};
+  }
+
+  law_bench &bench_;
+  const lysc_node *leaf_;
+  const std::vector<path_step> steps_;
+};
+
+}  // namespace
+
+void check_native_leaf(law_bench &bench, const lysc_node *leaf) {
+  native_check checks(bench, leaf);
+  for (const std::string &value : sample_values(bench.modules, leaf)) {
+    checks.check(value);
+  }
+}
+
+}  // namespace yfw

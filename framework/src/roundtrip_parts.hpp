@@ -1,0 +1,53 @@
+// What the checks of the laws share.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "engine_parts.hpp"
+#include "explain_parts.hpp"
+#include "yfw/coverage.hpp"
+#include "yfw/roundtrip.hpp"
+
+namespace yfw {
+
+// Collects what the checks find, and holds what they need.
+class law_bench {
+ public:
+  law_bench(const schema &modules_in_force, const plugin &checked, trace_log &trace)
+      : modules(modules_in_force), mapping(checked), log(trace), work(checked, trace) {
+    result.counts.resize(std::size(all_laws));
+  }
+
+  law_count &count(law which) {
+    return result.counts[static_cast<size_t>(which)];
+  }
+
+  void report(law which, const lysc_node *leaf, const std::optional<std::string> &value, std::string what,
+              std::string tree) {
+    result.broken.push_back({which, path(leaf), value, std::move(what), std::move(tree)});
+  }
+
+  // The steps to a node, with samples as keys. Throws `error` when a key has none.
+  std::vector<path_step> steps_to(const lysc_node *node) const;
+
+  device empty_device() const {
+    return device::read(document::read("{}", "", modules));
+  }
+
+  const schema &modules;
+  const plugin &mapping;
+  trace_log &log;
+  const engine work;
+  roundtrip result;
+};
+
+// Laws of a configuration leaf of the client's model. `others` are those that may stand beside it.
+void check_client_leaf(law_bench &bench, const lysc_node *leaf, const std::vector<const lysc_node *> &others);
+
+// The law of a native leaf.
+void check_native_leaf(law_bench &bench, const lysc_node *leaf);
+
+}  // namespace yfw

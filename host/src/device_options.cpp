@@ -1,0 +1,47 @@
+#include "device_options.hpp"
+
+#include <sstream>
+
+#include "commands.hpp"
+#include "input.hpp"
+#include "yfw/engine.hpp"
+
+namespace ymap {
+
+void add_device_options(CLI::App &command, device_options &options, const std::string &about_to) {
+  command
+      .add_option("--device", options.device,
+                  "the device: a file of native data, XML or JSON, configuration and operational")
+      ->required()
+      ->type_name("FILE");
+  add_setup(command, options.setup);
+  add_choice<yfw::data_format>(command, "--to", about_to,
+                               {{"xml", yfw::data_format::xml}, {"json", yfw::data_format::json}},
+                               [&options](yfw::data_format format) { options.to = format; });
+}
+
+void work_on_device(const device_options &options, const std::function<void(setup &)> &work) {
+  setup with(options.setup);
+  try {
+    work(with);
+  } catch (const yfw::error &fault) {
+    if (!options.to) {
+      throw;
+    }
+    std::ostringstream text;
+    write_rpc_error(text, fault, with.schema(), *options.to);
+    write_result(text.str());
+    throw failure_reported();
+  }
+}
+
+yfw::document read_request(const std::string &file, const yfw::schema &modules) {
+  const std::string text = read_text(file);
+  try {
+    return yfw::document::read(text, display_name(file), modules);
+  } catch (const yfw::error &fault) {
+    throw yfw::rpc_error(fault.where(), fault.text(), yfw::error_tag::malformed_message);
+  }
+}
+
+}  // namespace ymap

@@ -1,0 +1,144 @@
+#include <functional>
+#include <memory>
+#include <optional>
+
+#include "commands.hpp"
+#include "device_options.hpp"
+#include "input.hpp"
+#include "yfw/engine.hpp"
+
+namespace ymap {
+namespace {
+
+constexpr const char *about_set =
+    "PATH names a leaf of the client's model, with the keys of all lists on the way. Nothing is\n"
+    "printed when the device has the value; the device is a file, which is replaced as a whole.\n\n"
+    "Examples:\n"
+    "  ymap set --device device.xml \\\n"
+    "    \"/interfaces/interface[name='GigabitEthernet0/0/0/1']/ethernet/config/port-speed\" SPEED_1GB\n"
+    "  ymap set --dry-run …: the native nodes that would change, '+' new, '-' gone, '~' changed";
+
+constexpr const char *about_delete =
+    "PATH names a leaf or container of the client's model, with the keys of all lists on the way.\n"
+    "It must be there: --operation remove does not mind when it is not.\n\n"
+    "Example:\n"
+    "  ymap delete --device device.xml \\\n"
+    "    \"/interfaces/interface[name='GigabitEthernet0/0/0/1']/ethernet/config/mac-address\"";
+
+constexpr const char *about_edit =
+    "FILE is XML or RFC 7951 JSON, '-' for standard input: a NETCONF <rpc> with <edit-config>, or a\n"
+    "bare data tree, which is merged. All of it is done, or, when something fails, nothing.\n\n"
+    "Example:\n"
+    "  ymap edit --device device.xml --dry-run examples/set-speed.xml";
+
+struct edit_options {
+  std::string what;  // the path or file
+  std::optional<std::string> value;
+  uint32_t operation = YFW_OPERATION_MERGE;
+  bool is_dry = false;
+  bool is_verbose = false;
+  device_options on;
+};
+
+// "+ path value", "- path value", "~ path old -> new".
+std::string line(const yfw::device_change &change) {
+  std::string text = (!change.before ? "+ " : !change.after ? "- " : "~ ") + change.path;
+  text += change.before && !change.before->empty() ? " " + *change.before : "";
+  text += change.before && change.after ? " ->" : "";
+  text += change.after && !change.after->empty() ? " " + *change.after : "";
+  return text + '\n';
+}
+
+void print(const std::vector<yfw::device_change> &changes) {
+  std::string text;
+  for (const yfw::device_change &change : changes) {
+    text += line(change);
+  }
+  write_result(text);
+}
+
+// Opens the device, lets `edit` work on it and keeps what comes of it. Locked, it is nobody else's meanwhile.
+void edit_device(const edit_options &options, bool is_dry, const setup &with,
+                 const std::function<yfw::edit_outcome(yfw::device &)> &edit) {
+  using use = yfw::device_file::use;
+  yfw::device_file device(options.on.device, with.schema(), is_dry ? use::read : use::edit);
+  const yfw::edit_outcome outcome = edit(device.content());
+  if (!is_dry && !outcome.changes.empty()) {
+    device.save();
+  }
+  write_notes(outcome.notes);
+  if (is_dry || options.is_verbose) {
+    print(outcome.changes);
+  }
+}
+
+void run_on_path(const edit_options &options) {
+  work_on_device(options.on, [&](setup &with) {
+    const yfw::engine engine(with.plugin(), with.trace());
+    edit_device(options, options.is_dry, with, [&](yfw::device &device) {
+      return engine.edit_node(device, options.what, options.value, options.operation);
+    });
+  });
+}
+
+void run_on_file(const edit_options &options) {
+  work_on_device(options.on, [&](setup &with) {
+    yfw::document request = read_request(options.what, with.schema());
+    const yfw::client_request client = read_client_request(request, yfw::client_operation::edit);
+    if (client.is_read()) {
+      throw usage_error(display_name(options.what) + " holds a read: use 'ymap get --filter'");
+    }
+    const yfw::engine engine(with.plugin(), with.trace());
+    edit_device(options, options.is_dry || client.test_option == "test-only", with,
+                [&](yfw::device &device) { return engine.edit(device, request, client); });
+  });
+}
+
+void add_edit_options(CLI::App &command, edit_options &options) {
+  add_device_options(command, options.on, "print an error as an rpc-error on standard output");
+  command.add_flag("--dry-run", options.is_dry, "print what would change natively, and change nothing");
+  command.add_flag("-v,--verbose", options.is_verbose, "print what is changed natively");
+}
+
+void add_operation(CLI::App &command, edit_options &options, const std::string &help,
+                   const std::map<std::string, uint32_t> &words) {
+  add_choice<uint32_t>(command, "--operation", help, words,
+                       [&options](uint32_t operation) { options.operation = operation; });
+}
+
+}  // namespace
+
+void add_set(CLI::App &app) {
+  CLI::App &command = *app.add_subcommand("set", "Write a leaf of the client's model to the device.");
+  command.footer(about_set);
+  const auto options = std::make_shared<edit_options>();
+  command.add_option("PATH", options->what, "the leaf")->required()->type_name("");
+  command.add_option("VALUE", options->value, "its value")->required()->type_name("");
+  add_operation(command, *options, "merge (default), replace, or create, which fails when the leaf is there",
+                {{"merge", YFW_OPERATION_MERGE}, {"replace", YFW_OPERATION_REPLACE}, {"create", YFW_OPERATION_CREATE}});
+  add_edit_options(command, *options);
+  command.callback([options] { run_on_path(*options); });
+}
+
+void add_delete(CLI::App &app) {
+  CLI::App &command = *app.add_subcommand("delete", "Delete a leaf or container of the client's model.");
+  command.footer(about_delete);
+  const auto options = std::make_shared<edit_options>();
+  options->operation = YFW_OPERATION_DELETE;
+  command.add_option("PATH", options->what, "the leaf or container")->required()->type_name("");
+  add_operation(command, *options, "delete (default), or remove, which does not mind when nothing is there",
+                {{"delete", YFW_OPERATION_DELETE}, {"remove", YFW_OPERATION_REMOVE}});
+  add_edit_options(command, *options);
+  command.callback([options] { run_on_path(*options); });
+}
+
+void add_edit(CLI::App &app) {
+  CLI::App &command = *app.add_subcommand("edit", "Carry out an edit-config on the device.");
+  command.footer(about_edit);
+  const auto options = std::make_shared<edit_options>();
+  command.add_option("FILE", options->what, "the edit, '-' for standard input")->required();
+  add_edit_options(command, *options);
+  command.callback([options] { run_on_file(*options); });
+}
+
+}  // namespace ymap

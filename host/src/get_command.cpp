@@ -1,0 +1,104 @@
+#include <memory>
+#include <optional>
+#include <sstream>
+
+#include "commands.hpp"
+#include "device_options.hpp"
+#include "input.hpp"
+#include "yfw/engine.hpp"
+#include "yfw/node.hpp"
+#include "yfw/writer.hpp"
+
+namespace ymap {
+namespace {
+
+constexpr const char *about_get =
+    "XPATH is an absolute path of the client's model; names may have the name or prefix of\n"
+    "their module. What it selects is printed, with the keys of the list entries around it.\n"
+    "A filter is a NETCONF <get> or <get-config>, or a bare data tree.\n\n"
+    "Examples:\n"
+    "  ymap get --device examples/device.xml /interfaces/interface/ethernet/config\n"
+    "  ymap get --device examples/device.xml --to json \\\n"
+    "    \"/interfaces/interface[name='GigabitEthernet0/0/0/1']/ethernet/state/counters\"\n"
+    "  ymap get --device examples/device.xml --filter examples/get-counters.xml";
+
+struct get_options {
+  std::string xpath;
+  std::string filter;
+  std::optional<yfw::client_operation> operation;
+  yfw::content content = yfw::content::all;
+  device_options on;
+};
+
+void require_one_way(const get_options &options) {
+  if (options.xpath.empty() == options.filter.empty()) {
+    throw usage_error("get needs an XPATH or --filter FILE, and not both");
+  }
+  if (options.operation == yfw::client_operation::get_config && options.content == yfw::content::nonconfig) {
+    throw usage_error("--operation get-config reads no operational state, which is all that --content nonconfig wants");
+  }
+}
+
+void print(const yfw::reply &answer, yfw::data_format format) {
+  std::ostringstream text;
+  if (format == yfw::data_format::json) {
+    write_json(text, answer.data);
+  } else {
+    write_xml(text, answer.data, {.wrappers = {{"data", yfw::netconf_ns}}});
+  }
+  write_notes(answer.notes);
+  write_result(text.str());
+}
+
+void get_by_filter(const get_options &options, const yfw::device &device, setup &with) {
+  yfw::document request = read_request(options.filter, with.schema());
+  if (!is_bare(request) && options.operation) {
+    throw usage_error(display_name(options.filter) +
+                      " holds a message that says its own operation: leave --operation out");
+  }
+  const yfw::client_request client =
+      read_client_request(request, options.operation.value_or(yfw::client_operation::get));
+  if (!client.is_read()) {
+    throw usage_error(display_name(options.filter) + " holds an edit: use 'ymap edit'");
+  }
+  const yfw::engine engine(with.plugin(), with.trace());
+  print(engine.get(device, request, client, options.content), options.on.to.value_or(request.format()));
+}
+
+void run(const get_options &options) {
+  require_one_way(options);
+  work_on_device(options.on, [&](setup &with) {
+    yfw::device_file device(options.on.device, with.schema(), yfw::device_file::use::read);
+    if (!options.filter.empty()) {
+      get_by_filter(options, device.content(), with);
+      return;
+    }
+    const yfw::engine engine(with.plugin(), with.trace());
+    print(engine.find(device.content(), options.xpath, options.operation.value_or(yfw::client_operation::get),
+                      options.content),
+          options.on.to.value_or(yfw::data_format::xml));
+  });
+}
+
+}  // namespace
+
+void add_get(CLI::App &app) {
+  CLI::App &command = *app.add_subcommand("get", "Read from the device in the client's model.");
+  command.footer(about_get);
+  const auto options = std::make_shared<get_options>();
+  command.add_option("XPATH", options->xpath, "what to read")->type_name("");
+  command.add_option("--filter", options->filter, "a subtree filter instead, '-' for standard input")
+      ->type_name("FILE");
+  add_device_options(command, options->on, "format of the result (default: that of the filter, else xml)");
+  add_choice<yfw::client_operation>(
+      command, "--operation", "what is read (default: get)",
+      {{"get", yfw::client_operation::get}, {"get-config", yfw::client_operation::get_config}},
+      [options](yfw::client_operation operation) { options->operation = operation; });
+  add_choice<yfw::content>(
+      command, "--content", "which leaves (RFC 8040, section 4.8.1; default: all)",
+      {{"all", yfw::content::all}, {"config", yfw::content::config}, {"nonconfig", yfw::content::nonconfig}},
+      [options](yfw::content content) { options->content = content; });
+  command.callback([options] { run(*options); });
+}
+
+}  // namespace ymap

@@ -1,0 +1,211 @@
+#include <rapidjson/prettywriter.h>
+#include <rapidjson/stringbuffer.h>
+
+#include <iomanip>
+#include <iostream>
+#include <memory>
+#include <sstream>
+
+#include "commands.hpp"
+#include "input.hpp"
+#include "setup.hpp"
+#include "yfw/node.hpp"
+#include "yfw/plan.hpp"
+
+namespace ymap {
+namespace {
+
+constexpr const char *about_plan =
+    "FILE is an <edit-config> message, or a bare data tree that is to be merged, in XML or RFC 7951 JSON; '-' for\n"
+    "standard input. Each native edit stands with the client's node that causes it; behind '=' the values. What\n"
+    "cannot be done is set aside and the rest is planned, so that all problems show in one run, on standard error.\n"
+    "A leaf that would cause no native edit is a problem. Native reads are needed where the client's operation asks\n"
+    "whether something is there, and where the plug-in looks something up. Nothing is changed anywhere.\n\n"
+    "Examples:\n"
+    "  ymap plan examples/set-speed.xml\n"
+    "  ymap plan --format json examples/set-mac.json";
+
+enum class plan_format { text, json };
+
+struct plan_options {
+  std::string file;
+  setup_options setup;
+  plan_format format = plan_format::text;
+};
+
+// How a client's node is part of the plan.
+struct plan_cause {
+  yfw::place where;
+  std::string_view operation;
+  const char *value;
+  bool is_whole;
+};
+
+class plan_report {
+ public:
+  plan_report(const yfw::document &document, const yfw::edit_plan &plan) : document_(document), plan_(plan) {}
+
+  std::string text() const {
+    std::ostringstream out;
+    size_t number = 0;
+    for (const yfw::native_call &call : plan_.request.calls) {
+      out << std::setw(2) << ++number << ". " << std::left << std::setw(8) << operation(call) << std::right
+          << call.path();
+      if (call.value) {
+        out << " = " << yfw::quoted(*call.value);
+      }
+      out << "\n    for     " << cause_text(call) << '\n';
+    }
+    out << (number == 0 ? "no native edits\n" : "");
+    out << "native reads needed:" << (plan_.reads.empty() ? " none\n" : "\n");
+    for (const yfw::needed_read &read : plan_.reads) {
+      out << "    read    " << read.path << "\n    for     " << reason(read) << '\n';
+    }
+    return out.str();
+  }
+
+  std::string json() const {
+    rapidjson::StringBuffer buffer;
+    json_writer out(buffer);
+    out.SetIndent(' ', 2);
+    out.StartObject();
+    out.Key("edits");
+    out.StartArray();
+    for (const yfw::native_call &call : plan_.request.calls) {
+      add_edit(out, call);
+    }
+    out.EndArray();
+    out.Key("reads");
+    out.StartArray();
+    for (const yfw::needed_read &read : plan_.reads) {
+      out.StartObject();
+      add(out, "path", read.path);
+      add(out, "reason", reason(read));
+      out.EndObject();
+    }
+    out.EndArray();
+    out.Key("problems");
+    out.StartArray();
+    for (const yfw::rpc_error &problem : plan_.problems) {
+      out.StartObject();
+      add_place(out, problem.where());
+      add(out, "error-tag", word(problem.tag()));
+      add(out, "error-message", problem.text());
+      out.EndObject();
+    }
+    out.EndArray();
+    out.EndObject();
+    return std::string(buffer.GetString(), buffer.GetSize()) + "\n";
+  }
+
+ private:
+  using json_writer = rapidjson::PrettyWriter<rapidjson::StringBuffer>;
+
+  static std::string_view operation(const yfw::native_call &call) {
+    return yfw::operation_word(call.operation);
+  }
+
+  plan_cause cause_of(const yfw::native_call &call) const {
+    const bool is_whole = whole_cause(call) != nullptr;
+    const uint32_t operation = yfw::operation_in_force(*call.cause, plan_.request.client.default_operation);
+    return {document_.where(*call.cause), yfw::operation_word(operation), is_whole ? nullptr : call.cause->value,
+            is_whole};
+  }
+
+  // Why something is read.
+  std::string reason(const yfw::needed_read &read) const {
+    if (read.cause == nullptr) {
+      return "the plug-in, which looks it up for the entry that is edited";
+    }
+    const yfw::place where = document_.where(*read.cause);
+    const uint32_t operation = yfw::operation_in_force(*read.cause, plan_.request.client.default_operation);
+    const bool is_created = operation == YFW_OPERATION_CREATE;
+    return where.path + (is_created ? " must not be there  (" : " must be there  (") +
+           (operation == yfw::no_operation ? "none" : std::string(yfw::operation_word(operation))) + ", " + where.file +
+           ":" + std::to_string(where.line) + ")";
+  }
+
+  std::string cause_text(const yfw::native_call &call) const {
+    if (call.cause == nullptr) {
+      return "the request as a whole";
+    }
+    const plan_cause cause = cause_of(call);
+    std::string text = cause.where.path + (cause.value != nullptr ? " = " + yfw::quoted(cause.value) : "");
+    text += (cause.is_whole ? "  (implied by " : "  (") + std::string(cause.operation) + ", ";
+    return text + cause.where.file + ":" + std::to_string(cause.where.line) + ")";
+  }
+
+  static void add(json_writer &out, const char *name, std::string_view value) {
+    out.Key(name);
+    out.String(value.data(), static_cast<rapidjson::SizeType>(value.size()));
+  }
+
+  static void add_place(json_writer &out, const yfw::place &where) {
+    add(out, "file", where.file);
+    out.Key("line");
+    out.Uint(where.line);
+    add(out, "path", where.path);
+  }
+
+  void add_edit(json_writer &out, const yfw::native_call &call) const {
+    out.StartObject();
+    add(out, "operation", operation(call));
+    add(out, "path", call.path());
+    add(out, "namespace", yfw::ns(call.steps.back().node));
+    if (call.value) {
+      add(out, "value", *call.value);
+    }
+    if (call.cause != nullptr) {
+      add_cause(out, cause_of(call));
+    }
+    out.EndObject();
+  }
+
+  static void add_cause(json_writer &out, const plan_cause &cause) {
+    out.Key("cause");
+    out.StartObject();
+    add_place(out, cause.where);
+    add(out, "operation", cause.operation);
+    if (cause.value != nullptr) {
+      add(out, "value", cause.value);
+    }
+    out.Key("implied");
+    out.Bool(cause.is_whole);
+    out.EndObject();
+  }
+
+  const yfw::document &document_;
+  const yfw::edit_plan &plan_;
+};
+
+void run(const plan_options &options) {
+  setup with(options.setup);
+  yfw::document document = yfw::document::read(read_text(options.file), display_name(options.file), with.schema());
+  yfw::client_request client = read_client_request(document, yfw::client_operation::edit);
+  const yfw::edit_plan plan = plan_request(document, std::move(client), with.plugin(), with.trace());
+  const plan_report report(document, plan);
+  write_result(options.format == plan_format::json ? report.json() : report.text());
+  write_notes(plan.request.notes);
+  for (const yfw::rpc_error &problem : plan.problems) {
+    std::cerr << "ymap: " << problem.what() << '\n';
+  }
+  if (!plan.problems.empty()) {
+    throw failure_reported();
+  }
+}
+
+}  // namespace
+
+void add_plan(CLI::App &app) {
+  CLI::App &command = *app.add_subcommand("plan", "Show the native edits that an edit causes, and all its problems.");
+  command.footer(about_plan);
+  const auto options = std::make_shared<plan_options>();
+  command.add_option("FILE", options->file, "the edit, '-' for standard input")->required();
+  add_setup(command, options->setup);
+  add_choice<plan_format>(command, "--format", "for a reader (default) or for a program",
+                          {{"text", plan_format::text}, {"json", plan_format::json}},
+                          [options](plan_format format) { options->format = format; });
+  command.callback([options] { run(*options); });
+}
+
+}  // namespace ymap

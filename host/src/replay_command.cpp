@@ -1,0 +1,148 @@
+#include <algorithm>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "commands.hpp"
+#include "input.hpp"
+#include "setup.hpp"
+#include "terminal.hpp"
+#include "yfw/capture.hpp"
+#include "yfw/error.hpp"
+
+namespace ymap {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char *about_replay =
+    "Calls the plug-in with what each capture holds, answers its framework calls from the\n"
+    "capture, and names the first thing that it does otherwise. No modules, no manifest and no\n"
+    "device are needed. With --old and --new two builds are compared with each other.\n\n"
+    "Examples:\n"
+    "  ymap replay captures\n"
+    "  ymap replay --plugin build/libymap_oc_ethernet.so captures/0001-*.capture\n"
+    "  ymap replay captures --old v1/libymap_oc_ethernet.so --new v2/libymap_oc_ethernet.so\n\n"
+    "Exit code 0: the same, 1: something differs.";
+
+struct replay_options {
+  std::vector<std::string> from;
+  std::string plugin;
+  std::string old_build;
+  std::string new_build;
+};
+
+std::vector<std::string> captures_of(const std::vector<std::string> &names) {
+  std::vector<std::string> files;
+  for (const std::string &name : names) {
+    if (!fs::is_directory(name)) {
+      files.push_back(name);
+      continue;
+    }
+    const size_t before = files.size();
+    for (const auto &entry : fs::directory_iterator(name)) {
+      if (entry.path().extension() == ".capture") {
+        files.push_back(entry.path().string());
+      }
+    }
+    if (files.size() == before) {
+      throw yfw::error(yfw::place{name}, "holds no captures, which 'ymap record' writes");
+    }
+    std::sort(files.begin() + static_cast<std::ptrdiff_t>(before), files.end());
+  }
+  return files;
+}
+
+std::string act_text(const std::optional<yfw::plugin_act> &act) {
+  return act ? act->text : "(nothing more)";
+}
+
+// Two indented lines under the one that names the capture, and what to look at in them.
+std::string parting_text(const yfw::parting &where, const char *expected, const char *actual) {
+  std::string text = "  " + painted(stream::out, colour::green, expected) + ' ' + act_text(where.expected) + "\n  " +
+                     painted(stream::out, colour::red, actual) + ' ' + act_text(where.actual) + '\n';
+  std::string names;
+  for (const std::string &name : where.differing_arguments()) {
+    names += (names.empty() ? "" : ", ") + name;
+  }
+  return names.empty() ? text : text + "  differs in " + names + '\n';
+}
+
+std::string place_text(const std::string &file, const std::vector<yfw::plugin_act> &captured,
+                       const std::optional<yfw::plugin_act> &expected) {
+  const unsigned line = expected ? expected->line : captured.empty() ? 0 : captured.back().line;
+  return line == 0 ? file : file + ':' + std::to_string(line);
+}
+
+// Against the capture itself. One of a plug-in that did not return is compared as far as it goes.
+bool compare_with_capture(const std::string &file, const yfw::plugin &mapping) {
+  const yfw::capture recorded = yfw::capture::read(read_text(file), file);
+  std::vector<yfw::plugin_act> actual = replay(recorded, mapping);
+  if (!recorded.has_returned() && actual.size() > recorded.acts().size()) {
+    actual.resize(recorded.acts().size());
+  }
+  const auto where = first_parting(recorded.acts(), actual);
+  const std::string cut = recorded.has_returned() ? "" : ", as far as it goes: the plug-in did not return";
+  write_result(where ? place_text(file, recorded.acts(), where->expected) + ": differs\n" +
+                           parting_text(*where, "captured", "now     ")
+                     : file + ": same" + cut + '\n');
+  return !where;
+}
+
+// The line in the capture is that of the last thing that all three do.
+bool compare_builds(const std::string &file, const yfw::plugin &old_build, const yfw::plugin &new_build) {
+  const yfw::capture recorded = yfw::capture::read(read_text(file), file);
+  const std::vector<yfw::plugin_act> before = replay(recorded, old_build);
+  const std::vector<yfw::plugin_act> now = replay(recorded, new_build);
+  const auto where = first_parting(before, now);
+  if (!where) {
+    write_result(file + ": same\n");
+    return true;
+  }
+  const auto from_capture = first_parting(recorded.acts(), now);
+  const auto line = from_capture ? from_capture->expected : std::nullopt;
+  write_result(place_text(file, recorded.acts(), line) + ": differs\n" + parting_text(*where, "old", "new"));
+  return false;
+}
+
+void run(const replay_options &options) {
+  if (options.old_build.empty() != options.new_build.empty()) {
+    throw usage_error("--old and --new go together: two builds are compared");
+  }
+  const bool is_of_builds = !options.old_build.empty();
+  if (is_of_builds && !options.plugin.empty()) {
+    throw usage_error("--plugin does not go with --old and --new");
+  }
+  const auto load = [](const std::string &named) { return yfw::plugin::load_without_manifest(plugin_library(named)); };
+  const std::vector<std::string> files = captures_of(options.from);
+  const yfw::plugin first = load(is_of_builds ? options.old_build : options.plugin);
+  const std::optional<yfw::plugin> second = is_of_builds ? std::optional(load(options.new_build)) : std::nullopt;
+  size_t differing = 0;
+  progress shown("replaying captures", files.size());
+  for (size_t i = 0; i < files.size(); ++i) {
+    const bool is_same = second ? compare_builds(files[i], first, *second) : compare_with_capture(files[i], first);
+    differing += is_same ? 0 : 1;
+    shown.advance(i + 1);
+  }
+  if (differing != 0) {
+    throw failure_reported();
+  }
+}
+
+}  // namespace
+
+void add_replay(CLI::App &app) {
+  CLI::App &command = *app.add_subcommand("replay", "Replay captures and name the first difference.");
+  command.footer(about_replay);
+  const auto options = std::make_shared<replay_options>();
+  command.add_option("DIR", options->from, "directories of captures, or single ones")->required();
+  command.add_option("--plugin", options->plugin, "the mapping's shared library instead of the built or installed one")
+      ->type_name("PATH");
+  command.add_option("--old", options->old_build, "a build to compare with another one")->type_name("PATH");
+  command.add_option("--new", options->new_build, "the other one")->type_name("PATH");
+  command.callback([options] { run(*options); });
+}
+
+}  // namespace ymap

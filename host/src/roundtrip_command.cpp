@@ -1,0 +1,213 @@
+#include <rapidjson/document.h>
+#include <rapidjson/prettywriter.h>
+#include <rapidjson/stringbuffer.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <iomanip>
+#include <iostream>
+#include <memory>
+#include <sstream>
+
+#include "commands.hpp"
+#include "input.hpp"
+#include "setup.hpp"
+#include "yfw/error.hpp"
+#include "yfw/roundtrip.hpp"
+
+namespace ymap {
+namespace {
+
+constexpr const char *about_roundtrip =
+    "Trees of one leaf go through the mapping and an embedded device that is empty. The laws:\n"
+    "  set-get        what is set reads back the same\n"
+    "  delete-get     what is deleted reads as absent, or as its default\n"
+    "  absent-get     so does what was never set, where another leaf is\n"
+    "  native-stable  native data, given to a client and set as it was read, is the same again, and all that the\n"
+    "                 client gets are values of its model\n"
+    "  read-answered  a read asks for no native node that replies pass over\n"
+    "What is refused with an error is no loss: somebody is told. Losses that were reviewed stand in a file, one a\n"
+    "line with its reason (docs/known-losses.md); any other, and one that no longer happens, is a failure.\n\n"
+    "Examples:\n"
+    "  ymap roundtrip\n"
+    "  ymap roundtrip --allow mapping/ethernet/known-losses --format json";
+
+enum class roundtrip_format { text, json };
+
+struct roundtrip_options {
+  setup_options setup;
+  std::string allow;  // empty: the file beside the plug-in, if there is one
+  roundtrip_format format = roundtrip_format::text;
+};
+
+// What was found, beside what is known.
+struct roundtrip_view {
+  const yfw::roundtrip &found;
+  std::vector<const yfw::broken_law *> known, unknown;
+  std::vector<const yfw::known_loss *> stale;
+};
+
+roundtrip_view compare(const yfw::roundtrip &found, const std::vector<yfw::known_loss> &losses) {
+  roundtrip_view view{found, {}, {}, {}};
+  for (const yfw::broken_law &each : found.broken) {
+    const bool is_known = std::ranges::any_of(losses, [&](const auto &loss) { return loss.covers(each); });
+    (is_known ? view.known : view.unknown).push_back(&each);
+  }
+  for (const yfw::known_loss &loss : losses) {
+    if (std::ranges::none_of(found.broken, [&](const auto &each) { return loss.covers(each); })) {
+      view.stale.push_back(&loss);
+    }
+  }
+  return view;
+}
+
+size_t count(const std::vector<const yfw::broken_law *> &losses, yfw::law which) {
+  return static_cast<size_t>(std::ranges::count(losses, which, &yfw::broken_law::which));
+}
+
+std::string as_text(const roundtrip_view &view) {
+  std::ostringstream out;
+  out << "law               tried  refused  known losses  broken\n";
+  for (const yfw::law which : yfw::all_laws) {
+    const yfw::law_count &counts = view.found.counts[static_cast<size_t>(which)];
+    out << std::left << std::setw(16) << word(which) << std::right << std::setw(7) << counts.tried << std::setw(9)
+        << counts.refused << std::setw(14) << count(view.known, which) << std::setw(8) << count(view.unknown, which)
+        << '\n';
+  }
+  for (const std::string &leaf : view.found.not_tried) {
+    out << "not tried: " << leaf << '\n';
+  }
+  for (const yfw::broken_law *each : view.unknown) {
+    out << '\n' << word(each->which) << ' ' << each->path;
+    out << (each->value ? " " + yfw::quoted(*each->value) : "") << ": " << each->what << '\n' << each->tree;
+  }
+  return out.str();
+}
+
+class json_report {
+ public:
+  explicit json_report(const roundtrip_view &view) : view_(view) {
+    out_.SetIndent(' ', 2);
+  }
+
+  std::string text() {
+    out_.StartObject();
+    out_.Key("laws");
+    out_.StartObject();
+    for (const yfw::law which : yfw::all_laws) {
+      add_counts(which);
+    }
+    out_.EndObject();
+    add_losses("broken", view_.unknown);
+    add_losses("known", view_.known);
+    out_.Key("stale-lines");
+    out_.StartArray();
+    for (const yfw::known_loss *loss : view_.stale) {
+      out_.Uint(loss->line);
+    }
+    out_.EndArray();
+    out_.Key("not-tried");
+    out_.StartArray();
+    for (const std::string &leaf : view_.found.not_tried) {
+      out_.String(leaf.c_str());
+    }
+    out_.EndArray();
+    out_.EndObject();
+    return std::string(buffer_.GetString(), buffer_.GetSize()) + "\n";
+  }
+
+ private:
+  void member(const char *name, std::string_view value) {
+    out_.Key(name);
+    out_.String(value.data(), static_cast<rapidjson::SizeType>(value.size()));
+  }
+
+  void number(const char *name, size_t value) {
+    out_.Key(name);
+    out_.Uint64(value);
+  }
+
+  void add_counts(yfw::law which) {
+    const yfw::law_count &counts = view_.found.counts[static_cast<size_t>(which)];
+    out_.Key(word(which).data());
+    out_.StartObject();
+    number("tried", counts.tried);
+    number("refused", counts.refused);
+    number("known", count(view_.known, which));
+    number("broken", count(view_.unknown, which));
+    out_.EndObject();
+  }
+
+  void add_losses(const char *name, const std::vector<const yfw::broken_law *> &losses) {
+    out_.Key(name);
+    out_.StartArray();
+    for (const yfw::broken_law *each : losses) {
+      out_.StartObject();
+      member("law", word(each->which));
+      member("path", each->path);
+      if (each->value) {
+        member("value", *each->value);
+      }
+      member("what", each->what);
+      out_.Key("tree");
+      rapidjson::Document tree;
+      tree.Parse(each->tree.data(), each->tree.size()).Accept(out_);
+      out_.EndObject();
+    }
+    out_.EndArray();
+  }
+
+  const roundtrip_view &view_;
+  rapidjson::StringBuffer buffer_;
+  rapidjson::PrettyWriter<rapidjson::StringBuffer> out_{buffer_};
+};
+
+std::string losses_file(const roundtrip_options &options, const yfw::plugin &mapping) {
+  if (!options.allow.empty()) {
+    return options.allow;
+  }
+  std::filesystem::path beside = mapping.library();
+  beside.replace_extension(".known-losses");
+  return std::filesystem::exists(beside) ? beside.string() : "";
+}
+
+void run(const roundtrip_options &options) {
+  setup with(options.setup);
+  const std::string file = losses_file(options, with.plugin());
+  std::vector<yfw::known_loss> losses;
+  if (!file.empty()) {
+    losses = yfw::read_known_losses(read_text(file), display_name(file));
+  }
+  const yfw::roundtrip found = check_roundtrip(with.schema(), with.plugin(), with.trace());
+  const auto is_tried = [](const yfw::law_count &counts) { return counts.tried != 0; };
+  if (std::ranges::none_of(found.counts, is_tried)) {
+    throw yfw::error("nothing was tried: the modules have no leaf that the plug-in serves");
+  }
+  const roundtrip_view view = compare(found, losses);
+  write_result(options.format == roundtrip_format::json ? json_report(view).text() : as_text(view));
+  for (const yfw::known_loss *loss : view.stale) {
+    const yfw::error stale({display_name(file), loss->line, loss->path}, "'" + std::string(word(loss->which)) +
+                                                                             "' with " + yfw::quoted(loss->value) +
+                                                                             " is no loss any more; take the line out");
+    std::cerr << "ymap: " << stale.what() << '\n';
+  }
+  if (!view.unknown.empty() || !view.stale.empty()) {
+    throw failure_reported();
+  }
+}
+
+}  // namespace
+
+void add_roundtrip(CLI::App &app) {
+  CLI::App &command = *app.add_subcommand("roundtrip", "Check that what goes through a mapping comes back.");
+  command.footer(about_roundtrip);
+  const auto options = std::make_shared<roundtrip_options>();
+  add_setup(command, options->setup);
+  command.add_option("--allow", options->allow, "known losses instead of those beside the plug-in")->type_name("FILE");
+  add_choice<roundtrip_format>(command, "--format", "for a reader (default) or for a program",
+                               {{"text", roundtrip_format::text}, {"json", roundtrip_format::json}},
+                               [options](roundtrip_format format) { options->format = format; });
+  command.callback([options] { run(*options); });
+}
+
+}  // namespace ymap

@@ -1,0 +1,76 @@
+#include "terminal.hpp"
+
+#include <unistd.h>
+
+#include <cstdlib>
+#include <iostream>
+
+namespace ymap {
+namespace {
+
+constexpr std::chrono::milliseconds before_the_first{1000};
+constexpr std::chrono::milliseconds between_lines{100};
+constexpr const char *erased_line = "\r\x1b[K";
+
+const char *code(colour in) {
+  switch (in) {
+    case colour::red:
+      return "\x1b[31m";
+    case colour::green:
+      return "\x1b[32m";
+    case colour::yellow:
+      return "\x1b[33m";
+    case colour::cyan:
+      return "\x1b[36m";
+    case colour::bold:
+      return "\x1b[1m";
+    case colour::dim:
+      break;
+  }
+  return "\x1b[2m";
+}
+
+}  // namespace
+
+bool is_terminal(stream to) {
+  return isatty(to == stream::out ? STDOUT_FILENO : STDERR_FILENO) != 0;
+}
+
+bool use_colour(stream to) {
+  const char *refused = std::getenv("NO_COLOR");
+  const char *kind = std::getenv("TERM");
+  const bool is_refused = refused != nullptr && *refused != '\0';
+  const bool is_dumb = kind != nullptr && std::string_view(kind) == "dumb";
+  return is_terminal(to) && !is_refused && !is_dumb;
+}
+
+std::string painted(stream to, colour in, std::string_view text) {
+  return use_colour(to) ? code(in) + std::string(text) + "\x1b[0m" : std::string(text);
+}
+
+progress::progress(std::string what, size_t total)
+    : what_(std::move(what)),
+      total_(total),
+      is_wanted_(is_terminal(stream::err)),
+      next_(clock::now() + before_the_first) {}
+
+progress::~progress() {
+  if (is_shown_) {
+    std::cerr << erased_line << std::flush;
+  }
+}
+
+void progress::advance(size_t done) {
+  if (!is_wanted_ || clock::now() < next_) {
+    return;
+  }
+  next_ = clock::now() + between_lines;
+  is_shown_ = true;
+  std::cerr << erased_line << what_ << ": " << done;
+  if (total_ != 0) {
+    std::cerr << " of " << total_;
+  }
+  std::cerr << std::flush;
+}
+
+}  // namespace ymap

@@ -1,0 +1,424 @@
+// The embedded device: what reads select, what edits change, and what happens to its file.
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <thread>
+
+#include "library.hpp"
+#include "yfw/device.hpp"
+#include "yfw/engine.hpp"
+#include "yfw/writer.hpp"
+
+namespace {
+
+namespace fs = std::filesystem;
+using yfw::call_kind;
+
+constexpr const char *shelved =
+    "<data xmlns=\"urn:ietf:params:xml:ns:netconf:base:1.0\"><library xmlns=\"urn:test:library\">"
+    "<name>Main</name><shelf>1</shelf><shelf>2</shelf>"
+    "<book><title>Emma</title><edition>1</edition><binding>paper</binding><loan><reader>Ann</reader></loan></book>"
+    "<book><title>Ulysses</title><edition>2</edition><binding>cloth</binding></book>"
+    "<visit><minutes>5</minutes></visit><visit><minutes>7</minutes></visit>"
+    "</library></data>";
+
+yfw::device device_of(const std::string &text) {
+  return yfw::device::read(yfw::document::read(text, "device", library()));
+}
+
+// The call on a path with keys; without them when `of_all`.
+yfw::native_call call(call_kind kind, const std::string &path, std::optional<std::string> value = {},
+                      uint32_t operation = YFW_OPERATION_MERGE, bool of_all = false) {
+  yfw::native_call made{kind, yfw::read_instance_path(path, library()), std::move(value), operation, nullptr};
+  for (yfw::path_step &step : made.steps) {
+    of_all ? step.keys.clear() : void();
+  }
+  return made;
+}
+
+const std::string emma = "/library:library/book[title='Emma'][edition='1']";
+const std::string persuasion = "/library:library/book[title='Persuasion'][edition='1']";
+
+// ---- select
+
+struct SelectRow {
+  const char *name;
+  std::string path;
+  bool of_all;
+  std::optional<std::string> value;
+  const char *selected;  // within library
+};
+
+class DeviceSelect : public testing::TestWithParam<SelectRow> {};
+
+TEST_P(DeviceSelect, GivesWhatIsAsked) {
+  const SelectRow &row = GetParam();
+  const yfw::native_call asked = call(call_kind::read, row.path, row.value, YFW_OPERATION_MERGE, row.of_all);
+  std::ostringstream text;
+  write_xml(text, device_of(shelved).select({&asked, 1}), {.pretty = false});
+  const std::string expected = row.selected;
+  EXPECT_EQ(expected.empty() ? "" : "<library xmlns=\"urn:test:library\">" + expected + "</library>", text.str());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, DeviceSelect,
+    testing::Values(
+        SelectRow{"Leaf", "/library:library/name", false, {}, "<name>Main</name>"},
+        SelectRow{"AbsentLeaf", "/library:library/motto", false, {}, ""},
+        SelectRow{"LeafList", "/library:library/shelf", false, {}, "<shelf>1</shelf><shelf>2</shelf>"},
+        SelectRow{"LeafOfEntry",
+                  emma + "/binding",
+                  false,
+                  {},
+                  "<book><title>Emma</title><edition>1</edition><binding>paper</binding></book>"},
+        SelectRow{
+            "AbsentLeafOfEntry", emma + "/pages", false, {}, "<book><title>Emma</title><edition>1</edition></book>"},
+        SelectRow{"AbsentEntry", persuasion + "/binding", false, {}, ""},
+        SelectRow{"LeafOfAllEntries",
+                  emma + "/binding",
+                  true,
+                  {},
+                  "<book><title>Emma</title><edition>1</edition><binding>paper</binding></book>"
+                  "<book><title>Ulysses</title><edition>2</edition><binding>cloth</binding></book>"},
+        SelectRow{"KeyWithValue", emma + "/title", true, "Ulysses",
+                  "<book><title>Ulysses</title><edition>2</edition></book>"},
+        SelectRow{"Container",
+                  emma + "/loan",
+                  false,
+                  {},
+                  "<book><title>Emma</title><edition>1</edition><loan><reader>Ann</reader></loan></book>"},
+        SelectRow{"ListWithoutKeys",
+                  "/library:library/visit/minutes",
+                  false,
+                  {},
+                  "<visit><minutes>5</minutes></visit><visit><minutes>7</minutes></visit>"}),
+    [](const auto &each) { return std::string(each.param.name); });
+
+TEST(DeviceSelect, GivesEachNodeOnce) {
+  const yfw::native_call asked[] = {call(call_kind::read, emma + "/binding"), call(call_kind::read, emma + "/binding"),
+                                    call(call_kind::read, emma + "/loan/reader")};
+  std::ostringstream text;
+  write_xml(text, device_of(shelved).select(asked), {.pretty = false});
+  EXPECT_EQ(
+      "<library xmlns=\"urn:test:library\"><book><title>Emma</title><edition>1</edition><binding>paper</binding>"
+      "<loan><reader>Ann</reader></loan></book></library>",
+      text.str());
+}
+
+// ---- apply
+
+std::string words(const std::vector<yfw::device_change> &changes) {
+  std::string text;
+  for (const yfw::device_change &change : changes) {
+    text += change.path + ": " + change.before.value_or("none") + " -> " + change.after.value_or("none") + "\n";
+  }
+  return text;
+}
+
+struct EditRow {
+  const char *name;
+  call_kind kind;
+  uint32_t operation;
+  std::string path;
+  std::optional<std::string> value;
+  const char *result;  // changes, or the error's tag
+};
+
+class DeviceEdit : public testing::TestWithParam<EditRow> {};
+
+TEST_P(DeviceEdit, ChangesWhatItSays) {
+  const EditRow &row = GetParam();
+  yfw::device device = device_of(shelved);
+  const std::string before = device.text();
+  std::string result;
+  try {
+    yfw::device_edit edit(device);
+    edit.apply(call(row.kind, row.path, row.value, row.operation));
+    result = words(edit.changes());
+    EXPECT_EQ(before, device.text()) << "changed before it is committed";
+    edit.commit();
+  } catch (const yfw::rpc_error &fault) {
+    result = word(fault.tag());
+  }
+  EXPECT_EQ(row.result, result);
+  EXPECT_EQ(result.find("->") != std::string::npos, before != device.text());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, DeviceEdit,
+    testing::Values(
+        EditRow{"MergeChanges", call_kind::set, YFW_OPERATION_MERGE, emma + "/binding", "cloth",
+                "/library/book[title='Emma'][edition='1']/binding: paper -> cloth\n"},
+        EditRow{"MergeSame", call_kind::set, YFW_OPERATION_MERGE, emma + "/binding", "paper", ""},
+        EditRow{"MergeMakesEntry", call_kind::set, YFW_OPERATION_MERGE, persuasion + "/loan/reader", "Bo",
+                "/library/book[title='Persuasion'][edition='1']: none -> \n"
+                "/library/book[title='Persuasion'][edition='1']/loan/reader: none -> Bo\n"},
+        EditRow{"ReplaceChanges", call_kind::set, YFW_OPERATION_REPLACE, "/library:library/name", "Annex",
+                "/library/name: Main -> Annex\n"},
+        EditRow{"CreateAbsent", call_kind::set, YFW_OPERATION_CREATE, "/library:library/motto", "Read",
+                "/library/motto: none -> Read\n"},
+        EditRow{"CreatePresent", call_kind::set, YFW_OPERATION_CREATE, "/library:library/name", "Main", "data-exists"},
+        EditRow{"AddsToLeafList", call_kind::set, YFW_OPERATION_MERGE, "/library:library/shelf", "3",
+                "/library/shelf[.='3']: none -> 3\n"},
+        EditRow{"DeletePresent",
+                call_kind::remove,
+                YFW_OPERATION_DELETE,
+                emma + "/binding",
+                {},
+                "/library/book[title='Emma'][edition='1']/binding: paper -> none\n"},
+        EditRow{"DeleteAbsent", call_kind::remove, YFW_OPERATION_DELETE, "/library:library/motto", {}, "data-missing"},
+        EditRow{"DeleteInAbsentEntry",
+                call_kind::remove,
+                YFW_OPERATION_DELETE,
+                persuasion + "/binding",
+                {},
+                "data-missing"},
+        EditRow{"RemoveAbsent", call_kind::remove, YFW_OPERATION_REMOVE, "/library:library/motto", {}, ""},
+        EditRow{
+            "RemoveInAbsentEntryMakesNone", call_kind::remove, YFW_OPERATION_REMOVE, persuasion + "/binding", {}, ""},
+        EditRow{"RemoveEntry",
+                call_kind::remove,
+                YFW_OPERATION_REMOVE,
+                emma,
+                {},
+                "/library/book[title='Emma'][edition='1']:  -> none\n"
+                "/library/book[title='Emma'][edition='1']/binding: paper -> none\n"
+                "/library/book[title='Emma'][edition='1']/loan/reader: Ann -> none\n"},
+        EditRow{"RemoveLeafList",
+                call_kind::remove,
+                YFW_OPERATION_REMOVE,
+                "/library:library/shelf",
+                {},
+                "/library/shelf[.='1']: 1 -> none\n/library/shelf[.='2']: 2 -> none\n"},
+        EditRow{"BadValue", call_kind::set, YFW_OPERATION_MERGE, emma + "/binding", "wood", "operation-failed"},
+        EditRow{"Key", call_kind::remove, YFW_OPERATION_REMOVE, emma + "/title", {}, "operation-failed"},
+        EditRow{"State", call_kind::set, YFW_OPERATION_MERGE, "/library:library/visit/minutes", "9",
+                "operation-not-supported"}),
+    [](const auto &each) { return std::string(each.param.name); });
+
+TEST(DeviceEdit, RefusesAPathWithoutKeys) {
+  yfw::device device = device_of(shelved);
+  yfw::device_edit edit(device);
+  EXPECT_EQ("'/library/book/binding' lacks a key of 'book'", thrown_by([&] {
+              edit.apply(call(call_kind::set, emma + "/binding", "cloth", YFW_OPERATION_MERGE, true));
+            }));
+}
+
+TEST(DeviceEdit, LeavesAnEntryWithItsKeysAndNoEmptyContainer) {
+  yfw::device device = device_of(shelved);
+  yfw::device_edit edit(device);
+  edit.apply(call(call_kind::remove, emma + "/binding", {}, YFW_OPERATION_DELETE));
+  edit.apply(call(call_kind::remove, emma + "/loan/reader", {}, YFW_OPERATION_DELETE));
+  edit.commit();
+  const std::string text = device.text();
+  EXPECT_NE(std::string::npos, text.find("<title>Emma</title>"));
+  EXPECT_EQ(std::string::npos, text.find("<loan"));
+}
+
+TEST(DeviceEdit, TellsTheNetEffect) {
+  yfw::device device = device_of(shelved);
+  yfw::device_edit edit(device);
+  edit.apply(call(call_kind::remove, "/library:library/name", {}, YFW_OPERATION_DELETE));
+  edit.apply(call(call_kind::set, "/library:library/name", "Annex"));
+  edit.apply(call(call_kind::set, "/library:library/motto", "Read"));
+  edit.apply(call(call_kind::remove, "/library:library/motto", {}, YFW_OPERATION_DELETE));
+  EXPECT_EQ("/library/name: Main -> Annex\n", words(edit.changes()));
+}
+
+// ---- what a device is read from and written as
+
+struct TextRow {
+  const char *name, *text, *written;
+};
+
+class DeviceText : public testing::TestWithParam<TextRow> {};
+
+TEST_P(DeviceText, IsWrittenAsItWasRead) {
+  EXPECT_EQ(GetParam().written, device_of(GetParam().text).text());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, DeviceText,
+    testing::Values(
+        TextRow{"Reply",
+                "<rpc-reply xmlns=\"urn:ietf:params:xml:ns:netconf:base:1.0\" message-id=\"7\"><data/></rpc-reply>",
+                "<rpc-reply xmlns=\"urn:ietf:params:xml:ns:netconf:base:1.0\" message-id=\"7\">\n"
+                "  <data>\n  </data>\n</rpc-reply>\n"},
+        TextRow{"BareWithForeignIdentity",
+                "<library xmlns=\"urn:test:library\" xmlns:s=\"urn:test:shop\"><book><title>A</title>"
+                "<edition>1</edition><genre>s:crime</genre></book></library>",
+                "<library xmlns=\"urn:test:library\">\n  <book>\n    <title>A</title>\n    <edition>1</edition>\n"
+                "    <genre xmlns:shop=\"urn:test:shop\">shop:crime</genre>\n  </book>\n</library>\n"},
+        TextRow{"UnknownXml", "<library xmlns=\"urn:test:library\"><pond>deep</pond><pond/></library>",
+                "<library xmlns=\"urn:test:library\">\n  <pond>deep</pond>\n  <pond/>\n</library>\n"},
+        TextRow{
+            "Json", R"({"library:library":{"shelf":[1],"closed":[null],"book":[{"title":"A","edition":1}]}})",
+            "{\n  \"library:library\": {\n    \"shelf\": [\n      1\n    ],\n    \"closed\": [null],\n"
+            "    \"book\": [\n      {\n        \"title\": \"A\",\n        \"edition\": 1\n      }\n    ]\n  }\n}\n"}),
+    [](const auto &each) { return std::string(each.param.name); });
+
+class DeviceRefused : public testing::TestWithParam<TextRow> {};
+
+TEST_P(DeviceRefused, SaysWhy) {
+  EXPECT_EQ(GetParam().written, thrown_by([] { (void)device_of(GetParam().text).text(); }));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, DeviceRefused,
+    testing::Values(
+        TextRow{"Twice", "<library xmlns=\"urn:test:library\"><name>A</name>\n<name>B</name></library>",
+                "device:2: /library/name: 'name' appears twice"},
+        TextRow{"EntryTwice", R"({"library:library":{"book":[{"title":"A","edition":1},{"title":"A","edition":1}]}})",
+                "device:1: /library/book[title=\"A\"][edition=\"1\"]: 'book' appears twice"},
+        TextRow{"WithoutKey", R"({"library:library":{"book":[{"title":"A"}]}})",
+                "device:1: /library/book[title=\"A\"]: list entry without its key 'edition'"},
+        TextRow{"Operation",
+                "<library xmlns=\"urn:test:library\" xmlns:nc=\"urn:ietf:params:xml:ns:netconf:base:1.0\" "
+                "nc:operation=\"merge\"/>",
+                "device:1: /library: a device's data has no operation"},
+        TextRow{"Message", "<get xmlns=\"urn:ietf:params:xml:ns:netconf:base:1.0\"/>",
+                "device:1: /get: 'get' is not native data; 'data' with native data is"},
+        TextRow{"UnknownJson", R"({"library:library":{"pond":5}})",
+                "device:1: /library/pond: the modules do not know it, so that it could not be written back as it is"},
+        TextRow{"UnknownPrefixedValue",
+                "<library xmlns=\"urn:test:library\" xmlns:s=\"urn:test:shop\"><pond>s:deep</pond></library>",
+                "device:1: /library/pond: 's:deep' could not be written back with its prefix"}),
+    [](const auto &each) { return std::string(each.param.name); });
+
+// ---- the file
+
+class DeviceFile : public testing::Test {
+ protected:
+  void SetUp() override {
+    std::string name = testing::TempDir() + "ymap-device-XXXXXX";
+    ASSERT_NE(nullptr, ::mkdtemp(name.data()));
+    directory_ = name;
+    file_ = directory_ / "device.xml";
+    write(shelved);
+  }
+  void TearDown() override {
+    fs::remove_all(directory_);
+  }
+
+  void write(const std::string &text) const {
+    std::ofstream(file_) << text;
+  }
+  std::string text() const {
+    std::ifstream in(file_);
+    return {std::istreambuf_iterator<char>(in), {}};
+  }
+  static void set(const fs::path &file, const std::string &path, const std::string &value) {
+    yfw::device_file device(file, library(), yfw::device_file::use::edit);
+    yfw::device_edit edit(device.content());
+    edit.apply(call(call_kind::set, path, value));
+    edit.commit();
+    device.save();
+  }
+
+  fs::path directory_, file_;
+};
+
+TEST_F(DeviceFile, KeepsPermissionsAndLinks) {
+  const fs::path link = directory_ / "link";
+  fs::create_symlink("device.xml", link);
+  ASSERT_EQ(0, ::chmod(file_.c_str(), 0640));
+  set(link, "/library:library/name", "Annex");
+  EXPECT_TRUE(fs::is_symlink(link));
+  EXPECT_EQ(fs::perms(0640), fs::status(file_).permissions());
+  EXPECT_NE(std::string::npos, text().find("<name>Annex</name>"));
+  EXPECT_TRUE(fs::exists(directory_ / "device.xml.lock")) << "one lock, whatever name the file goes by";
+}
+
+TEST_F(DeviceFile, StaysWhenItCannotBeParsed) {
+  write("<data>torn");
+  EXPECT_NE("", thrown_by([&] { set(file_, "/library:library/name", "Annex"); }));
+  EXPECT_EQ("<data>torn", text());
+}
+
+TEST_F(DeviceFile, IsNotMadeWhenMissing) {
+  fs::remove(file_);
+  EXPECT_NE(std::string::npos, thrown_by([&] { set(file_, "/library:library/name", "Annex"); }).find("no such device"));
+  EXPECT_FALSE(fs::exists(file_));
+}
+
+TEST_F(DeviceFile, StaysWhenItsNewTextCannotBeWritten) {
+  if (::geteuid() == 0) {
+    // Root may write anywhere; a file that stands in the way of nothing else is data that cannot be written back.
+    write("<library xmlns=\"urn:test:library\" xmlns:s=\"urn:test:shop\"><pond>s:deep</pond></library>");
+  } else {
+    ASSERT_EQ(0, ::chmod(directory_.c_str(), 0500));
+  }
+  const std::string before = text();
+  EXPECT_NE("", thrown_by([&] { set(file_, "/library:library/name", "Annex"); }));
+  EXPECT_EQ(before, text());
+  ASSERT_EQ(0, ::chmod(directory_.c_str(), 0700));
+}
+
+TEST_F(DeviceFile, LosesNoEditOfTwoWriters) {
+  constexpr int edits = 50;
+  pid_t writers[2] = {};
+  for (const int writer : {0, 1}) {
+    writers[writer] = ::fork();
+    if (writers[writer] == 0) {
+      const std::string title(1, static_cast<char>('A' + writer));
+      const std::string failure = thrown_by([&] {
+        for (int i = 0; i < edits; ++i) {
+          set(file_, "/library:library/book[title='" + title + std::to_string(i) + "'][edition='1']/binding", "cloth");
+        }
+      });
+      ::_exit(failure.empty() ? 0 : 1);
+    }
+  }
+  for (const pid_t writer : writers) {
+    int status = -1;
+    ASSERT_EQ(writer, ::waitpid(writer, &status, 0));
+    EXPECT_EQ(0, status);
+  }
+  const std::string all = text();
+  for (int i = 0; i < edits; ++i) {
+    EXPECT_NE(std::string::npos, all.find("<title>A" + std::to_string(i) + "</title>"));
+    EXPECT_NE(std::string::npos, all.find("<title>B" + std::to_string(i) + "</title>"));
+  }
+}
+
+// The writer counts up, so that the file tells an acknowledged edit from a lost one.
+TEST_F(DeviceFile, IsWholeAndCurrentWheneverTheWriterIsKilled) {
+  int acknowledged[2] = {};
+  ASSERT_EQ(0, ::pipe(acknowledged));
+  int last = 0;
+  for (int round = 0; round < 20; ++round) {
+    const pid_t writer = ::fork();
+    if (writer == 0) {
+      for (int i = last + 1;; ++i) {
+        set(file_, "/library:library/motto", std::to_string(i));
+        (void)!::write(acknowledged[1], &i, sizeof i);
+      }
+    }
+    ASSERT_EQ(static_cast<ssize_t>(sizeof last), ::read(acknowledged[0], &last, sizeof last));
+    std::this_thread::sleep_for(std::chrono::microseconds(700 * round));
+    ::kill(writer, SIGKILL);
+    ::waitpid(writer, nullptr, 0);
+    const int mark = -1;
+    ASSERT_EQ(static_cast<ssize_t>(sizeof mark), ::write(acknowledged[1], &mark, sizeof mark));
+    for (int next = last; next != mark;) {
+      last = next;
+      ASSERT_EQ(static_cast<ssize_t>(sizeof next), ::read(acknowledged[0], &next, sizeof next));
+    }
+    const yfw::native_call asked = call(call_kind::read, "/library:library/motto");
+    std::string kept;
+    EXPECT_EQ("", thrown_by([&] {
+                yfw::device_file device(file_, library(), yfw::device_file::use::read);
+                kept = *device.content().select({&asked, 1}).first()->first_child->value;
+              }));
+    EXPECT_TRUE(kept == std::to_string(last) || kept == std::to_string(last + 1)) << kept << " after " << last;
+    last = std::stoi(kept);
+  }
+}
+
+}  // namespace

@@ -1,0 +1,316 @@
+// The whole way with the Ethernet mapping: what clients get, and what RFC 6241 says of their edits.
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "yfw/engine.hpp"
+#include "yfw/writer.hpp"
+
+namespace {
+
+const yfw::schema &modules() {
+  static const yfw::schema schema = yfw::schema::load({YMAP_TEST_YANG});
+  return schema;
+}
+
+const yfw::plugin &mapping() {
+  static const yfw::plugin plugin = yfw::plugin::load(YMAP_TEST_PLUGIN);
+  return plugin;
+}
+
+// OpenConfig can tell the flow control "bidirectional", but not "ingress".
+yfw::device ports(const std::string &flow_control = "ingress") {
+  return yfw::device::read(yfw::document::read(
+      R"({"Zemlo-QUARN-interface-cfg:interface-configurations": {"interface-configuration": [
+            {"interface-name": "Gi1", "Zemlo-QUARN-mdrv-lib-cfg:mac-addr": "02:00:00:00:00:01",
+             "Zemlo-QUARN-drivers-media-eth-cfg:ethernet": {"duplex": "full", "speed": "100"}},
+            {"interface-name": "Gi2", "Zemlo-QUARN-drivers-media-eth-cfg:ethernet":
+              {"duplex": "half", "auto-negotiation": "override", "flow-control": ")" +
+          flow_control + R"("}}]}})",
+      "ports", modules()));
+}
+
+std::string config_of(const std::string &interface, const std::string &leaves) {
+  return "<interface><name>" + interface +
+         "</name><ethernet xmlns=\"http://openconfig.net/yang/interfaces/ethernet\">" + "<config>" + leaves +
+         "</config></ethernet></interface>";
+}
+
+std::string message(const std::string &parameters, const std::string &interfaces) {
+  return "<edit-config xmlns=\"urn:ietf:params:xml:ns:netconf:base:1.0\" "
+         "xmlns:nc=\"urn:ietf:params:xml:ns:netconf:base:1.0\">" +
+         parameters + "<config><interfaces xmlns=\"http://openconfig.net/yang/interfaces\">" + interfaces +
+         "</interfaces></config></edit-config>";
+}
+
+// ---- edits
+
+struct EngineEditRow {
+  const char *name;
+  std::string edit;
+  const char *result;  // "last path name: before -> after" of each change, or the tag and what the error says
+};
+
+class EngineEdit : public testing::TestWithParam<EngineEditRow> {};
+
+std::string words(const yfw::device_change &change) {
+  return change.path.substr(change.path.rfind('/') + 1) + ": " + change.before.value_or("none") + " -> " +
+         change.after.value_or("none") + "; ";
+}
+
+TEST_P(EngineEdit, DoesWhatTheClientSays) {
+  yfw::device device = ports();
+  const std::string before = device.text();
+  yfw::trace_log log;
+  std::string result;
+  try {
+    yfw::document request = yfw::document::read(GetParam().edit, "", modules());
+    const auto client = read_client_request(request, yfw::client_operation::edit);
+    for (const yfw::device_change &change : yfw::engine(mapping(), log).edit(device, request, client).changes) {
+      result += words(change);
+    }
+  } catch (const yfw::rpc_error &fault) {
+    result = std::string(word(fault.tag())) + " " + fault.bad_element() + "|" + fault.text();
+    EXPECT_EQ(before, device.text()) << "changed by an edit that failed";
+  }
+  EXPECT_EQ(GetParam().result, result);
+}
+
+constexpr const char *none = "<default-operation>none</default-operation>";
+
+INSTANTIATE_TEST_SUITE_P(
+    Effects, EngineEdit,
+    testing::Values(
+        EngineEditRow{"Merge", message("", config_of("Gi1", "<port-speed>SPEED_1GB</port-speed>")),
+                      "speed: 100 -> 1000; "},
+        EngineEditRow{"MergeMakesInterface", message("", config_of("Gi3", "<duplex-mode>HALF</duplex-mode>")),
+                      "interface-configuration[interface-name='Gi3']: none -> ; duplex: none -> half; "},
+        // Natively this is a strict delete of what is not there.
+        EngineEditRow{"MergeOfAbsence",
+                      message("", config_of("Gi1", "<enable-flow-control>false</enable-flow-control>")), ""},
+        // Natively this is a strict create of what is there.
+        EngineEditRow{"RemoveOfDefault", message("", config_of("Gi2", "<auto-negotiate nc:operation='remove'/>")), ""},
+        EngineEditRow{"Create",
+                      message("", config_of("Gi1",
+                                            "<enable-flow-control nc:operation='create'>true"
+                                            "</enable-flow-control>")),
+                      "flow-control: none -> bidirectional; "},
+        EngineEditRow{"Delete", message("", config_of("Gi1", "<port-speed nc:operation='delete'/>")),
+                      "speed: 100 -> none; "},
+        EngineEditRow{"RemoveAbsent", message("", config_of("Gi9", "<port-speed nc:operation='remove'/>")), ""},
+        EngineEditRow{"ReplaceOfContainer",
+                      "<data xmlns='urn:ietf:params:xml:ns:netconf:base:1.0' "
+                      "xmlns:nc='urn:ietf:params:xml:ns:netconf:base:1.0'><interfaces "
+                      "xmlns='http://openconfig.net/yang/interfaces'><interface><name>Gi1</name><ethernet "
+                      "xmlns='http://openconfig.net/yang/interfaces/ethernet'><config nc:operation='replace'>"
+                      "<auto-negotiate>false</auto-negotiate><duplex-mode>HALF</duplex-mode></config></ethernet>"
+                      "</interface></interfaces></data>",
+                      "mac-addr: 02:00:00:00:00:01 -> none; duplex: full -> half; speed: 100 -> none; "},
+        EngineEditRow{"DefaultNone",
+                      message(none, config_of("Gi1",
+                                              "<duplex-mode>HALF</duplex-mode>"
+                                              "<port-speed nc:operation='merge'>SPEED_1GB"
+                                              "</port-speed>")),
+                      "speed: 100 -> 1000; "},
+        EngineEditRow{"CreateInterface", message("", "<interface nc:operation='create'><name>Gi3</name></interface>"),
+                      "interface-configuration[interface-name='Gi3']: none -> ; auto-negotiation: none -> override; "}),
+    [](const auto &each) { return std::string(each.param.name); });
+
+INSTANTIATE_TEST_SUITE_P(
+    Errors, EngineEdit,
+    testing::Values(
+        EngineEditRow{"CreatePresent",
+                      message("", config_of("Gi1", "<duplex-mode nc:operation='create'>FULL</duplex-mode>")),
+                      "data-exists |cannot be created: it is there already"},
+        // The device has no item for it, and reads as "false".
+        EngineEditRow{"CreateOfWhatReadsAsPresent",
+                      message("", config_of("Gi1", "<auto-negotiate nc:operation='create'>true</auto-negotiate>")),
+                      "data-exists |cannot be created: it is there already"},
+        EngineEditRow{"CreateInterfacePresent",
+                      message("", "<interface nc:operation='create'><name>Gi1</name></interface>"),
+                      "data-exists |cannot be created: it is there already"},
+        EngineEditRow{"DeleteAbsent", message("", config_of("Gi1", "<enable-flow-control nc:operation='delete'/>")),
+                      "data-missing |cannot be deleted: it is not there; 'remove' would not mind"},
+        // The item "override" reads as the leaf's default, which is its absence.
+        EngineEditRow{"DeleteOfWhatReadsAsAbsent",
+                      message("", config_of("Gi2", "<auto-negotiate nc:operation='delete'/>")),
+                      "data-missing |cannot be deleted: it is not there; 'remove' would not mind"},
+        EngineEditRow{"NoneInAbsentInterface",
+                      message(none, config_of("Gi9", "<port-speed nc:operation='merge'>SPEED_1GB</port-speed>")),
+                      "data-missing |is not there, and default-operation 'none' does not make it"},
+        // The first leaf is good: the edit is whole or nothing.
+        EngineEditRow{
+            "NotInYang",
+            message("", config_of("Gi1", "<duplex-mode>HALF</duplex-mode><port-speed>SPEED_3MB</port-speed>")),
+            "invalid-value |'SPEED_3MB' is not one of its values, which are 'SPEED_10MB', 'SPEED_100MB', "
+            "'SPEED_1GB', 'SPEED_2500MB', 'SPEED_5GB', 'SPEED_10GB', 'SPEED_25GB', 'SPEED_40GB', "
+            "'SPEED_50GB', 'SPEED_100GB', 'SPEED_200GB', 'SPEED_400GB', 'SPEED_UNKNOWN'"},
+        EngineEditRow{
+            "NotInMapping",
+            message("", config_of("Gi1", "<duplex-mode>HALF</duplex-mode><port-speed>SPEED_5GB</port-speed>")),
+            "invalid-value |'SPEED_5GB' has no native counterpart; mapped are 'SPEED_10MB', 'SPEED_100MB', "
+            "'SPEED_1GB'"},
+        EngineEditRow{
+            "UnknownElement", message("", config_of("Gi1", "<duplex>HALF</duplex>")),
+            "unknown-element duplex|'duplex' of namespace 'http://openconfig.net/yang/interfaces/ethernet' is "
+            "not a child of '/interfaces/interface/ethernet/config'"},
+        EngineEditRow{"UnknownNamespace", message("", "<interface><name>Gi1</name><x xmlns='urn:x'/></interface>"),
+                      "unknown-namespace x|'x' of namespace 'urn:x' is not a child of '/interfaces/interface'"},
+        EngineEditRow{"MissingKey", message("", "<interface/>"),
+                      "missing-element name|has no key 'name', which an edit needs"},
+        EngineEditRow{"Twice",
+                      message("", config_of("Gi1", "<duplex-mode>HALF</duplex-mode><duplex-mode>FULL</duplex-mode>")),
+                      "bad-element duplex-mode|'duplex-mode' appears twice"},
+        EngineEditRow{"NotMapped",
+                      message("", config_of("Gi1",
+                                            "<aggregate-id xmlns='http://openconfig.net/yang/"
+                                            "interfaces/aggregate'>Ae1</aggregate-id>")),
+                      "operation-not-supported |is not mapped: it has no native counterpart"},
+        EngineEditRow{"DeleteInterface", message("", "<interface nc:operation='delete'><name>Gi1</name></interface>"),
+                      "operation-not-supported |no plug-in can carry out operation 'delete' on it; give the operation "
+                      "on a mapped node below it"},
+        EngineEditRow{"ContinueOnError",
+                      message("<error-option>continue-on-error</error-option>", config_of("Gi1", "")),
+                      "operation-not-supported |error-option 'continue-on-error' is not supported: an edit is done "
+                      "whole or not at all, as 'rollback-on-error' says"}),
+    [](const auto &each) { return std::string(each.param.name); });
+
+TEST(EngineEdit, ChangesNothingWithTestOnly) {
+  yfw::device device = ports();
+  const std::string before = device.text();
+  yfw::trace_log log;
+  yfw::document request = yfw::document::read(
+      message("<test-option>test-only</test-option>", config_of("Gi1", "<duplex-mode>HALF</duplex-mode>")), "",
+      modules());
+  const auto client = read_client_request(request, yfw::client_operation::edit);
+  EXPECT_EQ(1U, yfw::engine(mapping(), log).edit(device, request, client).changes.size());
+  EXPECT_EQ(before, device.text());
+}
+
+// ---- reads
+
+std::string compact(const yfw::data_tree &tree) {
+  std::ostringstream text;
+  write_json(text, tree, {.pretty = false});
+  return text.str();
+}
+
+struct EngineGetRow {
+  const char *name, *filter, *answer;  // JSON: the interfaces that are asked for, and that are found
+};
+
+class EngineGet : public testing::TestWithParam<EngineGetRow> {};
+
+TEST_P(EngineGet, AnswersWhatIsAskedAndNoMore) {
+  yfw::trace_log log;
+  const std::string filter =
+      "{\"openconfig-interfaces:interfaces\":{\"interface\":" + std::string(GetParam().filter) + "}}";
+  yfw::document request = yfw::document::read(filter, "filter", modules());
+  const auto client = read_client_request(request, yfw::client_operation::get);
+  const yfw::reply answer = yfw::engine(mapping(), log).get(ports(), request, client, yfw::content::all);
+  const std::string found = GetParam().answer;
+  EXPECT_EQ(found.empty() ? "{}" : "{\"openconfig-interfaces:interfaces\":{\"interface\":" + found + "}}",
+            compact(answer.data));
+  EXPECT_TRUE(answer.notes.empty()) << answer.notes.front();
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, EngineGet,
+    testing::Values(
+        // Flow control is not asked of the device: it could not be told.
+        EngineGetRow{"OneLeaf", R"([{"openconfig-if-ethernet:ethernet":{"config":{"duplex-mode":null}}}])",
+                     R"([{"name":"Gi1","openconfig-if-ethernet:ethernet":{"config":{"duplex-mode":"FULL"}}},)"
+                     R"({"name":"Gi2","openconfig-if-ethernet:ethernet":{"config":{"duplex-mode":"HALF"}}}])"},
+        EngineGetRow{"OfOneEntry",
+                     R"([{"name":"Gi2","openconfig-if-ethernet:ethernet":{"config":{"duplex-mode":null}}}])",
+                     R"([{"name":"Gi2","openconfig-if-ethernet:ethernet":{"config":{"duplex-mode":"HALF"}}}])"},
+        EngineGetRow{"OfTwoEntries",
+                     R"([{"name":"Gi2","openconfig-if-ethernet:ethernet":{"config":{"duplex-mode":null}}},)"
+                     R"({"name":"Gi1","openconfig-if-ethernet:ethernet":{"config":{"port-speed":null}}}])",
+                     R"([{"name":"Gi2","openconfig-if-ethernet:ethernet":{"config":{"duplex-mode":"HALF"}}},)"
+                     R"({"name":"Gi1","openconfig-if-ethernet:ethernet":{"config":{"port-speed":"SPEED_100MB"}}}])"},
+        EngineGetRow{"AbsentLeafOfMatchedEntry",
+                     R"([{"name":"Gi2","openconfig-if-ethernet:ethernet":{"config":{"port-speed":null}}}])",
+                     R"([{"name":"Gi2"}])"},
+        EngineGetRow{"AbsentEntry", R"([{"name":"Gi9"}])", ""},
+        EngineGetRow{"Keys", R"([{"name":null}])", R"([{"name":"Gi1"},{"name":"Gi2"}])"},
+        EngineGetRow{"ByValue",
+                     R"([{"openconfig-if-ethernet:ethernet":{"config":{"duplex-mode":"FULL","port-speed":null}}}])",
+                     R"([{"name":"Gi1","openconfig-if-ethernet:ethernet":)"
+                     R"({"config":{"duplex-mode":"FULL","port-speed":"SPEED_100MB"}}}])"},
+        EngineGetRow{"WholeByKey", R"([{"name":"Gi1"}])",
+                     R"([{"name":"Gi1","openconfig-if-ethernet:ethernet":{"config":{"mac-address":"02:00:00:00:00:01",)"
+                     R"("duplex-mode":"FULL","port-speed":"SPEED_100MB","auto-negotiate":false},)"
+                     R"("state":{"mac-address":"02:00:00:00:00:01","duplex-mode":"FULL","port-speed":"SPEED_100MB",)"
+                     R"("auto-negotiate":false}}}])"}),
+    [](const auto &each) { return std::string(each.param.name); });
+
+TEST(EngineGet, FailsForWhatTheDeviceHasAndTheMappingCannotTell) {
+  yfw::trace_log log;
+  try {
+    (void)yfw::engine(mapping(), log)
+        .find(ports(), "/interfaces/interface[name='Gi2']/ethernet/config/enable-flow-control",
+              yfw::client_operation::get, yfw::content::all);
+    FAIL() << "answered";
+  } catch (const yfw::rpc_error &fault) {
+    EXPECT_EQ(yfw::error_tag::operation_failed, fault.tag());
+    EXPECT_STREQ(
+        "ports: /interface-configurations/interface-configuration[interface-name=\"Gi2\"]/ethernet/flow-control: "
+        "Unmappable input value 'ingress'",
+        fault.what());
+  }
+}
+
+struct XpathRow {
+  const char *name, *xpath, *answer;  // JSON, or "tag|text" of the error
+};
+
+class EngineFind : public testing::TestWithParam<XpathRow> {};
+
+TEST_P(EngineFind, SelectsByXpath) {
+  yfw::trace_log log;
+  std::string answer;
+  try {
+    answer = compact(
+        yfw::engine(mapping(), log)
+            .find(ports("bidirectional"), GetParam().xpath, yfw::client_operation::get_config, yfw::content::all)
+            .data);
+  } catch (const yfw::rpc_error &fault) {
+    answer = std::string(word(fault.tag())) + "|" + fault.text();
+  }
+  EXPECT_EQ(GetParam().answer, answer);
+}
+
+#define INTERFACE(text) "{\"openconfig-interfaces:interfaces\":{\"interface\":[" text "]}}"
+#define DUPLEX(name, mode) \
+  "{\"name\":\"" name "\",\"openconfig-if-ethernet:ethernet\":{\"config\":{\"duplex-mode\":\"" mode "\"}}}"
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, EngineFind,
+    testing::Values(
+        XpathRow{"Plain", "/interfaces/interface[name=\"Gi1\"]/ethernet/config/duplex-mode",
+                 INTERFACE(DUPLEX("Gi1", "FULL"))},
+        XpathRow{"PrefixOfModule", "/oc-if:interfaces/oc-if:interface/oc-eth:ethernet/oc-eth:config/oc-eth:duplex-mode",
+                 INTERFACE(DUPLEX("Gi1", "FULL") "," DUPLEX("Gi2", "HALF"))},
+        XpathRow{"ByIdentity", "/interfaces/interface/ethernet/config[port-speed='SPEED_100MB']/duplex-mode",
+                 INTERFACE(DUPLEX("Gi1", "FULL"))},
+        XpathRow{"ByPosition", "/interfaces/interface[2]/name", INTERFACE("{\"name\":\"Gi2\"}")},
+        XpathRow{"OneName", "/interfaces/interface[name='Gi2']/name", INTERFACE("{\"name\":\"Gi2\"}")},
+        XpathRow{"UpAgain", "/interfaces/interface[name='Gi1']/name/../name", INTERFACE("{\"name\":\"Gi1\"}")},
+        XpathRow{"Nothing", "/interfaces/interface[name='Gi9']/ethernet/config", "{}"},
+        XpathRow{"UnknownName", "/interfaces/interfce",
+                 "unknown-element|'/interfaces/interfce' names 'interfce', which is not a child of '/interfaces'; did "
+                 "you mean 'interface'?"},
+        XpathRow{"UnknownPrefix", "/x:interfaces",
+                 "unknown-element|'/x:interfaces' names 'x:interfaces', which is not a top-level node of the modules; "
+                 "that name has another module there"},
+        XpathRow{"Relative", "interfaces", "invalid-value|'interfaces' begins with '/' when it is an absolute path"},
+        XpathRow{"Axis", "/interfaces/child::interface",
+                 "invalid-value|'/interfaces/child::interface' is not an XPath that is supported: the axis 'child'; "
+                 "'/', '//' and '..' are supported"},
+        XpathRow{"OpenQuote", "/interfaces/interface[name='x]",
+                 "invalid-value|'/interfaces/interface[name='x]' is not an XPath that is supported: a quote is not "
+                 "closed"}),
+    [](const auto &each) { return std::string(each.param.name); });
+
+}  // namespace

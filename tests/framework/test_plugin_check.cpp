@@ -1,0 +1,84 @@
+// The reader of libraries, on damaged ones. What it says of whole ones is in the transcripts of the program.
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <random>
+
+#include "elf_file.hpp"
+#include "mapping_name.hpp"
+#include "yfw/error.hpp"
+
+namespace {
+
+std::string library_bytes() {
+  std::ifstream file(YFW_TEST_PLUGIN, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// Reads all that a check reads, and says whether that was possible.
+bool is_readable(const std::string &bytes) {
+  try {
+    const yfw::elf_file library(bytes, "x");
+    return library.dynamic_symbols().size() + library.needed().size() + library.relocated_names().size() +
+               library.referenced_addresses().size() + library.all_symbols()->size() >
+           0;
+  } catch (const yfw::error &) {
+    return false;
+  }
+}
+
+TEST(ElfFile, RefusesWhatIsCutOff) {
+  const std::string bytes = library_bytes();
+  EXPECT_TRUE(is_readable(bytes));
+  for (size_t size = 0; size < bytes.size(); size += 1 + bytes.size() / 200) {
+    EXPECT_FALSE(is_readable(bytes.substr(0, size))) << size;
+  }
+}
+
+// The head, the section headers at the end, and the tables that they lead to.
+TEST(ElfFile, OutlivesDamage) {
+  const std::string good = library_bytes();
+  std::mt19937 random(7);
+  unsigned refused = 0;
+  for (unsigned round = 0; round < 150; ++round) {
+    std::string bytes = good;
+    for (unsigned i = 0; i < 4; ++i) {
+      const size_t at = random() % 2 == 0 ? bytes.size() - 1 - random() % 2000 : random() % 64;
+      bytes[at] = static_cast<char>(random());
+    }
+    refused += is_readable(bytes) ? 0 : 1;
+  }
+  EXPECT_GT(refused, 20U);
+}
+
+struct NameRow {
+  const char *name, *text, *parts;  // "": outside of the scheme
+};
+
+class MappingName : public testing::TestWithParam<NameRow> {};
+
+TEST_P(MappingName, IsTakenApart) {
+  const auto parts = yfw::taken_apart(GetParam().text);
+  const std::string found = !parts ? ""
+                                   : std::string(parts->is_body ? "body of " : "") +
+                                         (parts->dir == yfw::direction::ox ? "ox " : "xo ") + parts->plugin + ' ' +
+                                         parts->module + ' ' + std::string(word(parts->kind)) + ' ' + parts->path;
+  EXPECT_EQ(GetParam().parts, found);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Of, MappingName,
+    testing::Values(NameRow{"Leaf", "ymap_ox_a_b_shop_leaf_lvla_shelf_price", "ox a_b shop leaf shelf_price"},
+                    NameRow{"Body", "__ymap_xo_a_shop_cont_lvla_shelf", "body of xo a shop container shelf"},
+                    NameRow{"ByHand", "ymap_xo_a_shop_man_leaf_lvla_x", "xo a shop leaf by hand x"},
+                    NameRow{"Hook", "ymap_xo_a_shop_lvla_x_y_parse_augments", "xo a shop augment hook x_y"},
+                    NameRow{"Root", "ymap_xo_a_shop_lvla_x", "xo a shop entry point x"},
+                    NameRow{"Augment", "ymap_ox_a_shop_augment_lvla_x", "ox a shop entry point x"},
+                    NameRow{"NoOp", "ymap_ox_a_shop_duck_map_list", "ox a shop no-op list"},
+                    NameRow{"NoModule", "ymap_ox_shop_leaf_lvla_x", ""},
+                    NameRow{"NoDirection", "ymap_oo_a_shop_leaf_lvla_x", ""},
+                    NameRow{"Capital", "ymap_ox_a_shop_leaf_lvla_X", ""},
+                    NameRow{"Defaults", "ymap_xo_a_get_defaults", ""}),
+    [](const auto &row) { return std::string(row.param.name); });
+
+}  // namespace
