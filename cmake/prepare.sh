@@ -30,4 +30,11 @@ build() {
   cmake --build --preset "$1" -- --quiet
 }
 
+# sources PATTERN...: the files with such names, built ones left out.
+sources() {
+  for pattern in "$@"; do
+    find . -path ./build -prune -o -name "$pattern" -print
+  done
+}
+
 install_missing
