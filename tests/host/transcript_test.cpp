@@ -80,12 +80,20 @@ std::vector<std::filesystem::path> transcripts() {
   return files;
 }
 
+// A sanitizer changes what a plug-in's library needs and holds, which is what `ymap check` looks at.
+bool is_about_ordinary_builds(const Step &step) {
+  return step.command.find("ymap check ") != std::string::npos;
+}
+
 class Transcript : public testing::TestWithParam<std::filesystem::path> {};
 
 TEST_P(Transcript, PrintsWhatItSays) {
   const std::vector<Step> steps = steps_of(GetParam());
   ASSERT_FALSE(steps.empty());
   for (const Step &step : steps) {
+    if (YMAP_SANITIZED && is_about_ordinary_builds(step)) {
+      continue;
+    }
     EXPECT_EQ(without_trailing_blank_lines(step.expected), without_trailing_blank_lines(run(step.command)))
         << GetParam().string() << ":" << step.line << ": $ " << step.command;
   }
