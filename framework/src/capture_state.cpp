@@ -121,7 +121,7 @@ std::string capture_state::name_of(const yfw_node_t *node, std::vector<std::stri
   if (const auto found = nodes_.find(node); found != nodes_.end()) {
     return found->second.name;
   }
-  const std::string name = "made" + std::to_string(++made_);
+  std::string name = "made" + std::to_string(++made_);
   add_node(*node, name);
   if (lines != nullptr) {
     lines->push_back(node_line(*node, name));

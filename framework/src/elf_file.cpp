@@ -206,20 +206,21 @@ number_t number_at(std::string_view code, size_t offset) {
 
 // call, jmp and lea with a distance of 32 bits from the end of the instruction. The instructions before are not taken
 // apart, so that a few addresses are found that are none.
-void add_x86_references(std::string_view code, uint64_t address, std::set<uint64_t> &found) {
+void add_x86_references(std::string_view code, uint64_t address, std::multimap<uint64_t, uint64_t> &found) {
   for (size_t i = 0; i + 5 <= code.size(); ++i) {
     const auto byte = static_cast<unsigned char>(code[i]);
     const bool is_branch = byte == 0xe8 || byte == 0xe9;
     const bool is_lea = byte == 0x8d && i + 6 <= code.size() && (code[i + 1] & 0xc7) == 0x05;
     if (is_branch || is_lea) {
       const size_t distance_at = i + (is_lea ? 2 : 1);
-      found.insert(address + distance_at + 4 + static_cast<uint64_t>(int64_t{number_at<int32_t>(code, distance_at)}));
+      const auto distance = static_cast<uint64_t>(int64_t{number_at<int32_t>(code, distance_at)});
+      found.emplace(address + distance_at + 4 + distance, address + i);
     }
   }
 }
 
 // bl and b with a distance of 26 bits in words, and adrp with the add behind it.
-void add_arm_references(std::string_view code, uint64_t address, std::set<uint64_t> &found) {
+void add_arm_references(std::string_view code, uint64_t address, std::multimap<uint64_t, uint64_t> &found) {
   const auto sign_extended = [](uint64_t value, unsigned bits) {
     const uint64_t sign = uint64_t{1} << (bits - 1);
     return (value ^ sign) - sign;
@@ -227,13 +228,13 @@ void add_arm_references(std::string_view code, uint64_t address, std::set<uint64
   for (size_t i = 0; i + 4 <= code.size(); i += 4) {
     const auto word = number_at<uint32_t>(code, i);
     if ((word & 0x7c000000U) == 0x14000000U) {
-      found.insert(address + i + sign_extended(word & 0x03ffffffU, 26) * 4);
+      found.emplace(address + i + sign_extended(word & 0x03ffffffU, 26) * 4, address + i);
     } else if ((word & 0x9f000000U) == 0x90000000U && i + 8 <= code.size()) {
       const auto next = number_at<uint32_t>(code, i + 4);
       const uint64_t pages = sign_extended((word >> 5U & 0x7ffffU) << 2U | (word >> 29U & 3U), 21);
       const uint64_t page = ((address + i) & ~uint64_t{0xfff}) + pages * 4096;
       if ((next & 0xffc00000U) == 0x91000000U) {
-        found.insert(page + (next >> 10U & 0xfffU));
+        found.emplace(page + (next >> 10U & 0xfffU), address + i);
       }
     }
   }
@@ -241,8 +242,8 @@ void add_arm_references(std::string_view code, uint64_t address, std::set<uint64
 
 }  // namespace
 
-std::set<uint64_t> elf_file::referenced_addresses() const {
-  std::set<uint64_t> found;
+std::multimap<uint64_t, uint64_t> elf_file::references() const {
+  std::multimap<uint64_t, uint64_t> found;
   for (const elf_section &section : sections_) {
     if ((section.flags & SHF_EXECINSTR) == 0) {
       continue;
@@ -258,7 +259,7 @@ std::set<uint64_t> elf_file::referenced_addresses() const {
       continue;
     }
     for (const auto &each : table<Elf64_Rela>(section)) {
-      found.insert(ELF64_R_SYM(each.r_info) == 0 ? static_cast<uint64_t>(each.r_addend) : 0);
+      found.emplace(ELF64_R_SYM(each.r_info) == 0 ? static_cast<uint64_t>(each.r_addend) : 0, each.r_offset);
     }
   }
   return found;

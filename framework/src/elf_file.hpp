@@ -5,6 +5,7 @@
 #include <elf.h>
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <set>
 #include <string>
@@ -59,9 +60,11 @@ class elf_file {
   // The libraries that it wants loaded.
   std::vector<std::string> needed() const;
 
-  // The names that its relocations tell, and the addresses in it that its own code calls, jumps to or takes.
+  // The names that its relocations tell.
   std::set<std::string> relocated_names() const;
-  std::set<uint64_t> referenced_addresses() const;
+
+  // The addresses in it that its own code calls, jumps to or takes, each with the places where it does so.
+  std::multimap<uint64_t, uint64_t> references() const;
 
  private:
   template <typename record_t>

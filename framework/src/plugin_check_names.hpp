@@ -43,8 +43,8 @@ class name_check {
 
   plugin_report &report_;
   std::map<std::string, exported> symbols_;
-  std::set<uint64_t> addresses_;     // that code in the library refers to
-  std::set<std::string> mentioned_;  // names that its relocations or its list of called names tell
+  std::multimap<uint64_t, uint64_t> references_;
+  std::set<std::string> mentioned_;  // by its relocations or its own list of called names
 };
 
 }  // namespace yfw

@@ -28,6 +28,7 @@ struct record_options {
 int run_recorded(std::vector<std::string> words) {
   words.insert(words.begin(), "ymap");
   std::vector<char *> arguments;
+  arguments.reserve(words.size() + 1);
   for (std::string &word : words) {
     arguments.push_back(word.data());
   }
