@@ -12,6 +12,12 @@
 #define ETH_PATH_NATIVE_AUTONEG "/interface-configurations/interface-configuration/ethernet/auto-negotiation"
 #define ETH_PATH_NATIVE_FLOW_CONTROL "/interface-configurations/interface-configuration/ethernet/flow-control"
 
+#define ETH_TEXT_OF_(number) #number
+#define ETH_TEXT_OF(number) ETH_TEXT_OF_(number)
+
+// The version of the ABI that this plug-in is built for, for tools that read the library without loading it.
+__attribute__((section("ymap.abi"), used)) static const char eth_abi_version[] = ETH_TEXT_OF(YFW_ABI_VERSION);
+
 // ---- value translation
 
 namespace {
