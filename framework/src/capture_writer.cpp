@@ -92,6 +92,10 @@ std::unique_ptr<capture_writer> capture_writer::begin(context &ctx, call_form fo
   return writer;
 }
 
+bool capture_writer::is_running() {
+  return running_session != nullptr;
+}
+
 capture_writer::capture_writer(context &ctx, capture_session::parts &session, const std::string &function)
     : ctx_(ctx),
       file_((session.directory / (numbered(++session.count) + "-" + function + ".capture")).string()),

@@ -28,6 +28,9 @@ class capture_writer : public call_observer {
   // Begins the capture of a call that is about to be made, if captures are being taken; null otherwise.
   static std::unique_ptr<capture_writer> begin(context &ctx, call_form form, const std::string &function,
                                                yfw_node_t *node);
+  // Whether captures are being taken.
+  static bool is_running();
+
   ~capture_writer() override;
   capture_writer(const capture_writer &) = delete;
   capture_writer &operator=(const capture_writer &) = delete;

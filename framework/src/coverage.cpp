@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "coverage_probes.hpp"
+#include "manifest_nodes.hpp"
 #include "yfw/node.hpp"
 
 namespace yfw {
@@ -18,15 +19,11 @@ void add_leaves(const schema &modules, const lysc_node *node, std::vector<const 
   }
 }
 
-const lysc_node *served_parent(const schema &modules, const entry_point &entry) {
-  return entry.at == "/" ? nullptr : modules.find(entry.at, {});
-}
-
 // What the entry points of one direction serve.
 std::vector<const lysc_node *> served_leaves(const schema &modules, const manifest &description, direction dir) {
   std::vector<const lysc_node *> leaves;
   for (const entry_point &entry : description.entry_points) {
-    const lysc_node *above = served_parent(modules, entry);
+    const lysc_node *above = served_parent(entry, modules);
     if (entry.dir != dir || (above == nullptr && entry.at != "/")) {
       continue;  // without the module that it serves an entry point has nothing to do
     }

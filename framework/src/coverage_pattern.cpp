@@ -152,8 +152,8 @@ class pattern_sampler {
 
 std::vector<std::string> pattern_samples(std::string_view pattern) {
   std::vector<std::string> samples;
-  for (const size_t more : {0, 1, 2, 3, 7}) {
-    for (const size_t branch : {0, 1, 2, 3}) {
+  for (const size_t more : {0U, 1U, 2U, 3U, 7U}) {
+    for (const size_t branch : {0U, 1U, 2U, 3U}) {
       std::string sample = pattern_sampler(pattern, branch, more).sample();
       if (std::find(samples.begin(), samples.end(), sample) == samples.end()) {
         samples.push_back(std::move(sample));

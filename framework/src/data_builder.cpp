@@ -64,7 +64,7 @@ uint32_t data_builder::enter_list(context &ctx, yfw_node_t **current_list, std::
     }
     met_.insert(key_text);
   }
-  const schema_steps &steps = paths_.steps(path, {});
+  const schema_steps &steps = paths_.steps(path, ctx.description);
   if (steps.empty() || !is_list(steps.back())) {
     return ctx.fail("the modules have no list '" + std::string(path) + "'");
   }

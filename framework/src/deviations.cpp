@@ -203,13 +203,6 @@ class planner {
 
 }  // namespace
 
-bool is_within(const lysc_node *node, const lysc_node *top) {
-  while (node != nullptr && node != top) {
-    node = node->parent;
-  }
-  return node == top;
-}
-
 std::string schema_path(const lysc_node *node) {
   return node == nullptr ? "" : schema_path(node->parent) + "/" + node->name;
 }

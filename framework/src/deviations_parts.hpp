@@ -12,7 +12,6 @@
 
 namespace yfw {
 
-bool is_within(const lysc_node *node, const lysc_node *top);
 
 // The schema node identifier with plain names, choices and cases included.
 std::string schema_path(const lysc_node *node);

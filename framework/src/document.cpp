@@ -10,7 +10,7 @@ namespace yfw {
 
 unsigned document::parts::line(size_t offset) const {
   const auto after = std::ranges::lower_bound(newlines, offset);
-  return static_cast<unsigned>(after - newlines.begin()) + 1;
+  return static_cast<unsigned>(after - newlines.begin()) + first_line;
 }
 
 void document::parts::fail(size_t offset, const std::string &reason, std::string path) const {
@@ -26,12 +26,14 @@ static void check_characters(document::parts &parts) {
   }
 }
 
-document document::read(std::string text, std::string file, const schema &schema, const read_limits &limits) {
+document document::read(std::string text, std::string file, const schema &schema, const read_limits &limits,
+                        unsigned first_line) {
   auto inside = std::make_unique<parts>();
   inside->text = std::move(text);
   inside->file = std::move(file);
   inside->modules = &schema;
   inside->limits = limits;
+  inside->first_line = first_line;
   if (inside->text.size() > limits.bytes) {
     inside->fail(0, "larger than " + std::to_string(limits.bytes) + " bytes");
   }

@@ -19,6 +19,7 @@ struct document::parts {
   data_format format = data_format::xml;
   const schema *modules = nullptr;
   read_limits limits;
+  unsigned first_line = 1;
   std::vector<uint32_t> newlines;  // offsets of the line feeds as the text was before parsing
   node_arena arena;
   pugi::xml_document xml;

@@ -7,6 +7,7 @@
 
 #include "engine_parts.hpp"
 #include "handover.hpp"
+#include "manifest_nodes.hpp"
 #include "yfw/node.hpp"
 #include "yfw/writer.hpp"
 
@@ -57,7 +58,7 @@ class key_reads {
   void add_for(const yfw_node_t &entry) {
     const std::string high = path(extra(entry).schema);
     for (const list_pair &pair : manifest_.lists) {
-      const lysc_node *low = pair.high == high ? modules_.find(pair.low, {}) : nullptr;
+      const lysc_node *low = pair.high == high ? manifest_node(manifest_, pair.low, modules_) : nullptr;
       if (low != nullptr && (is_config(low) || client_.operation == client_operation::get)) {
         add_call(modules_.child(low, ns(low), pair.low_key), entry);
       }

@@ -209,7 +209,7 @@ edit_outcome engine::edit(device &native, document &request, const client_reques
 
 edit_outcome engine::edit_node(device &native, std::string_view path, const std::optional<std::string> &value,
                                uint32_t operation) const {
-  const std::vector<path_step> steps = read_instance_path(path, native.modules());
+  const std::vector<path_step> steps = read_instance_path(path, native.modules(), &mapping_.description());
   const lysc_node *node = steps.back().node;
   if (is_key(node)) {
     throw rpc_error({"", 0, std::string(path)}, "is a key, which comes and goes with its list entry",

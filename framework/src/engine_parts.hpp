@@ -39,8 +39,8 @@ struct read_xpath {
   bool is_plain = false;         // nothing follows them
 };
 
-// With a manifest, '//' at the top finds nodes of the client's model only. Throws `rpc_error` for names that the
-// modules do not have there, and for axes and variables.
+// With a manifest, '//' at the top finds nodes of the client's model only, and a name that several modules have there
+// means the one that is served. Throws `rpc_error` for names that the modules do not have, and for axes and variables.
 read_xpath read_expression(std::string_view xpath, const schema &modules, const manifest *description = nullptr);
 
 // The prefix that the node's module gives itself.

@@ -4,6 +4,7 @@
 #include <set>
 
 #include "engine_parts.hpp"
+#include "manifest_nodes.hpp"
 #include "xpath_tokens.hpp"
 
 namespace yfw {
@@ -142,13 +143,9 @@ class resolver {
     return all;
   }
 
-  // Whether a top-level node is of the client's model, as far as that is known.
-  bool is_clients(const lysc_node *top) const {
-    const std::string here = path(top);
-    return manifest_ == nullptr || std::ranges::any_of(manifest_->entry_points, [&](const entry_point &entry) {
-             return entry.dir == direction::ox && ((entry.at == "/" && entry.module == module_name(top)) ||
-                                                   entry.at == here || entry.at.starts_with(here + "/"));
-           });
+  // Whether a node is of the client's model and on the way to what is mapped, as far as that is known.
+  bool is_clients(const lysc_node *node) const {
+    return manifest_ == nullptr || is_on_the_way(*manifest_, direction::ox, node, modules_);
   }
 
   void step_to_name(const xpath_token &token) {
@@ -159,9 +156,14 @@ class resolver {
     if (found.empty()) {
       unknown_name(token, from);
     }
+    const auto others = [&] {
+      return std::ranges::find_if(found, [&](auto *node) { return module_name(node) != module_name(found.front()); });
+    };
+    if (others() != found.end() && std::ranges::any_of(found, [&](auto *node) { return is_clients(node); })) {
+      std::erase_if(found, [&](const lysc_node *node) { return !is_clients(node); });
+    }
     const std::string_view module = module_name(found.front());
-    const auto other = std::ranges::find_if(found, [&](const auto *node) { return module_name(node) != module; });
-    if (other != found.end()) {
+    if (const auto other = others(); other != found.end()) {
       refuse("may mean '" + std::string(module) + ":" + token.text + "' or '" + std::string(module_name(*other)) + ":" +
                  token.text + "': say which",
              error_tag::invalid_value);
@@ -182,16 +184,19 @@ class resolver {
       names.push_back(name(node));
     }
     const std::string full = (token.prefix.empty() ? "" : token.prefix + ":") + token.text;
-    const bool is_top = from.size() == 1 && from.front() == nullptr;
-    std::string why = "names " + yfw::quoted(full) + ", which is not ";
-    why += is_top ? "a top-level node of the modules"
-                  : "a child of " + (from.size() == 1 ? yfw::quoted(path(from.front())) : "what stands before it");
+    const lysc_node *only = from.size() == 1 ? from.front() : nullptr;
+    std::string why = yfw::quoted(full) + " is not ";
+    why += from.size() > 1 ? "a child of what stands before it in " + yfw::quoted(text_)
+           : only != nullptr ? "a child of " + yfw::quoted(path(only))
+                             : "a top-level node of the modules";
     if (const std::string_view near = closest(names, token.text); near == token.text) {
       why += "; that name has another module there";
     } else if (!near.empty()) {
       why += "; did you mean " + quoted(near) + "?";
     }
-    refuse(why, error_tag::unknown_element, token.text);
+    const std::string above = only != nullptr ? path(only) : "";
+    const std::string where = from.size() > 1 ? "" : above + "/" + token.text;
+    throw rpc_error({"", 0, where}, why, error_tag::unknown_element, token.text);
   }
 
   // libyang compares identities with the name of their module.
@@ -249,8 +254,8 @@ read_xpath read_expression(std::string_view xpath, const schema &modules, const 
   return resolver(xpath, modules, description).run();
 }
 
-std::vector<path_step> read_instance_path(std::string_view path, const schema &modules) {
-  const read_xpath read = read_expression(path, modules);
+std::vector<path_step> read_instance_path(std::string_view path, const schema &modules, const manifest *description) {
+  const read_xpath read = read_expression(path, modules, description);
   if (!read.is_plain) {
     throw rpc_error({}, quoted(path) + " is not the path of one node: names and keys, /list[key='value']/leaf",
                     error_tag::invalid_value);

@@ -5,6 +5,7 @@
 #include "coverage_values.hpp"
 #include "engine_parts.hpp"
 #include "explain_parts.hpp"
+#include "manifest_nodes.hpp"
 #include "yfw/engine.hpp"
 
 namespace yfw {
@@ -16,19 +17,6 @@ bool is_edit(std::string_view operation) {
 
 bool holds_value(const lysc_node *node) {
   return is_leaf(node) || is_leaf_list(node);
-}
-
-// Whether an entry point of that direction is on the way to the nodes of the same top-level node.
-bool serves_model_of(const manifest &description, direction dir, const lysc_node *node) {
-  while (parent(node) != nullptr) {
-    node = parent(node);
-  }
-  const std::string top = path(node);
-  return std::ranges::any_of(description.entry_points, [&](const entry_point &entry) {
-    const bool is_on_the_way = entry.at == top || entry.at.starts_with(top + "/");
-    const bool is_served_itself = entry.at == "/" && entry.module == module_name(node);
-    return entry.dir == dir && (is_on_the_way || is_served_itself);
-  });
 }
 
 // The text up to and with the innermost list entry, or else the top-level node.
@@ -242,19 +230,31 @@ void require_leaf(const full_path &asked, const schema &modules) {
 
 }  // namespace
 
+bool serves_model_of(const manifest &description, direction dir, const lysc_node *node, const schema &modules) {
+  while (parent(node) != nullptr) {
+    node = parent(node);
+  }
+  return is_on_the_way(description, dir, node, modules);
+}
+
+bool serves_model_of(const manifest &description, const lysc_node *node, const schema &modules) {
+  return serves_model_of(description, direction::ox, node, modules) ||
+         serves_model_of(description, direction::xo, node, modules);
+}
+
 explanation explain(std::string_view path, const explain_options &options, const schema &modules, const plugin &mapping,
                     trace_log &log) {
-  const full_path asked = complete_path(path, modules);
+  const full_path asked = complete_path(path, modules, mapping.description());
   require_leaf(asked, modules);
   explanation result{path_text(asked.steps), asked.steps.back().node, asked.made_up_keys, {}, {}};
-  if (serves_model_of(mapping.description(), direction::ox, result.leaf)) {
+  if (serves_model_of(mapping.description(), direction::ox, result.leaf, modules)) {
     request_explainer explainer(asked, modules, mapping, log);
     for (const std::string_view operation : options.operations) {
       result.requests.push_back(operation == "get"   ? explainer.get()
                                 : operation == "set" ? explainer.set(options.value)
                                                      : explainer.remove());
     }
-  } else if (serves_model_of(mapping.description(), direction::xo, result.leaf)) {
+  } else if (serves_model_of(mapping.description(), direction::xo, result.leaf, modules)) {
     for (const std::string &value : options.value ? std::vector{*options.value} : sample_values(modules, result.leaf)) {
       result.replies.push_back(explain_reply(asked.steps, value, modules, mapping, log));
     }

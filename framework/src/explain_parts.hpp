@@ -19,8 +19,14 @@ struct full_path {
   std::vector<std::string> made_up_keys;
 };
 
-// Throws `error` for a path that the modules do not have.
-full_path complete_path(std::string_view path, const schema &modules);
+// Throws `error` for a path that the modules do not have, and for one that may mean nodes of several modules none of
+// which, or more than one, is served.
+full_path complete_path(std::string_view path, const schema &modules, const manifest &description);
+full_path complete_path(const lysc_node *node, const schema &modules);
+
+// Whether an entry point, of that direction or of any, is at or below the same top-level node.
+bool serves_model_of(const manifest &description, direction dir, const lysc_node *node, const schema &modules);
+bool serves_model_of(const manifest &description, const lysc_node *node, const schema &modules);
 
 // /list[key='x']/leaf
 std::string path_text(const std::vector<path_step> &steps);

@@ -1,5 +1,6 @@
 // Paths as a user types them, made complete.
 #include <algorithm>
+#include <iterator>
 
 #include "coverage_values.hpp"
 #include "explain_parts.hpp"
@@ -47,23 +48,53 @@ std::string shown(const lysc_node *node) {
   return node == nullptr ? "the top" : yfw::quoted(path(node));
 }
 
-const lysc_node *child_named(const schema &modules, const lysc_node *above, std::string_view written) {
-  const size_t colon = written.find(':');
-  const std::string_view plain = colon == written.npos ? written : written.substr(colon + 1);
+using schema_nodes = std::vector<const lysc_node *>;
+
+[[noreturn]] void refuse_name(const schema &modules, const lysc_node *above, std::string_view written) {
+  const std::string_view plain = written.substr(written.find(':') + 1);
   std::vector<std::string_view> names;
-  for (const lysc_node *below : modules.children(above)) {
-    const bool is_module = colon == written.npos || module_name(below) == written.substr(0, colon);
-    if (is_module && name(below) == plain) {
-      return below;
-    }
-    names.push_back(name(below));
-  }
+  std::ranges::transform(modules.children(above), std::back_inserter(names), &yfw::name);
   std::string text = quoted(written) + (above == nullptr ? " is not a top-level node of the modules"
                                                          : " is not a child of " + shown(above));
   if (const std::string_view near = closest(names, plain); !near.empty()) {
     text += near == plain ? "; there it is of another module" : "; did you mean " + quoted(near) + "?";
   }
   throw error(text);
+}
+
+// Nodes of several modules may have the name.
+schema_nodes children_named(const schema &modules, const schema_nodes &parents, std::string_view written) {
+  const size_t colon = written.find(':');
+  const std::string_view plain = written.substr(colon + 1);
+  schema_nodes found;
+  for (const lysc_node *above : parents) {
+    std::ranges::copy_if(modules.children(above), std::back_inserter(found), [&](const lysc_node *below) {
+      const bool is_module = colon == written.npos || module_name(below) == written.substr(0, colon);
+      return is_module && name(below) == plain;
+    });
+  }
+  if (found.empty()) {
+    refuse_name(modules, parents.front(), written);
+  }
+  return found;
+}
+
+// The node that the steps lead to; of several one that is served.
+const lysc_node *node_named(const schema &modules, const manifest &description, const std::vector<written_step> &steps,
+                            std::string_view path) {
+  schema_nodes reached{nullptr};
+  for (const written_step &step : steps) {
+    reached = children_named(modules, reached, step.name);
+  }
+  const auto is_served = [&](const lysc_node *node) { return serves_model_of(description, node, modules); };
+  if (reached.size() > 1 && std::ranges::any_of(reached, is_served)) {
+    std::erase_if(reached, [&](const lysc_node *node) { return !is_served(node); });
+  }
+  if (reached.size() > 1) {
+    throw error(quoted(path) + " may mean " + yfw::quoted(qualified_path(reached[0])) + " or " +
+                yfw::quoted(qualified_path(reached[1])) + ": say which");
+  }
+  return reached.front();
 }
 
 // Predicates with sample values, also in a form for messages.
@@ -80,23 +111,36 @@ std::string made_up_predicates(const schema &modules, const lysc_node *list, std
   return text;
 }
 
-}  // namespace
-
-full_path complete_path(std::string_view path, const schema &modules) {
-  if (!path.starts_with('/') || path.ends_with('/')) {
-    throw error(quoted(path) + " is not a path, of a slash and a name for each node");
+// The path of the node, each name with its module, with the keys that are written or made up.
+full_path complete_steps(const lysc_node *node, const schema &modules, const std::vector<written_step> &written) {
+  schema_nodes chain;
+  for (; node != nullptr; node = parent(node)) {
+    chain.insert(chain.begin(), node);
   }
   full_path result;
-  const lysc_node *node = nullptr;
-  for (const written_step &step : written_steps(path)) {
-    node = child_named(modules, node, step.name);
-    result.text.append("/").append(step.name).append(step.keys);
-    if (step.keys.empty() && is_list(node)) {
-      result.text += made_up_predicates(modules, node, result.made_up_keys);
+  for (size_t i = 0; i < chain.size(); ++i) {
+    const std::string_view given = i < written.size() ? written[i].keys : "";
+    result.text.append("/").append(module_name(chain[i])).append(":").append(name(chain[i])).append(given);
+    if (given.empty() && is_list(chain[i])) {
+      result.text += made_up_predicates(modules, chain[i], result.made_up_keys);
     }
   }
   result.steps = read_instance_path(result.text, modules);
   return result;
+}
+
+}  // namespace
+
+full_path complete_path(std::string_view path, const schema &modules, const manifest &description) {
+  if (!path.starts_with('/') || path.ends_with('/')) {
+    throw error(quoted(path) + " is not a path, of a slash and a name for each node");
+  }
+  const std::vector<written_step> written = written_steps(path);
+  return complete_steps(node_named(modules, description, written, path), modules, written);
+}
+
+full_path complete_path(const lysc_node *node, const schema &modules) {
+  return complete_steps(node, modules, {});
 }
 
 std::string path_text(const std::vector<path_step> &steps) {

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "manifest_nodes.hpp"
+
 namespace yfw {
 namespace {
 
@@ -163,10 +165,7 @@ class planner {
   }
 
   bool leads_to_entry(const lysc_node *schema) const {
-    const std::string here = path(schema);
-    return std::any_of(manifest_.entry_points.begin(), manifest_.entry_points.end(), [&](const entry_point &entry) {
-      return entry.dir == direction::ox && (entry.at == here || entry.at.starts_with(here + "/"));
-    });
+    return is_on_the_way(manifest_, direction::ox, schema, document_.modules());
   }
 
   void note(const yfw_node_t &node, const std::string &text) {

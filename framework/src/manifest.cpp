@@ -98,7 +98,10 @@ manifest manifest::read(const std::filesystem::path &file) {
   }
   std::ostringstream buffer;
   buffer << stream.rdbuf();
-  const std::string text = buffer.str();
+  return parse(buffer.str(), file);
+}
+
+manifest manifest::parse(const std::string &text, const std::filesystem::path &file) {
   rapidjson::Document document;
   document.Parse<rapidjson::kParseIterativeFlag>(text.data(), text.size());
   if (document.HasParseError()) {
@@ -123,9 +126,9 @@ manifest manifest::read(const std::filesystem::path &file) {
     pair.allow({"high", "high-key", "low", "low-key"});
     result.lists.push_back({pair.text("high"), pair.text("high-key"), pair.text("low"), pair.text("low-key")});
   });
-  top.each("defaults", [&](const object_reader &defaults) {
-    defaults.allow({"direction", "at", "function"});
-    result.defaults.push_back({defaults.which_direction(), defaults.text("at"), defaults.text("function")});
+  top.each("defaults", [&](const object_reader &entry) {
+    entry.allow({"direction", "at", "function"});
+    result.defaults.push_back({entry.which_direction(), entry.text("at"), entry.text("function")});
   });
   return result;
 }

@@ -1,11 +1,11 @@
 #include "yfw/reply.hpp"
 
 #include <algorithm>
-#include <set>
 
 #include "context.hpp"
 #include "data_builder.hpp"
 #include "plugin_call.hpp"
+#include "reply_part.hpp"
 #include "yfw/node.hpp"
 #include "ymap_frame.h"
 
@@ -22,7 +22,7 @@ class reply_translation {
       : document_(native),
         mapping_(mapping),
         options_(options),
-        result_{data_tree(native.modules()), {}},
+        result_{data_tree(native.modules()), {}, {}},
         builder_(result_.data, options.entries),
         context_(mapping.description(), log, builder_, request_operation(options.wanted)) {
     if (options.wanted == content::nonconfig) {
@@ -31,15 +31,11 @@ class reply_translation {
     }
   }
 
-  reply run() {
+  reply_part run() {
     for (yfw_node_t &root : document_.roots()) {
       visit_envelope(root);
     }
-    for (const std::string &name : options_.entries) {
-      if (!builder_.met().contains(name)) {
-        result_.notes.push_back(error(place{document_.file(), 0, {}}, "has no list entry " + yfw::quoted(name)).what());
-      }
-    }
+    result_.met = builder_.met();
     return std::move(result_);
   }
 
@@ -80,8 +76,8 @@ class reply_translation {
       note_unknown(node, above);
     } else if (schema != nullptr && leads_to_entry(schema)) {
       enter(node, schema);
-    } else if (!is_key(schema) && unserved_.insert(schema_path_of(node, above)).second) {
-      note(node, "is not mapped: no plug-in serves it");
+    } else if (!is_key(schema)) {
+      note_first(node, above, "is not mapped: no plug-in serves it");
     }
   }
 
@@ -89,9 +85,7 @@ class reply_translation {
   void note_unknown(const yfw_node_t &node, const lysc_node *above) {
     const lysc_node *schema = extra(node).schema;
     if (schema == nullptr) {
-      if (unserved_.insert(schema_path_of(node, above)).second) {
-        note(node, "is left out: the modules do not know it");
-      }
+      note_first(node, above, "is left out: the modules do not know it");
       return;
     }
     for (const yfw_node_t &below : children(node)) {
@@ -99,17 +93,16 @@ class reply_translation {
     }
   }
 
-  // Adds a note unless it repeats the last one: a leaf is often reported in two places, config and state.
   void note(const yfw_node_t &node, const std::string &text) {
-    const error noted(document_.where(node), text);
-    if (result_.notes.empty() || result_.notes.back() != noted.what()) {
-      result_.notes.emplace_back(noted.what());
-    }
+    result_.notes.add({error(document_.where(node), text).what(), {}});
   }
 
-  // Of the nodes with one schema path only the first gets a note.
-  static std::string schema_path_of(const yfw_node_t &node, const lysc_node *above) {
-    return (above == nullptr ? std::string() : path(above)) + "/" + node.ns + ":" + node.tag;
+  // Of the nodes with one schema path only the first gets the note.
+  void note_first(const yfw_node_t &node, const lysc_node *above, const char *text) {
+    std::string schema_path = (above == nullptr ? std::string() : path(above)) + "/" + node.ns + ":" + node.tag;
+    if (!result_.notes.has(schema_path)) {
+      result_.notes.add({error(document_.where(node), text).what(), std::move(schema_path)});
+    }
   }
 
   void enter(yfw_node_t &node, const lysc_node *schema) {
@@ -196,16 +189,54 @@ class reply_translation {
   document &document_;
   const plugin &mapping_;
   const reply_options &options_;
-  reply result_;
+  reply_part result_;
   data_builder builder_;
   context context_;
-  std::set<std::string> unserved_;
 };
 
 }  // namespace
 
-reply translate_reply(document &native, const plugin &mapping, const reply_options &options, trace_log &log) {
+void reply_notes::add(reply_note note) {
+  const bool is_known = has(note.once) || (!notes_.empty() && notes_.back().text == note.text);
+  if (!note.once.empty()) {
+    once_.insert(note.once);
+  }
+  if (!is_known) {
+    notes_.push_back(std::move(note));
+  }
+}
+
+void reply_notes::add(reply_notes part) {
+  for (reply_note &note : part.notes_) {
+    add(std::move(note));
+  }
+}
+
+std::vector<std::string> reply_notes::texts() && {
+  std::vector<std::string> texts;
+  for (reply_note &note : notes_) {
+    texts.push_back(std::move(note.text));
+  }
+  return texts;
+}
+
+void note_missing_entries(reply_notes &notes, const reply_options &options, const std::set<std::string> &met,
+                          const std::string &file) {
+  for (const std::string &name : options.entries) {
+    if (!met.contains(name)) {
+      notes.add({error(place{file, 0, {}}, "has no list entry " + yfw::quoted(name)).what(), {}});
+    }
+  }
+}
+
+reply_part translate_part(document &native, const plugin &mapping, const reply_options &options, trace_log &log) {
   return reply_translation(native, mapping, options, log).run();
+}
+
+reply translate_reply(document &native, const plugin &mapping, const reply_options &options, trace_log &log) {
+  reply_part whole = translate_part(native, mapping, options, log);
+  note_missing_entries(whole.notes, options, whole.met, native.file());
+  return {std::move(whole.data), std::move(whole.notes).texts()};
 }
 
 }  // namespace yfw

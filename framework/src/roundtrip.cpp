@@ -59,7 +59,7 @@ std::string_view word(law which) {
 }
 
 std::vector<path_step> law_bench::steps_to(const lysc_node *node) const {
-  return complete_path(qualified_path(node), modules).steps;
+  return complete_path(node, modules).steps;
 }
 
 roundtrip check_roundtrip(const schema &modules, const plugin &mapping, trace_log &log) {

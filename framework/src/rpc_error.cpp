@@ -19,7 +19,8 @@ struct dressed_error {
 };
 
 // The steps of an error's path, without a last name that the modules do not know.
-std::vector<path_step> steps_of(const std::string &path, const schema &modules, bool is_last_unknown) {
+std::vector<path_step> steps_of(const std::string &path, const schema &modules, const manifest &description,
+                                bool is_last_unknown) {
   std::string known = path;
   if (is_last_unknown) {
     const size_t end = path.rfind('/');
@@ -29,7 +30,7 @@ std::vector<path_step> steps_of(const std::string &path, const schema &modules, 
     return {};
   }
   try {
-    return read_expression(known, modules).steps;
+    return read_expression(known, modules, &description).steps;
   } catch (const rpc_error &) {
     return {};
   }
@@ -54,7 +55,7 @@ std::string instance_identifier(const std::vector<path_step> &steps, data_format
   return text;
 }
 
-dressed_error dress(const error &fault, const schema &modules, data_format format) {
+dressed_error dress(const error &fault, const schema &modules, const manifest &description, data_format format) {
   const auto *rpc = dynamic_cast<const rpc_error *>(&fault);
   const error_tag tag = rpc != nullptr ? rpc->tag() : error_tag::operation_failed;
   dressed_error dressed{tag == error_tag::malformed_message ? "rpc" : "application",
@@ -64,7 +65,7 @@ dressed_error dress(const error &fault, const schema &modules, data_format forma
                         rpc != nullptr ? rpc->bad_element() : "",
                         {}};
   const bool is_unknown = tag == error_tag::unknown_element || tag == error_tag::unknown_namespace;
-  dressed.path = instance_identifier(steps_of(fault.where().path, modules, is_unknown), format, dressed);
+  dressed.path = instance_identifier(steps_of(fault.where().path, modules, description, is_unknown), format, dressed);
   return dressed;
 }
 
@@ -128,8 +129,9 @@ void write_json_error(std::ostream &out, const dressed_error &dressed) {
 
 }  // namespace
 
-void write_rpc_error(std::ostream &out, const error &fault, const schema &modules, data_format format) {
-  const dressed_error dressed = dress(fault, modules, format);
+void write_rpc_error(std::ostream &out, const error &fault, const schema &modules, const manifest &description,
+                     data_format format) {
+  const dressed_error dressed = dress(fault, modules, description, format);
   if (format == data_format::json) {
     write_json_error(out, dressed);
   } else {

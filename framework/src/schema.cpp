@@ -19,9 +19,15 @@ const lysc_node *schema::child(const lysc_node *parent, std::string_view ns, std
 }
 
 const lysc_node *schema::find(std::string_view path, std::string_view ns) const {
+  std::vector<const lysc_node *> found = find_all(path);
+  std::erase_if(found, [&](const lysc_node *node) { return !ns.empty() && yfw::ns(node) != ns; });
+  return found.size() == 1 ? found.front() : nullptr;
+}
+
+std::vector<const lysc_node *> schema::find_all(std::string_view path) const {
   std::vector<const lysc_node *> reached{nullptr};
   if (!path.starts_with('/')) {
-    return nullptr;
+    return {};
   }
   while (!path.empty() && !reached.empty()) {
     const size_t end = std::min(path.find('/', 1), path.size());
@@ -33,8 +39,7 @@ const lysc_node *schema::find(std::string_view path, std::string_view ns) const 
     reached = std::move(next);
     path.remove_prefix(end);
   }
-  std::erase_if(reached, [&](const lysc_node *node) { return !ns.empty() && yfw::ns(node) != ns; });
-  return reached.size() == 1 ? reached.front() : nullptr;
+  return reached;
 }
 
 const std::vector<const lysc_node *> &schema::children(const lysc_node *parent) const {
@@ -102,6 +107,13 @@ const lysc_node *parent(const lysc_node *node) {
     above = above->parent;
   }
   return above;
+}
+
+bool is_within(const lysc_node *node, const lysc_node *top) {
+  while (node != nullptr && node != top) {
+    node = node->parent;
+  }
+  return node == top;
 }
 
 std::vector<std::string_view> keys(const lysc_node *list) {

@@ -6,6 +6,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "yfw/manifest.hpp"
 #include "yfw/schema.hpp"
 
 namespace yfw {
@@ -21,7 +22,14 @@ class path_table {
   // The result lives as long as the table.
   const schema_steps &steps(std::string_view path, std::string_view ns);
 
+  // The same for a path of the manifest.
+  const schema_steps &steps(std::string_view path, const manifest &description);
+
  private:
+  // What is remembered by `key_`; at first the steps to what `node` finds.
+  template <typename find_t>
+  const schema_steps &known(const find_t &node);
+
   const schema &schema_;
   std::unordered_map<std::string, schema_steps> known_;
   std::string key_;

@@ -1,6 +1,3 @@
-#include <rapidjson/prettywriter.h>
-#include <rapidjson/stringbuffer.h>
-
 #include <algorithm>
 #include <memory>
 #include <string>
@@ -8,6 +5,7 @@
 
 #include "commands.hpp"
 #include "input.hpp"
+#include "json_report.hpp"
 #include "terminal.hpp"
 #include "yfw/plugin_check.hpp"
 
@@ -101,77 +99,37 @@ std::string as_text(const yfw::plugin_report &report) {
          counted(report.count(yfw::finding_level::warning), "warning") + '\n';
 }
 
-using json_writer = rapidjson::PrettyWriter<rapidjson::StringBuffer>;
-
-void write_text(json_writer &out, const char *name, const std::string &value) {
-  out.Key(name);
-  out.String(value.c_str());
-}
-
-void write_texts(json_writer &out, const char *name, const std::vector<std::string> &values) {
-  out.Key(name);
-  out.StartArray();
-  for (const std::string &value : values) {
-    out.String(value.c_str());
-  }
-  out.EndArray();
-}
-
-void write_model(json_writer &out, const yfw::checked_model &model) {
-  out.StartObject();
-  write_text(out, "direction", word(model.dir));
-  write_text(out, "plug-in", model.plugin);
-  write_text(out, "module", model.module);
-  out.Key("generated");
-  out.Uint(model.generated);
-  out.Key("unmapped");
-  out.Uint(model.unmapped);
-  write_texts(out, "entry-points", model.entry_points);
-  write_texts(out, "by-hand", model.by_hand);
-  write_texts(out, "overrides", model.overrides);
-  write_texts(out, "uncalled", model.uncalled);
-  out.EndObject();
-}
-
-void write_finding(json_writer &out, const yfw::finding &each) {
-  out.StartObject();
-  write_text(out, "level", word(each.level));
-  write_text(out, "about", each.about);
-  write_text(out, "name", each.name);
-  write_text(out, "text", each.text);
-  out.EndObject();
+void add_model(json_report &out, const yfw::checked_model &model) {
+  out.text("direction", word(model.dir));
+  out.text("plug-in", model.plugin);
+  out.text("module", model.module);
+  out.number("generated", model.generated);
+  out.number("unmapped", model.unmapped);
+  out.texts("entry-points", model.entry_points);
+  out.texts("by-hand", model.by_hand);
+  out.texts("overrides", model.overrides);
+  out.texts("uncalled", model.uncalled);
 }
 
 std::string as_json(const yfw::plugin_report &report) {
-  rapidjson::StringBuffer buffer;
-  json_writer out(buffer);
-  out.SetIndent(' ', 2);
-  out.StartObject();
-  write_text(out, "file", report.file);
-  write_text(out, "machine", report.machine);
-  out.Key("abi-version");
-  report.abi_version ? out.String(report.abi_version->c_str()) : out.Null();
-  out.Key("models");
-  out.StartArray();
-  for (const yfw::checked_model &model : report.models) {
-    write_model(out, model);
-  }
-  out.EndArray();
-  write_texts(out, "helpers", report.helpers);
-  out.Key("undefined");
-  out.StartObject();
-  write_texts(out, "framework", report.framework);
-  write_texts(out, "c-library", report.c_library);
-  write_texts(out, "elsewhere", report.elsewhere);
-  out.EndObject();
-  out.Key("findings");
-  out.StartArray();
-  for (const yfw::finding &each : report.findings) {
-    write_finding(out, each);
-  }
-  out.EndArray();
-  out.EndObject();
-  return std::string(buffer.GetString()) + '\n';
+  return json_report::with([&](json_report &out) {
+    out.text("file", report.file);
+    out.text("machine", report.machine);
+    out.text("abi-version", report.abi_version);
+    out.list("models", report.models, [&](const yfw::checked_model &model) { add_model(out, model); });
+    out.texts("helpers", report.helpers);
+    out.object("undefined", [&] {
+      out.texts("framework", report.framework);
+      out.texts("c-library", report.c_library);
+      out.texts("elsewhere", report.elsewhere);
+    });
+    out.list("findings", report.findings, [&](const yfw::finding &each) {
+      out.text("level", word(each.level));
+      out.text("about", each.about);
+      out.text_if_any("name", each.name);
+      out.text("text", each.text);
+    });
+  });
 }
 
 void run(const check_options &options) {

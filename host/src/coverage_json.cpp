@@ -1,147 +1,90 @@
-#include <rapidjson/prettywriter.h>
-#include <rapidjson/stringbuffer.h>
+#include <algorithm>
+#include <iterator>
 
 #include "coverage_reports.hpp"
+#include "json_report.hpp"
 
 namespace ymap {
 namespace {
 
-constexpr int shape_version = 1;
+constexpr size_t shape_version = 1;
+constexpr yfw::leaf_operation all_operations[] = {yfw::leaf_operation::get_config, yfw::leaf_operation::get,
+                                                  yfw::leaf_operation::set, yfw::leaf_operation::remove};
 
-class json_report {
+class coverage_json {
  public:
-  explicit json_report(const coverage_view &view) : view_(view) {
-    out_.SetIndent(' ', 1);
-  }
+  coverage_json(const coverage_view &view, json_report &out) : view_(view), out_(out) {}
 
-  std::string text() {
-    out_.StartObject();
-    member("format", "ymap-coverage");
-    out_.Key("version");
-    out_.Int(shape_version);
-    out_.Key("only-missing");
-    out_.Bool(view_.only_missing);
-    out_.Key("summary");
-    out_.StartObject();
-    add_summary("high", view_.measured.high);
-    add_summary("native", view_.measured.native);
-    out_.EndObject();
+  void write() {
+    out_.text("format", "ymap-coverage");
+    out_.number("version", shape_version);
+    out_.flag("only-missing", view_.only_missing);
+    out_.object("summary", [&] {
+      out_.object("high", [&] { add_summary(view_.measured.high); });
+      out_.object("native", [&] { add_summary(view_.measured.native); });
+    });
     add_rows("high", view_.measured.high);
     add_rows("native", view_.measured.native);
-    out_.EndObject();
-    return std::string(buffer_.GetString(), buffer_.GetSize()) + "\n";
   }
 
  private:
-  void text(std::string_view value) {
-    out_.String(value.data(), static_cast<rapidjson::SizeType>(value.size()));
+  void add_share(std::string_view name, const yfw::coverage_share &share) {
+    out_.object(name, [&] {
+      out_.number("mapped", share.mapped);
+      out_.number("pairs", share.pairs);
+    });
   }
 
-  void member(const char *name, std::string_view value) {
-    out_.Key(name);
-    text(value);
-  }
-
-  void add_share(const char *name, const yfw::coverage_share &share) {
-    out_.Key(name);
-    out_.StartObject();
-    out_.Key("mapped");
-    out_.Uint64(share.mapped);
-    out_.Key("pairs");
-    out_.Uint64(share.pairs);
-    out_.EndObject();
-  }
-
-  void add_summary(const char *name, const std::vector<yfw::coverage_row> &rows) {
-    out_.Key(name);
-    out_.StartObject();
+  void add_summary(const std::vector<yfw::coverage_row> &rows) {
     add_share("all", share_of(rows));
-    for (const yfw::leaf_operation operation : {yfw::leaf_operation::get_config, yfw::leaf_operation::get,
-                                                yfw::leaf_operation::set, yfw::leaf_operation::remove}) {
+    for (const yfw::leaf_operation operation : all_operations) {
       if (const yfw::coverage_share share = share_of(rows, operation); share.pairs > 0) {
-        add_share(word(operation).data(), share);
+        add_share(word(operation), share);
       }
     }
-    out_.EndObject();
   }
 
-  void add_rows(const char *name, const std::vector<yfw::coverage_row> &rows) {
-    out_.Key(name);
-    out_.StartArray();
-    for (const yfw::coverage_row *row : shown_rows(rows, view_.only_missing)) {
-      out_.StartObject();
-      member("path", yfw::qualified_path(row->leaf));
-      out_.Key("config");
-      out_.Bool(yfw::is_config(row->leaf));
-      out_.Key("operations");
-      out_.StartObject();
-      for (const yfw::coverage_cell &cell : row->cells) {
-        add_cell(cell);
-      }
-      out_.EndObject();
-      out_.EndObject();
-    }
-    out_.EndArray();
+  void add_rows(std::string_view name, const std::vector<yfw::coverage_row> &rows) {
+    out_.list(name, shown_rows(rows, view_.only_missing), [&](const yfw::coverage_row *row) {
+      out_.text("path", yfw::qualified_path(row->leaf));
+      out_.flag("config", yfw::is_config(row->leaf));
+      out_.object("operations", [&] {
+        for (const yfw::coverage_cell &cell : row->cells) {
+          out_.object(word(cell.operation), [&] { add_cell(cell); });
+        }
+      });
+    });
   }
 
   void add_cell(const yfw::coverage_cell &cell) {
-    out_.Key(word(cell.operation).data());
-    out_.StartObject();
-    member("state", word(cell.state));
-    out_.Key("allowed");
-    out_.Bool(cell.is_allowed);
-    if (!cell.reason.empty()) {
-      member("reason", cell.reason);
-    }
-    out_.Key("paths");
-    out_.StartArray();
-    for (const lysc_node *target : cell.targets()) {
-      text(yfw::qualified_path(target));
-    }
-    out_.EndArray();
-    out_.Key("probes");
-    out_.StartArray();
-    for (const yfw::leaf_probe &probe : cell.probes) {
-      add_probe(probe);
-    }
-    out_.EndArray();
-    out_.EndObject();
+    out_.text("state", word(cell.state));
+    out_.flag("allowed", cell.is_allowed);
+    out_.text_if_any("reason", cell.reason);
+    std::vector<std::string> paths;
+    std::ranges::transform(cell.targets(), std::back_inserter(paths), &yfw::qualified_path);
+    out_.texts("paths", paths);
+    out_.list("probes", cell.probes, [&](const yfw::leaf_probe &probe) { add_probe(probe); });
   }
 
   void add_probe(const yfw::leaf_probe &probe) {
-    out_.StartObject();
-    if (probe.value) {
-      member("value", *probe.value);
-    }
-    out_.Key("mapped");
-    out_.Bool(probe.is_mapped());
-    if (!probe.refusal.empty()) {
-      member("refusal", probe.refusal);
-    }
-    out_.Key("effects");
-    out_.StartArray();
-    for (const yfw::probe_effect &effect : probe.effects) {
-      out_.StartObject();
-      member("kind", word(effect.kind));
-      member("path", yfw::qualified_path(effect.node));
-      if (effect.value) {
-        member("value", *effect.value);
-      }
-      out_.EndObject();
-    }
-    out_.EndArray();
-    out_.EndObject();
+    out_.text("value", probe.value);
+    out_.flag("mapped", probe.is_mapped());
+    out_.text_if_any("refusal", probe.refusal);
+    out_.list("effects", probe.effects, [&](const yfw::probe_effect &effect) {
+      out_.text("kind", word(effect.kind));
+      out_.text("path", yfw::qualified_path(effect.node));
+      out_.text("value", effect.value);
+    });
   }
 
   const coverage_view &view_;
-  rapidjson::StringBuffer buffer_;
-  rapidjson::PrettyWriter<rapidjson::StringBuffer> out_{buffer_};
+  json_report &out_;
 };
 
 }  // namespace
 
 std::string coverage_as_json(const coverage_view &view) {
-  return json_report(view).text();
+  return json_report::with([&](json_report &out) { coverage_json(view, out).write(); });
 }
 
 }  // namespace ymap

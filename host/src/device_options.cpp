@@ -29,7 +29,7 @@ void work_on_device(const device_options &options, const std::function<void(setu
       throw;
     }
     std::ostringstream text;
-    write_rpc_error(text, fault, with.schema(), *options.to);
+    write_rpc_error(text, fault, with.schema(), with.plugin().description(), *options.to);
     write_result(text.str());
     throw failure_reported();
   }

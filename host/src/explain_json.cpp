@@ -1,142 +1,83 @@
-#include <rapidjson/prettywriter.h>
-#include <rapidjson/stringbuffer.h>
-
 #include "explain_reports.hpp"
+#include "json_report.hpp"
 #include "yfw/node.hpp"
 
 namespace ymap {
 namespace {
 
-class json_report {
+class explain_json {
  public:
-  explicit json_report(const yfw::explanation &told) : told_(told) {
-    out_.SetIndent(' ', 2);
-  }
+  explain_json(const yfw::explanation &told, json_report &out) : told_(told), out_(out) {}
 
-  std::string text() {
-    out_.StartObject();
-    member("path", told_.path);
-    member("module", yfw::module_name(told_.leaf));
-    out_.Key("config");
-    out_.Bool(yfw::is_config(told_.leaf));
-    texts("made-up-keys", told_.made_up_keys);
-    list("requests", told_.requests, [&](const yfw::explained_request &each) { add(each); });
-    list("replies", told_.replies, [&](const yfw::explained_reply &each) { add(each); });
-    out_.EndObject();
-    return std::string(buffer_.GetString(), buffer_.GetSize()) + "\n";
+  void write() {
+    out_.text("path", told_.path);
+    out_.text("module", yfw::module_name(told_.leaf));
+    out_.flag("config", yfw::is_config(told_.leaf));
+    out_.texts("made-up-keys", told_.made_up_keys);
+    out_.list("requests", told_.requests, [&](const yfw::explained_request &each) { add(each); });
+    out_.list("replies", told_.replies, [&](const yfw::explained_reply &each) { add(each); });
   }
 
  private:
-  void text(std::string_view value) {
-    out_.String(value.data(), static_cast<rapidjson::SizeType>(value.size()));
-  }
-
-  void member(const char *name, std::string_view value) {
-    out_.Key(name);
-    text(value);
-  }
-
-  template <typename item_t, typename write_t>
-  void list(const char *name, const std::vector<item_t> &items, const write_t &write) {
-    out_.Key(name);
-    out_.StartArray();
-    for (const item_t &item : items) {
-      write(item);
-    }
-    out_.EndArray();
-  }
-
-  void texts(const char *name, const std::vector<std::string> &values) {
-    list(name, values, [&](const std::string &each) { text(each); });
-  }
-
   void add(const yfw::explained_request &request) {
-    out_.StartObject();
-    member("operation", request.operation);
-    if (request.value) {
-      member("value", *request.value);
-    }
-    if (!request.refusal.empty()) {
-      member("refusal", request.refusal);
-    }
-    list("native", request.calls, [&](const yfw::native_call &call) { add(call); });
+    out_.text("operation", request.operation);
+    out_.text("value", request.value);
+    out_.text_if_any("refusal", request.refusal);
+    out_.list("native", request.calls, [&](const yfw::native_call &call) { add(call); });
     add_walk(request.walk);
-    list("values", request.values, [&](const yfw::value_mapping &each) { add(each); });
+    out_.list("values", request.values, [&](const yfw::value_mapping &each) {
+      out_.text("value", each.value);
+      out_.texts("results", each.results);
+      out_.text_if_any("refusal", each.refusal);
+    });
     add_leaves("before", request.before);
     add_leaves("after", request.after);
-    out_.EndObject();
   }
 
   void add(const yfw::native_call &call) {
-    out_.StartObject();
-    member("operation", call.kind == yfw::call_kind::read ? "read" : yfw::operation_word(call.operation));
-    member("path", call.path());
-    member("namespace", yfw::ns(call.steps.back().node));
-    if (call.value) {
-      member("value", *call.value);
-    }
-    out_.Key("flag");
-    out_.Uint(call.flag);
-    out_.EndObject();
-  }
-
-  void add(const yfw::value_mapping &mapping) {
-    out_.StartObject();
-    member("value", mapping.value);
-    texts("results", mapping.results);
-    if (!mapping.refusal.empty()) {
-      member("refusal", mapping.refusal);
-    }
-    out_.EndObject();
+    out_.text("operation", call.kind == yfw::call_kind::read ? "read" : yfw::operation_word(call.operation));
+    out_.text("path", call.path());
+    out_.text("namespace", yfw::ns(call.steps.back().node));
+    out_.text("value", call.value);
+    out_.number("flag", call.flag);
   }
 
   void add(const yfw::explained_reply &reply) {
-    out_.StartObject();
-    member("value", reply.value);
-    if (!reply.refusal.empty()) {
-      member("refusal", reply.refusal);
-    }
+    out_.text("value", reply.value);
+    out_.text_if_any("refusal", reply.refusal);
     add_leaves("reported", reply.reported);
-    texts("notes", reply.notes);
+    out_.texts("notes", reply.notes);
     add_walk(reply.walk);
-    out_.EndObject();
   }
 
-  void add_leaves(const char *name, const std::vector<yfw::reported_leaf> &leaves) {
-    list(name, leaves, [&](const yfw::reported_leaf &leaf) {
-      out_.StartObject();
-      member("path", leaf.path);
-      member("value", leaf.value);
-      out_.EndObject();
+  void add_leaves(std::string_view name, const std::vector<yfw::reported_leaf> &leaves) {
+    out_.list(name, leaves, [&](const yfw::reported_leaf &leaf) {
+      out_.text("path", leaf.path);
+      out_.text("value", leaf.value);
     });
   }
 
   void add_walk(const std::vector<yfw::traced_function> &walk) {
     if (const yfw::traced_function *answer = answering(walk, told_.leaf); answer != nullptr) {
-      member("answered-by", answer->name);
+      out_.text("answered-by", answer->name);
     }
-    list("functions", walk, [&](const yfw::traced_function &function) {
-      out_.StartObject();
-      member("name", function.name);
-      member("role", yfw::word(function.role));
-      out_.Key("line");
-      out_.Uint(function.line);
-      out_.Key("depth");
-      out_.Uint(function.depth);
-      texts("said", function.said);
-      out_.EndObject();
+    out_.list("functions", walk, [&](const yfw::traced_function &function) {
+      out_.text("name", function.name);
+      out_.text("role", yfw::word(function.role));
+      out_.number("line", function.line);
+      out_.number("depth", function.depth);
+      out_.texts("said", function.said);
     });
   }
 
   const yfw::explanation &told_;
-  rapidjson::StringBuffer buffer_;
-  rapidjson::PrettyWriter<rapidjson::StringBuffer> out_{buffer_};
+  json_report &out_;
 };
 
 }  // namespace
 
 std::string explanation_as_json(const yfw::explanation &told) {
-  return json_report(told).text();
+  return json_report::with([&](json_report &out) { explain_json(told, out).write(); });
 }
 
 }  // namespace ymap

@@ -1,10 +1,14 @@
 #include "input.hpp"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <iostream>
 #include <memory>
+#include <utility>
 
 #include "yfw/error.hpp"
 
@@ -42,6 +46,35 @@ std::string read_text(const std::string &file) {
     refuse(file, "cannot be opened");
   }
   return read_stream(stream.get(), file);
+}
+
+text_file::text_file(std::string name)
+    : name_(std::move(name)), descriptor_(name_ == "-" ? STDIN_FILENO : ::open(name_.c_str(), O_RDONLY | O_CLOEXEC)) {
+  if (descriptor_ < 0) {
+    refuse(name_, "cannot be opened");
+  }
+  begin_ = ::lseek(descriptor_, 0, SEEK_CUR);
+}
+
+text_file::~text_file() {
+  if (descriptor_ != STDIN_FILENO) {
+    ::close(descriptor_);
+  }
+}
+
+size_t text_file::read(std::span<char> room) {
+  ssize_t count = 0;
+  do {
+    count = ::read(descriptor_, room.data(), room.size());
+  } while (count < 0 && errno == EINTR);
+  if (count < 0) {
+    refuse(name_, "cannot be read");
+  }
+  return static_cast<size_t>(count);
+}
+
+bool text_file::rewind() {
+  return begin_ >= 0 && ::lseek(descriptor_, begin_, SEEK_SET) == begin_;
 }
 
 void write_result(const std::string &text) {

@@ -1,13 +1,35 @@
 // Text in and out of the program.
 #pragma once
 
+#include <sys/types.h>
+
 #include <string>
 #include <vector>
+
+#include "yfw/reply_stream.hpp"
 
 namespace ymap {
 
 // The whole of a file, or of standard input for "-". Throws `yfw::error` when it cannot be read.
 std::string read_text(const std::string &file);
+
+// A file, or standard input for "-", that is read in pieces. Rewinding goes back to where reading began.
+class text_file : public yfw::text_source {
+ public:
+  // Throws `yfw::error` when it cannot be opened.
+  explicit text_file(std::string name);
+  ~text_file() override;
+  text_file(const text_file &) = delete;
+  text_file &operator=(const text_file &) = delete;
+
+  size_t read(std::span<char> room) override;
+  bool rewind() override;
+
+ private:
+  std::string name_;
+  int descriptor_;
+  off_t begin_;  // negative: it has no places to go back to
+};
 
 // How messages call it.
 std::string display_name(const std::string &file);

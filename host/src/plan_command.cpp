@@ -1,6 +1,3 @@
-#include <rapidjson/prettywriter.h>
-#include <rapidjson/stringbuffer.h>
-
 #include <iomanip>
 #include <iostream>
 #include <memory>
@@ -8,6 +5,7 @@
 
 #include "commands.hpp"
 #include "input.hpp"
+#include "json_report.hpp"
 #include "setup.hpp"
 #include "yfw/node.hpp"
 #include "yfw/plan.hpp"
@@ -65,42 +63,21 @@ class plan_report {
   }
 
   std::string json() const {
-    rapidjson::StringBuffer buffer;
-    json_writer out(buffer);
-    out.SetIndent(' ', 2);
-    out.StartObject();
-    out.Key("edits");
-    out.StartArray();
-    for (const yfw::native_call &call : plan_.request.calls) {
-      add_edit(out, call);
-    }
-    out.EndArray();
-    out.Key("reads");
-    out.StartArray();
-    for (const yfw::needed_read &read : plan_.reads) {
-      out.StartObject();
-      add(out, "path", read.path);
-      add(out, "reason", reason(read));
-      out.EndObject();
-    }
-    out.EndArray();
-    out.Key("problems");
-    out.StartArray();
-    for (const yfw::rpc_error &problem : plan_.problems) {
-      out.StartObject();
-      add_place(out, problem.where());
-      add(out, "error-tag", word(problem.tag()));
-      add(out, "error-message", problem.text());
-      out.EndObject();
-    }
-    out.EndArray();
-    out.EndObject();
-    return std::string(buffer.GetString(), buffer.GetSize()) + "\n";
+    return json_report::with([&](json_report &out) {
+      out.list("edits", plan_.request.calls, [&](const yfw::native_call &call) { add_edit(out, call); });
+      out.list("reads", plan_.reads, [&](const yfw::needed_read &read) {
+        out.text("path", read.path);
+        out.text("reason", reason(read));
+      });
+      out.list("problems", plan_.problems, [&](const yfw::rpc_error &problem) {
+        add_place(out, problem.where());
+        out.text("error-tag", word(problem.tag()));
+        out.text("error-message", problem.text());
+      });
+    });
   }
 
  private:
-  using json_writer = rapidjson::PrettyWriter<rapidjson::StringBuffer>;
-
   static std::string_view operation(const yfw::native_call &call) {
     return yfw::operation_word(call.operation);
   }
@@ -135,43 +112,29 @@ class plan_report {
     return text + cause.where.file + ":" + std::to_string(cause.where.line) + ")";
   }
 
-  static void add(json_writer &out, const char *name, std::string_view value) {
-    out.Key(name);
-    out.String(value.data(), static_cast<rapidjson::SizeType>(value.size()));
+  static void add_place(json_report &out, const yfw::place &where) {
+    out.text("file", where.file);
+    out.number("line", where.line);
+    out.text("path", where.path);
   }
 
-  static void add_place(json_writer &out, const yfw::place &where) {
-    add(out, "file", where.file);
-    out.Key("line");
-    out.Uint(where.line);
-    add(out, "path", where.path);
-  }
-
-  void add_edit(json_writer &out, const yfw::native_call &call) const {
-    out.StartObject();
-    add(out, "operation", operation(call));
-    add(out, "path", call.path());
-    add(out, "namespace", yfw::ns(call.steps.back().node));
-    if (call.value) {
-      add(out, "value", *call.value);
-    }
+  void add_edit(json_report &out, const yfw::native_call &call) const {
+    out.text("operation", operation(call));
+    out.text("path", call.path());
+    out.text("namespace", yfw::ns(call.steps.back().node));
+    out.text("value", call.value);
     if (call.cause != nullptr) {
-      add_cause(out, cause_of(call));
+      out.object("cause", [&] { add_cause(out, cause_of(call)); });
     }
-    out.EndObject();
   }
 
-  static void add_cause(json_writer &out, const plan_cause &cause) {
-    out.Key("cause");
-    out.StartObject();
+  static void add_cause(json_report &out, const plan_cause &cause) {
     add_place(out, cause.where);
-    add(out, "operation", cause.operation);
+    out.text("operation", cause.operation);
     if (cause.value != nullptr) {
-      add(out, "value", cause.value);
+      out.text("value", cause.value);
     }
-    out.Key("implied");
-    out.Bool(cause.is_whole);
-    out.EndObject();
+    out.flag("implied", cause.is_whole);
   }
 
   const yfw::document &document_;

@@ -1,13 +1,10 @@
 #include <memory>
-#include <optional>
-#include <sstream>
+#include <iostream>
 
 #include "commands.hpp"
 #include "input.hpp"
 #include "setup.hpp"
-#include "yfw/node.hpp"
-#include "yfw/reply.hpp"
-#include "yfw/writer.hpp"
+#include "yfw/reply_stream.hpp"
 
 namespace ymap {
 namespace {
@@ -22,22 +19,15 @@ constexpr const char *about_reply =
 struct reply_command_options {
   std::string file;
   setup_options setup;
-  std::optional<yfw::data_format> to;  // none: as the input
-  yfw::reply_options reply;
+  yfw::stream_options stream;
 };
 
 void run(const reply_command_options &options) {
   setup with(options.setup);
-  yfw::document document = yfw::document::read(read_text(options.file), display_name(options.file), with.schema());
-  const yfw::reply reply = translate_reply(document, with.plugin(), options.reply, with.trace());
-  std::ostringstream text;
-  if (options.to.value_or(document.format()) == yfw::data_format::json) {
-    write_json(text, reply.data);
-  } else {
-    write_xml(text, reply.data, {.wrappers = {{"data", yfw::netconf_ns}}});
-  }
-  write_notes(reply.notes);
-  write_result(text.str());
+  text_file native(options.file);
+  write_notes(translate_reply_stream(native, display_name(options.file), with.schema(), with.plugin(), options.stream,
+                                     with.trace(), std::cout));
+  write_result("");
 }
 
 }  // namespace
@@ -50,14 +40,17 @@ void add_reply(CLI::App &app) {
   add_setup(command, options->setup);
   add_choice<yfw::data_format>(command, "--to", "format of the result (default: that of the input)",
                                {{"xml", yfw::data_format::xml}, {"json", yfw::data_format::json}},
-                               [options](yfw::data_format format) { options->to = format; });
+                               [options](yfw::data_format format) { options->stream.to = format; });
   add_choice<yfw::content>(
       command, "--content", "which leaves (RFC 8040, section 4.8.1; default: all)",
       {{"all", yfw::content::all}, {"config", yfw::content::config}, {"nonconfig", yfw::content::nonconfig}},
-      [options](yfw::content content) { options->reply.wanted = content; });
-  command.add_option("--interface", options->reply.entries, "only this interface; repeatable")
+      [options](yfw::content content) { options->stream.reply.wanted = content; });
+  command.add_option("--interface", options->stream.reply.entries, "only this interface; repeatable")
       ->type_name("NAME")
       ->allow_extra_args(false);
+  command.add_option("-j,--jobs", options->stream.jobs, "how many threads translate a large reply (default: all processors)")
+      ->type_name("N")
+      ->check(CLI::Range(1, 1024));
   command.callback([options] { run(*options); });
 }
 

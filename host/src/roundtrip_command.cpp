@@ -1,7 +1,3 @@
-#include <rapidjson/document.h>
-#include <rapidjson/prettywriter.h>
-#include <rapidjson/stringbuffer.h>
-
 #include <algorithm>
 #include <filesystem>
 #include <iomanip>
@@ -11,6 +7,7 @@
 
 #include "commands.hpp"
 #include "input.hpp"
+#include "json_report.hpp"
 #include "setup.hpp"
 #include "yfw/error.hpp"
 #include "yfw/roundtrip.hpp"
@@ -84,83 +81,37 @@ std::string as_text(const roundtrip_view &view) {
   return out.str();
 }
 
-class json_report {
- public:
-  explicit json_report(const roundtrip_view &view) : view_(view) {
-    out_.SetIndent(' ', 2);
-  }
+void add_counts(json_report &out, const roundtrip_view &view, yfw::law which) {
+  const yfw::law_count &counts = view.found.counts[static_cast<size_t>(which)];
+  out.number("tried", counts.tried);
+  out.number("refused", counts.refused);
+  out.number("known", count(view.known, which));
+  out.number("broken", count(view.unknown, which));
+}
 
-  std::string text() {
-    out_.StartObject();
-    out_.Key("laws");
-    out_.StartObject();
-    for (const yfw::law which : yfw::all_laws) {
-      add_counts(which);
-    }
-    out_.EndObject();
-    add_losses("broken", view_.unknown);
-    add_losses("known", view_.known);
-    out_.Key("stale-lines");
-    out_.StartArray();
-    for (const yfw::known_loss *loss : view_.stale) {
-      out_.Uint(loss->line);
-    }
-    out_.EndArray();
-    out_.Key("not-tried");
-    out_.StartArray();
-    for (const std::string &leaf : view_.found.not_tried) {
-      out_.String(leaf.c_str());
-    }
-    out_.EndArray();
-    out_.EndObject();
-    return std::string(buffer_.GetString(), buffer_.GetSize()) + "\n";
-  }
+void add_losses(json_report &out, const char *name, const std::vector<const yfw::broken_law *> &losses) {
+  out.list(name, losses, [&](const yfw::broken_law *each) {
+    out.text("law", word(each->which));
+    out.text("path", each->path);
+    out.text("value", each->value);
+    out.text("what", each->what);
+    out.json("tree", each->tree);
+  });
+}
 
- private:
-  void member(const char *name, std::string_view value) {
-    out_.Key(name);
-    out_.String(value.data(), static_cast<rapidjson::SizeType>(value.size()));
-  }
-
-  void number(const char *name, size_t value) {
-    out_.Key(name);
-    out_.Uint64(value);
-  }
-
-  void add_counts(yfw::law which) {
-    const yfw::law_count &counts = view_.found.counts[static_cast<size_t>(which)];
-    out_.Key(word(which).data());
-    out_.StartObject();
-    number("tried", counts.tried);
-    number("refused", counts.refused);
-    number("known", count(view_.known, which));
-    number("broken", count(view_.unknown, which));
-    out_.EndObject();
-  }
-
-  void add_losses(const char *name, const std::vector<const yfw::broken_law *> &losses) {
-    out_.Key(name);
-    out_.StartArray();
-    for (const yfw::broken_law *each : losses) {
-      out_.StartObject();
-      member("law", word(each->which));
-      member("path", each->path);
-      if (each->value) {
-        member("value", *each->value);
+std::string as_json(const roundtrip_view &view) {
+  return json_report::with([&](json_report &out) {
+    out.object("laws", [&] {
+      for (const yfw::law which : yfw::all_laws) {
+        out.object(word(which), [&] { add_counts(out, view, which); });
       }
-      member("what", each->what);
-      out_.Key("tree");
-      rapidjson::Document tree;
-      tree.Parse(each->tree.data(), each->tree.size()).Accept(out_);
-      out_.EndObject();
-    }
-    out_.EndArray();
-  }
-
-  const roundtrip_view &view_;
-  rapidjson::StringBuffer buffer_;
-  rapidjson::PrettyWriter<rapidjson::StringBuffer> out_{buffer_};
-};
+    });
+    add_losses(out, "broken", view.unknown);
+    add_losses(out, "known", view.known);
+    out.list("stale", view.stale, [&](const yfw::known_loss *loss) { out.number("line", loss->line); });
+    out.texts("not-tried", view.found.not_tried);
+  });
+}
 
 std::string losses_file(const roundtrip_options &options, const yfw::plugin &mapping) {
   if (!options.allow.empty()) {
@@ -184,7 +135,7 @@ void run(const roundtrip_options &options) {
     throw yfw::error("nothing was tried: the modules have no leaf that the plug-in serves");
   }
   const roundtrip_view view = compare(found, losses);
-  write_result(options.format == roundtrip_format::json ? json_report(view).text() : as_text(view));
+  write_result(options.format == roundtrip_format::json ? as_json(view) : as_text(view));
   for (const yfw::known_loss *loss : view.stale) {
     const yfw::error stale({display_name(file), loss->line, loss->path}, "'" + std::string(word(loss->which)) +
                                                                              "' with " + yfw::quoted(loss->value) +

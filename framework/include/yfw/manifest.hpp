@@ -42,6 +42,9 @@ struct manifest {
   // was written for another version of the ABI.
   static manifest read(const std::filesystem::path &file);
 
+  // The same of a text; `file` is for messages.
+  static manifest parse(const std::string &text, const std::filesystem::path &file);
+
   // The pair with that native list, or null.
   const list_pair *pair_of_low(std::string_view path) const;
 };

@@ -47,6 +47,9 @@ class schema {
   // the others may be in any. Null when there is none or more than one.
   const lysc_node *find(std::string_view path, std::string_view ns) const;
 
+  // All nodes of an absolute path of plain names.
+  std::vector<const lysc_node *> find_all(std::string_view path) const;
+
   // Children in the order of the module; of null: the top-level nodes of all modules.
   const std::vector<const lysc_node *> &children(const lysc_node *parent) const;
 
@@ -91,6 +94,9 @@ std::string_view module_name(const lysc_node *node);
 
 // The data node above, or null.
 const lysc_node *parent(const lysc_node *node);
+
+// Whether the node is `top` or stands below it; `top` may be a choice or a case.
+bool is_within(const lysc_node *node, const lysc_node *top);
 
 // The names of a list's keys in the order of its key statement; none for other nodes.
 std::vector<std::string_view> keys(const lysc_node *list);

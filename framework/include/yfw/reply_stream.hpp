@@ -1,0 +1,48 @@
+// Native data of any size translated in pieces of bounded size.
+#pragma once
+
+#include <cstddef>
+#include <iosfwd>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "yfw/reply.hpp"
+
+namespace yfw {
+
+// A text that is read from its beginning to its end.
+class text_source {
+ public:
+  virtual ~text_source() = default;
+
+  // Fills the beginning of `room`; returns how many bytes, 0 at the end. Throws `error` when it cannot be read.
+  virtual size_t read(std::span<char> room) = 0;
+
+  // Goes back to the beginning; false when it cannot, as in a pipe.
+  virtual bool rewind() = 0;
+};
+
+struct stream_options {
+  reply_options reply;
+  std::optional<data_format> to;    // none: as the text
+  size_t piece_bytes = 256 * 1024;  // the least size of a piece
+  unsigned jobs = 0;                // pieces in work at the same time; 0: as many as there are processors
+};
+
+// What `translate_reply` and a writer make of a whole text, with memory for a few pieces only: the text is cut between
+// the entries of the native lists that the manifest names, each piece is translated by itself, and the results are put
+// together in order. XML gets a `data` element around it.
+//
+// Pieces wait for the last one in a temporary file, so that nothing is written to `out` when the text turns out to be
+// bad; so does the text itself when it cannot be rewound. A text whose entries of the high model come from several
+// places of it is translated as a whole, in memory, for then a piece does not have all of an entry; so is every text
+// while calls are traced or captured.
+//
+// Returns the notes. Throws `error` as `document::read`, `translate_reply` and the writers do, and when a file fails.
+std::vector<std::string> translate_reply_stream(text_source &native, const std::string &file, const schema &modules,
+                                                const plugin &mapping, const stream_options &options, trace_log &log,
+                                                std::ostream &out);
+
+}  // namespace yfw

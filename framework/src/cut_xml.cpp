@@ -1,0 +1,183 @@
+#include <algorithm>
+#include <cstring>
+
+#include "document_cutter.hpp"
+
+namespace yfw {
+namespace {
+
+constexpr size_t none = std::string_view::npos;
+
+class xml_cutter : public document_cutter {
+ public:
+  explicit xml_cutter(std::vector<std::string> lists) : lists_(std::move(lists)) {}
+
+  data_format format() const override {
+    return data_format::xml;
+  }
+
+  std::optional<cut> next_cut(std::string_view window, size_t least) override {
+    window_ = window;
+    while (is_good_ && to_next_angle()) {
+      if (at_ >= least && begins_entry()) {
+        return cut{at_, at_};
+      }
+      if (!pass_construct()) {
+        break;
+      }
+    }
+    return std::nullopt;
+  }
+
+  void drop(size_t bytes) override {
+    at_ -= bytes;
+  }
+
+  std::string opening() const override {
+    std::string text;
+    for (const open_tag &each : open_) {
+      text += each.text;
+    }
+    std::ranges::replace(text, '\n', ' ');
+    return text;
+  }
+
+  std::string closing() const override {
+    std::string text;
+    for (auto each = open_.rbegin(); each != open_.rend(); ++each) {
+      text += "</" + std::string(each->name()) + '>';
+    }
+    return text;
+  }
+
+  bool is_good() const override {
+    return is_good_;
+  }
+
+ private:
+  struct open_tag {
+    std::string text;   // "<name …>"
+    size_t outer_path;  // length of `path_` outside
+
+    std::string_view name() const {
+      return std::string_view(text).substr(1, text.find_first_of(" \t\r\n/>") - 1);
+    }
+  };
+
+  bool to_next_angle() {
+    at_ = std::min(window_.find('<', at_), window_.size());
+    return at_ < window_.size();
+  }
+
+  // Moves behind what begins with the '<' here; false, without moving, when it does not end in the window.
+  bool pass_construct() {
+    constexpr size_t longest_opening = 9;
+    const std::string_view begin = window_.substr(at_, longest_opening);
+    if (begin.starts_with("</")) {
+      return pass_end_tag();
+    }
+    if (begin.starts_with("<?")) {
+      return move_behind(window_.find("?>", at_ + 2), 2);
+    }
+    if (!begin.starts_with("<!")) {
+      return begin.size() > 1 && pass_start_tag();
+    }
+    if (begin.size() < longest_opening) {
+      return false;
+    }
+    const bool is_comment = begin.starts_with("<!--");
+    is_good_ = is_comment || begin == "<![CDATA[";
+    const std::string_view end = is_comment ? "-->" : "]]>";
+    return move_behind(window_.find(end, at_ + (is_comment ? 4 : longest_opening)), end.size());
+  }
+
+  bool move_behind(size_t found, size_t size) {
+    at_ = found == none ? at_ : found + size;
+    return found != none;
+  }
+
+  bool pass_end_tag() {
+    const size_t end = window_.find('>', at_);
+    if (end == none) {
+      return false;
+    }
+    if (depth_in_entry_ > 0) {
+      --depth_in_entry_;
+    } else if (open_.empty()) {
+      is_good_ = false;
+    } else {
+      path_.resize(open_.back().outer_path);
+      open_.pop_back();
+    }
+    at_ = end + 1;
+    return true;
+  }
+
+  bool pass_start_tag() {
+    const size_t end = tag_end();
+    if (end == none) {
+      return false;
+    }
+    const bool is_empty = window_[end - 1] == '/';
+    if (depth_in_entry_ > 0) {
+      depth_in_entry_ += is_empty ? 0 : 1;
+    } else if (!is_empty && begins_entry()) {
+      depth_in_entry_ = 1;
+    } else if (!is_empty) {
+      const size_t outer_path = path_.size();
+      add_plain_step(path_, name_here());
+      open_.push_back({std::string(window_.substr(at_, end + 1 - at_)), outer_path});
+    }
+    at_ = end + 1;
+    return true;
+  }
+
+  // Where the '>' of the tag is, which attribute values may hold, too.
+  size_t tag_end() const {
+    for (size_t at = at_ + 1; at < window_.size(); ++at) {
+      const char c = window_[at];
+      if (c == '>') {
+        return at;
+      }
+      if (c == '"' || c == '\'') {
+        at = window_.find(c, at + 1);
+        if (at == none) {
+          return none;
+        }
+      }
+    }
+    return none;
+  }
+
+  // Empty when the name does not end in the window.
+  std::string_view name_here() const {
+    const size_t end = window_.find_first_of(" \t\r\n/>", at_ + 1);
+    return end == none ? "" : window_.substr(at_ + 1, end - at_ - 1);
+  }
+
+  // Whether the tag here opens an entry of one of the lists.
+  bool begins_entry() const {
+    if (depth_in_entry_ > 0 || name_here().empty()) {
+      return false;
+    }
+    std::string path = path_;
+    add_plain_step(path, name_here());
+    return std::ranges::find(lists_, path) != lists_.end();
+  }
+
+  std::vector<std::string> lists_;
+  std::string_view window_;
+  size_t at_ = 0;
+  size_t depth_in_entry_ = 0;
+  std::vector<open_tag> open_;  // outside entries
+  std::string path_;            // of the innermost of them
+  bool is_good_ = true;
+};
+
+}  // namespace
+
+std::unique_ptr<document_cutter> make_xml_cutter(std::vector<std::string> lists) {
+  return std::make_unique<xml_cutter>(std::move(lists));
+}
+
+}  // namespace yfw

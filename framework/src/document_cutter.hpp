@@ -1,0 +1,52 @@
+// Cuts the text of a large document between list entries, so that each piece can be read as a document of its own.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "yfw/document.hpp"
+
+namespace yfw {
+
+// The piece ends before `end`, the next one begins at `next`: in JSON the comma between them belongs to neither.
+struct cut {
+  size_t end;
+  size_t next;
+};
+
+// Looks at no more of the text than it takes to find its way: what is not well-formed is left to the reader of the
+// pieces. The text is given as a window that grows at its end and is shortened at its front.
+class document_cutter {
+ public:
+  virtual ~document_cutter() = default;
+
+  virtual data_format format() const = 0;
+
+  // The first place in `window` at or after `least` where an entry of one of the lists begins that is not inside another
+  // one; none when the window ends before. The window begins where the last call saw it begin, or at the last cut.
+  virtual std::optional<cut> next_cut(std::string_view window, size_t least) = 0;
+
+  // Drops what is before the cut that was found last.
+  virtual void drop(size_t bytes) = 0;
+
+  // At the cut that was found last: what makes the text before it, and the text after it, whole. Without line feeds.
+  virtual std::string opening() const = 0;
+  virtual std::string closing() const = 0;
+
+  // False when something was met that only a reader of the whole can judge: then pieces do not stand for the whole.
+  virtual bool is_good() const = 0;
+};
+
+// A cutter for the format of a text that begins so. `lists` are schema paths of plain names. Null when the text begins
+// neither XML nor JSON.
+std::unique_ptr<document_cutter> make_cutter(std::string_view begin, std::vector<std::string> lists);
+std::unique_ptr<document_cutter> make_xml_cutter(std::vector<std::string> lists);
+std::unique_ptr<document_cutter> make_json_cutter(std::vector<std::string> lists);
+
+// "/a/b" for the names of open nodes: prefixes of namespaces and modules, and envelopes at the top, are left out.
+void add_plain_step(std::string &path, std::string_view name);
+
+}  // namespace yfw

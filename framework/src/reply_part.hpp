@@ -1,0 +1,45 @@
+// The translation of one document that may be a part of a larger one.
+#pragma once
+
+#include <set>
+#include <string>
+#include <unordered_set>
+#include <vector>
+
+#include "yfw/reply.hpp"
+
+namespace yfw {
+
+struct reply_note {
+  std::string text;
+  std::string once;  // of the notes with the same word here only the first one counts; empty: all do
+};
+
+// Notes in the order of the document. One that repeats the last is dropped: a leaf is often reported in two places,
+// config and state.
+class reply_notes {
+ public:
+  bool has(const std::string &once) const {
+    return !once.empty() && once_.contains(once);
+  }
+  void add(reply_note note);
+  void add(reply_notes part);
+  std::vector<std::string> texts() &&;
+
+ private:
+  std::vector<reply_note> notes_;
+  std::unordered_set<std::string> once_;
+};
+
+struct reply_part {
+  data_tree data;
+  reply_notes notes;
+  std::set<std::string> met;  // those of the wanted entries that were met
+};
+
+// `translate_reply` without the notes about entries that the whole document lacks, which are the second function's.
+reply_part translate_part(document &native, const plugin &mapping, const reply_options &options, trace_log &log);
+void note_missing_entries(reply_notes &notes, const reply_options &options, const std::set<std::string> &met,
+                          const std::string &file);
+
+}  // namespace yfw

@@ -1,0 +1,239 @@
+#include "yfw/reply_stream.hpp"
+
+#include <algorithm>
+#include <deque>
+#include <future>
+#include <ostream>
+#include <sstream>
+#include <thread>
+#include <unordered_set>
+#include <utility>
+
+#include "capture_writer.hpp"
+#include "reply_part.hpp"
+#include "reply_pieces.hpp"
+#include "spool.hpp"
+#include "yfw/node.hpp"
+#include "yfw/writer.hpp"
+
+namespace yfw {
+namespace {
+
+// What a piece becomes: lines around, which should be the same for all pieces, and the entries between them.
+struct translated_piece {
+  bool is_empty = true;
+  bool is_regular = true;  // holds nothing but entries of one list
+  std::string before, entries, after;
+  std::string_view separator;  // between entries
+  std::vector<size_t> keys;    // of the entries, hashed
+  reply_notes notes;
+  std::set<std::string> met;
+};
+
+// The list whose entries are all that the tree holds, and how many containers are around it; null for other trees.
+std::pair<const data_node *, size_t> only_list(const data_tree &tree) {
+  size_t depth = 0;
+  const data_node *node = tree.first();
+  while (node != nullptr && node->next == nullptr && is_container(node->schema)) {
+    node = node->first_child;
+    ++depth;
+  }
+  const bool is_only = node != nullptr && node->next == nullptr && is_list(node->schema);
+  return {is_only ? node : nullptr, depth};
+}
+
+size_t key_hash(const data_node &entry) {
+  size_t hash = 0;
+  for (const std::string_view key : keys(entry.schema)) {
+    for (const data_node *leaf = entry.first_child; leaf != nullptr; leaf = leaf->next) {
+      if (leaf->tag == key && leaf->value) {
+        hash = hash * 31 + std::hash<std::string_view>()(*leaf->value);
+      }
+    }
+  }
+  return hash;
+}
+
+// Behind the first `count` lines.
+size_t lines_end(std::string_view text, size_t count) {
+  size_t at = 0;
+  while (count-- > 0) {
+    at = text.find('\n', at) + 1;
+  }
+  return at;
+}
+
+// The line feed before the last `count` lines.
+size_t last_lines_begin(std::string_view text, size_t count) {
+  size_t at = text.size() - 1;
+  while (count-- > 0) {
+    at = text.rfind('\n', at - 1);
+  }
+  return at;
+}
+
+class reply_stream {
+ public:
+  reply_stream(text_source &native, const std::string &file, const schema &modules, const plugin &mapping,
+               const stream_options &options, trace_log &log, std::ostream &out)
+      : source_(native, native_lists(mapping.description()), options.piece_bytes),
+        file_(file),
+        modules_(modules),
+        mapping_(mapping),
+        options_(options),
+        jobs_(options.jobs != 0 ? options.jobs : std::max(1U, std::thread::hardware_concurrency())),
+        log_(log),
+        out_(out) {}
+
+  std::vector<std::string> run() {
+    const bool is_watched = log_.wants_short_form() || log_.wants_long_form() || capture_writer::is_running();
+    if (is_watched || !translate_pieces()) {
+      pending_.clear();
+      return translate_whole(source_.whole());
+    }
+    finish();
+    note_missing_entries(notes_, options_.reply, met_, file_);
+    return std::move(notes_).texts();
+  }
+
+ private:
+  static std::vector<std::string> native_lists(const manifest &description) {
+    std::vector<std::string> lists;
+    for (const list_pair &pair : description.lists) {
+      lists.push_back(pair.low);
+    }
+    return lists;
+  }
+
+  std::vector<std::string> translate_whole(std::string text) {
+    document native = document::read(std::move(text), file_, modules_);
+    const reply whole = translate_reply(native, mapping_, options_.reply, log_);
+    write(out_, whole.data, options_.to.value_or(native.format()));
+    return whole.notes;
+  }
+
+  static void write(std::ostream &out, const data_tree &tree, data_format format) {
+    if (format == data_format::json) {
+      write_json(out, tree);
+    } else {
+      write_xml(out, tree, {.wrappers = {{"data", netconf_ns}}});
+    }
+  }
+
+  // False when the text must be translated as a whole: it is but one piece, or its pieces do not stand for it.
+  bool translate_pieces() {
+    while (std::optional<piece> next = source_.next()) {
+      if (next->is_whole || !source_.is_good()) {
+        return false;
+      }
+      const auto policy = jobs_ > 1 ? std::launch::async : std::launch::deferred;
+      pending_.push_back(std::async(policy, [this, each = std::move(*next)]() mutable { return translate(each); }));
+      if (pending_.size() > jobs_ && !add_oldest()) {
+        return false;
+      }
+    }
+    while (!pending_.empty()) {
+      if (!add_oldest()) {
+        return false;
+      }
+    }
+    return true;
+  }
+
+  // Runs on several threads at once: all that is shared here is only read.
+  translated_piece translate(piece &each) const {
+    document native = document::read(std::move(each.text), file_, modules_, {}, each.first_line);
+    trace_log silent;
+    reply_part part = translate_part(native, mapping_, options_.reply, silent);
+    translated_piece result;
+    result.notes = std::move(part.notes);
+    result.met = std::move(part.met);
+    result.is_empty = part.data.first() == nullptr;
+    if (!result.is_empty) {
+      take_apart(part.data, options_.to.value_or(native.format()), result);
+    }
+    return result;
+  }
+
+  static void take_apart(const data_tree &tree, data_format format, translated_piece &result) {
+    const auto [list, depth] = only_list(tree);
+    result.is_regular = list != nullptr;
+    if (list == nullptr) {
+      return;
+    }
+    for (const data_node *entry = list; entry != nullptr; entry = entry->next_entry) {
+      result.keys.push_back(key_hash(*entry));
+    }
+    std::ostringstream stream;
+    write(stream, tree, format);
+    const std::string_view text = stream.view();
+    const size_t around = depth + (format == data_format::json ? 2 : 1);  // the object and the array; the data element
+    const size_t begin = lines_end(text, around);
+    const size_t end = last_lines_begin(text, around);
+    result.before = text.substr(0, begin);
+    result.entries = text.substr(begin, end - begin);
+    result.after = text.substr(end);
+    result.separator = format == data_format::json ? ",\n" : "\n";
+  }
+
+  // False when the piece does not go with those before it.
+  bool add_oldest() {
+    translated_piece next = pending_.front().get();
+    pending_.pop_front();
+    notes_.add(std::move(next.notes));
+    met_.merge(next.met);
+    if (next.is_empty) {
+      return true;
+    }
+    const bool is_first = before_.empty();
+    if (is_first) {
+      before_ = next.before;
+      after_ = next.after;
+    }
+    const bool is_like_others = next.is_regular && next.before == before_ && next.after == after_;
+    const bool is_new = std::ranges::all_of(next.keys, [&](size_t key) { return keys_.insert(key).second; });
+    if (is_like_others && is_new) {
+      entries_.append(is_first ? next.before : next.separator);
+      entries_.append(next.entries);
+    }
+    return is_like_others && is_new;
+  }
+
+  void finish() {
+    if (before_.empty()) {
+      write(out_, data_tree(modules_), options_.to.value_or(source_.format()));
+      return;
+    }
+    entries_.append(after_);
+    entries_.read_all([&](std::string_view block) { out_ << block; });
+    if (!out_) {
+      throw error("the output cannot be written");
+    }
+  }
+
+  piece_source source_;
+  const std::string &file_;
+  const schema &modules_;
+  const plugin &mapping_;
+  const stream_options &options_;
+  unsigned jobs_;
+  trace_log &log_;
+  std::ostream &out_;
+
+  std::string before_, after_;
+  spool entries_;
+  std::unordered_set<size_t> keys_;
+  reply_notes notes_;
+  std::set<std::string> met_;
+  std::deque<std::future<translated_piece>> pending_;  // goes first: what runs uses the others
+};
+
+}  // namespace
+
+std::vector<std::string> translate_reply_stream(text_source &native, const std::string &file, const schema &modules,
+                                                const plugin &mapping, const stream_options &options, trace_log &log,
+                                                std::ostream &out) {
+  return reply_stream(native, file, modules, mapping, options, log, out).run();
+}
+
+}  // namespace yfw

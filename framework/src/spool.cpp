@@ -1,0 +1,43 @@
+#include "spool.hpp"
+
+#include <cerrno>
+#include <cstring>
+
+#include "yfw/error.hpp"
+
+namespace yfw {
+
+[[noreturn]] static void refuse(const char *what) {
+  throw error(std::string("a temporary file cannot be ") + what + ": " + std::strerror(errno));
+}
+
+void spool::append(std::string_view text) {
+  if (file_ == nullptr) {
+    file_.reset(std::tmpfile());
+  }
+  if (file_ == nullptr) {
+    refuse("made");
+  }
+  if (std::fwrite(text.data(), 1, text.size(), file_.get()) != text.size()) {
+    refuse("written");
+  }
+}
+
+void spool::read_all(const std::function<void(std::string_view)> &take) {
+  if (file_ == nullptr) {
+    return;
+  }
+  if (std::fflush(file_.get()) != 0) {
+    refuse("written");
+  }
+  std::rewind(file_.get());
+  char block[65536];
+  for (size_t count = 0; (count = std::fread(block, 1, sizeof block, file_.get())) > 0;) {
+    take({block, count});
+  }
+  if (std::ferror(file_.get()) != 0) {
+    refuse("read");
+  }
+}
+
+}  // namespace yfw

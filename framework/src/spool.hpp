@@ -1,0 +1,24 @@
+// A temporary file that grows at its end and is read once.
+#pragma once
+
+#include <cstdio>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace yfw {
+
+class spool {
+ public:
+  // Throws `error` when the file cannot be made or written.
+  void append(std::string_view text);
+
+  // Hands all that was appended, in pieces, to `take`.
+  void read_all(const std::function<void(std::string_view)> &take);
+
+ private:
+  std::unique_ptr<std::FILE, int (*)(std::FILE *)> file_{nullptr, &std::fclose};
+};
+
+}  // namespace yfw
