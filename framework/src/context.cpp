@@ -3,12 +3,11 @@
 #include <cstdlib>
 #include <utility>
 
+#include "yfw/error.hpp"
 #include "yfw/node.hpp"
 
 namespace yfw {
 namespace {
-
-thread_local context *running_context = nullptr;
 
 const yfw_node_t *node_with_text(const yfw_node_t &node, const char *text) {
   if (node.tag == text || node.value == text) {
@@ -61,8 +60,8 @@ uint32_t context::fail(std::string reason) {
   return status_framework_failure;
 }
 
-void context::report(std::string text) {
-  problems.push_back({std::move(text), compared, hierarchy.empty() ? nullptr : hierarchy.back()});
+void context::report(std::string_view text) {
+  problems.push_back({one_line(text), compared, hierarchy.empty() ? nullptr : hierarchy.back()});
 }
 
 const yfw_node_t *context::open_entry(std::string_view path) const {
@@ -88,9 +87,7 @@ const yfw_node_t *node_compared(const yfw_node_t &node, const compared_texts &co
   return nullptr;
 }
 
-context *active_context() {
-  return running_context;
-}
+constinit thread_local context *running_context = nullptr;
 
 active_scope::active_scope(context &ctx) : outer_(std::exchange(running_context, &ctx)) {}
 

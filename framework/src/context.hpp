@@ -59,7 +59,7 @@ class context : public yfw_ctx_t {
   uint32_t fail(std::string reason);
 
   // Remembers what is wrong with the input node that the plug-in is at.
-  void report(std::string text);
+  void report(std::string_view text);
 
   // The entry of the list with schema path `path` that is open in the node hierarchy, or null.
   const yfw_node_t *open_entry(std::string_view path) const;
@@ -95,8 +95,13 @@ uint32_t observed(context &ctx, const answer_t &answer, const describe_t &descri
   return ctx.observer == nullptr ? answer() : ctx.observer->pass(describe(), answer);
 }
 
+// Read at every comparison of a walk: found without a call, since this library is there before any thread is.
+[[gnu::visibility("hidden"), gnu::tls_model("initial-exec")]] extern constinit thread_local context *running_context;
+
 // The context whose plug-in call is running on this thread, for the calls of the ABI that carry none. Null outside.
-context *active_context();
+inline context *active_context() {
+  return running_context;
+}
 
 // Makes a context the active one for its lifetime.
 class active_scope {

@@ -6,6 +6,14 @@
 
 namespace yfw {
 
+static unsigned count_lines(std::string_view text) {
+  unsigned count = 0;
+  for (size_t at = 0; (at = text.find('\n', at)) != std::string_view::npos; ++at) {
+    ++count;
+  }
+  return count;
+}
+
 piece_source::piece_source(text_source &text, std::vector<std::string> lists, size_t least)
     : text_(text), lists_(std::move(lists)), least_(least), can_rewind_(text.rewind()) {}
 
@@ -33,7 +41,7 @@ piece piece_source::cut_off(const cut &at) {
   const std::string_view taken = std::string_view(window_).substr(0, at.end);
   piece result{opening_, first_line_, false};
   result.text.append(taken).append(cutter_->closing());
-  first_line_ += static_cast<unsigned>(std::ranges::count(std::string_view(window_).substr(0, at.next), '\n'));
+  first_line_ += count_lines(std::string_view(window_).substr(0, at.next));
   opening_ = cutter_->opening();
   cutter_->drop(at.next);
   window_.erase(0, at.next);
