@@ -2,6 +2,7 @@
 #include <array>
 
 #include "document_cutter.hpp"
+#include "text.hpp"
 
 namespace yfw {
 namespace {
@@ -24,8 +25,8 @@ class json_cutter : public document_cutter {
         if (depth_in_entry_ > 0) {
           return std::nullopt;
         }
-      } else if (window_[at_] == '{' && at_ >= least && is_in_list()) {
-        return cut{comma_ == none ? at_ : comma_, at_};
+      } else if (window_[at_] == '{' && at_ >= least && comma_ != none && is_in_list()) {
+        return cut{comma_, at_};
       } else if (!pass_token()) {
         return std::nullopt;
       }
@@ -72,6 +73,9 @@ class json_cutter : public document_cutter {
 
   // Moves behind the token here; false, without moving, when it does not end in the window.
   bool pass_token() {
+    if (!is_blank(window_[at_])) {
+      comma_ = none;
+    }
     switch (window_[at_]) {
       case '"':
         return pass_string();
@@ -106,11 +110,9 @@ class json_cutter : public document_cutter {
     }
     open_.push_back({window_[at_], std::move(name_), outer_path, {}});
     name_.clear();
-    comma_ = none;
   }
 
   void close() {
-    comma_ = none;
     name_.clear();
     if (open_.empty()) {
       is_good_ = false;
@@ -177,7 +179,7 @@ class json_cutter : public document_cutter {
   std::vector<std::string> lists_;
   std::string_view window_;
   size_t at_ = 0;
-  size_t comma_ = none;  // the comma before the item here
+  size_t comma_ = none;  // the one before what is here
   size_t depth_in_entry_ = 0;
   std::vector<level> open_;  // outside entries
   std::string name_;         // of the member here, with its quotes

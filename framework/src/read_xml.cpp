@@ -116,7 +116,9 @@ class xml_reader {
 
   void refuse_text(const char *text) {
     if (text != nullptr && !is_blank(std::string_view(text))) {
-      builder_.fail(extra(builder_.current()).offset, "text " + quoted(trimmed(text)) + " stands beside elements");
+      const bool is_joined = text == joined_.data();
+      const size_t offset = is_joined ? extra(builder_.current()).offset : offset_of(trimmed(text).data());
+      builder_.fail(offset, "text " + quoted(trimmed(text)) + " stands beside elements");
     }
   }
 

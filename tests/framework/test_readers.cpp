@@ -107,7 +107,7 @@ INSTANTIATE_TEST_SUITE_P(
         ReadRow{"NoNamespace", "<till/>", "in:1: 'till' is in no namespace"},
         ReadRow{"NamespaceTakenBack", xml("<name xmlns=''/>"), "in:2: /library: 'name' is in no namespace"},
         ReadRow{"TextBesideElements", xml("<book>\n<title>Emma</title><edition>1</edition>lost</book>"),
-                "in:2: /library/book[title=\"Emma\"][edition=\"1\"]: text 'lost' stands beside elements"},
+                "in:3: /library/book[title=\"Emma\"][edition=\"1\"]: text 'lost' stands beside elements"},
         ReadRow{"PlainOperation", xml("<name operation='delete'/>"),
                 "in:2: /library/name: attribute 'operation' is in no namespace; it would be nc:operation with "
                 "xmlns:nc=\"urn:ietf:params:xml:ns:netconf:base:1.0\""},
