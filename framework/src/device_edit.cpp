@@ -86,7 +86,7 @@ native_node &device_edit::reached(std::vector<native_node> &level, const native_
 
 void device_edit::set_leaf(std::vector<native_node> &level, const native_call &call) {
   const lysc_node *leaf = call.steps.back().node;
-  const std::string &value = *call.value;
+  const std::string value = call.value.value_or("");
   const auto found = std::ranges::find_if(level, [&](const native_node &node) {
     return node.schema == leaf && (!is_leaf_list(leaf) || node.value == value);
   });

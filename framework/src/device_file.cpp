@@ -3,12 +3,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
-#include <fstream>
-#include <iterator>
 
 #include "yfw/device.hpp"
 #include "yfw/node.hpp"
@@ -32,20 +30,50 @@ fs::path target_of(const fs::path &name) {
                         std::string(netconf_ns) + "\"/>' > " + name.string(),
                     error_tag::operation_failed);
   }
+  const bool is_regular = !code && fs::is_regular_file(target, code);
   if (code) {
     throw rpc_error({name.string()}, "cannot be found: " + code.message(), error_tag::operation_failed);
   }
-  if (!fs::is_regular_file(target, code)) {
+  if (!is_regular) {
     throw rpc_error({name.string()}, "is not a regular file", error_tag::operation_failed);
   }
   return target;
 }
 
+// An open file; a negative number is none.
+class descriptor {
+ public:
+  explicit descriptor(int file) : file_(file) {}
+  ~descriptor() {
+    if (file_ >= 0) {
+      ::close(file_);
+    }
+  }
+  descriptor(const descriptor &) = delete;
+  descriptor &operator=(const descriptor &) = delete;
+
+  operator int() const {
+    return file_;
+  }
+
+ private:
+  int file_;
+};
+
 std::string contents(const fs::path &name, const fs::path &target) {
-  std::ifstream in(target, std::ios::binary);
-  std::string text{std::istreambuf_iterator<char>(in), {}};
-  if (!in.is_open() || in.bad()) {
-    fail(name, "cannot be read");
+  const descriptor file(::open(target.c_str(), O_RDONLY | O_CLOEXEC));
+  if (file < 0) {
+    fail(name, "cannot be opened");
+  }
+  std::string text;
+  std::array<char, 65536> block;
+  ssize_t count = 1;
+  while (count != 0) {
+    count = ::read(file, block.data(), block.size());
+    if (count < 0 && errno != EINTR) {
+      fail(name, "cannot be read");
+    }
+    text.append(block.data(), count < 0 ? 0 : static_cast<size_t>(count));
   }
   return text;
 }
@@ -70,17 +98,12 @@ void keep_permissions(int file, const struct stat &before, const fs::path &name)
   }
 }
 
-// A file beside the target that takes its place, or goes.
+// A file beside the target that takes its place, or goes. Its name is always the same, so that what a writer left that
+// was killed goes too; the lock keeps it from being another writer's that lives.
 class replacement {
  public:
-  explicit replacement(const fs::path &target) : target_(target), path_(target.string() + ".XXXXXX") {
-    file_ = ::mkostemp(path_.data(), O_CLOEXEC);
-    if (file_ < 0) {
-      fail(path_, "cannot be made");
-    }
-  }
+  explicit replacement(const fs::path &target) : target_(target), path_(target.string() + ".ymap-new"), file_(made()) {}
   ~replacement() {
-    ::close(file_);
     if (!is_placed_) {
       ::unlink(path_.c_str());
     }
@@ -101,22 +124,34 @@ class replacement {
   }
 
   void place() {
+    const descriptor directory(::open(target_.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (directory < 0) {
+      fail(target_, "cannot be replaced, since its directory cannot be opened");
+    }
     if (std::rename(path_.c_str(), target_.c_str()) != 0) {
       fail(target_, "cannot be replaced");
     }
     is_placed_ = true;
-    const int directory = ::open(target_.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    const bool is_on_disk = directory >= 0 && ::fsync(directory) == 0;
-    ::close(directory);
-    if (!is_on_disk) {
+    if (::fsync(directory) != 0) {
       fail(target_, "is replaced, but its directory cannot be brought to disk");
     }
   }
 
  private:
+  int made() const {
+    if (::unlink(path_.c_str()) != 0 && errno != ENOENT) {
+      fail(path_, "was left by a writer that was stopped, and cannot be removed");
+    }
+    const int file = ::open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+    if (file < 0) {
+      fail(path_, "cannot be made");
+    }
+    return file;
+  }
+
   const fs::path &target_;
-  std::string path_;
-  int file_ = -1;
+  const std::string path_;
+  const descriptor file_;
   bool is_placed_ = false;
 };
 
@@ -127,8 +162,9 @@ file_lock::file_lock(const fs::path &file) : file_(::open(file.c_str(), O_RDWR |
     fail(file, "cannot be made, so that the device cannot be locked");
   }
   while (::flock(file_, LOCK_EX) != 0) {
-    if (errno != EINTR) {
+    if (const int why = errno; why != EINTR) {
       ::close(file_);
+      errno = why;
       fail(file, "cannot be locked");
     }
   }

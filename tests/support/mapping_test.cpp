@@ -27,7 +27,7 @@ std::string status_name(uint32_t status) {
   }
 }
 
-mapping_test::mapping_test() {
+mapping_context::mapping_context() {
   static char handles[3];
   record.request = &request;
   ctx.request = &record;

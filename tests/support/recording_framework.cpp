@@ -2,10 +2,12 @@
 
 #include "tree_builder.hpp"
 
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
 
+using support::failing;
 using support::recording_framework;
 
 namespace {
@@ -50,11 +52,17 @@ const yfw_node_t *recording_framework::key_leaf(const std::string &name) const {
   }
   const yfw_node_t *entry = hierarchy.back();
   for (uint32_t i = 0; (entry->flags & YFW_NODE_HAS_CHILDREN) != 0 && i < entry->child_count; ++i) {
-    if (name == entry->children[i].tag) {
+    if (entry->children[i].tag != nullptr && name == entry->children[i].tag) {
       return &entry->children[i];
     }
   }
   return nullptr;
+}
+
+bool recording_framework::fails(failing kind) {
+  fallible.push_back({kind, static_cast<size_t>(std::count(calls.begin(), calls.end(), '\n')),
+                      ctx_->request->expansion_in_progress == 1});
+  return fallible.size() == failing_call;
 }
 
 }  // namespace support
@@ -63,7 +71,11 @@ uint32_t yfw_map_do_these_match(const char *first, const char *second) {
   if (the_framework->notes_comparisons) {
     the_framework->note("match " + quoted(first) + " " + quoted(second), nullptr);
   }
-  return first != nullptr && second != nullptr && std::strcmp(first, second) == 0 ? 1 : 0;
+  const bool is_match = first != nullptr && second != nullptr && std::strcmp(first, second) == 0;
+  if (is_match) {
+    the_framework->matched.insert(first);
+  }
+  return is_match ? 1 : 0;
 }
 
 void yfw_map_add_to_node_hierarchy(yfw_ctx_t *ctx, yfw_node_t *node, uint32_t level) {
@@ -93,6 +105,9 @@ uint32_t yfw_map_datatree_add_path_flagged(yfw_ctx_t *ctx, yfw_node_t *out, cons
     (void)std::snprintf(walker_flags, sizeof walker_flags, " walker %x", ctx->request->walker_flags);
   }
   the_framework->note(line + walker_flags, ctx, out);
+  if (the_framework->fails(failing::add)) {
+    return the_framework->failing_status;
+  }
   if (created != nullptr && the_framework->creates_node) {
     *created = &the_framework->created;
   }
@@ -110,6 +125,9 @@ uint32_t yfw_map_is_request_delete(const yfw_node_t *node) {
 
 uint32_t yfw_map_get_node_info(yfw_ctx_t *ctx, const char *list_path, const char *key_name, const char **value) {
   the_framework->note("key " + std::string(list_path) + " " + key_name, ctx);
+  if (the_framework->fails(failing::key)) {
+    return the_framework->failing_status;
+  }
   if (the_framework->key_status != 0) {
     return the_framework->key_status;
   }
@@ -121,12 +139,18 @@ uint32_t yfw_map_get_node_info(yfw_ctx_t *ctx, const char *list_path, const char
 uint32_t yfw_map_get_node_info_mpls_static(yfw_ctx_t *ctx, const char *list_path, const char *container,
                                            const char *leaf, const char **value) {
   the_framework->note("item " + std::string(list_path) + " " + container + " " + leaf, ctx);
+  if (the_framework->fails(failing::item)) {
+    return the_framework->failing_status;
+  }
   *value = the_framework->item_status == 0 ? "override" : nullptr;
   return the_framework->item_status;
 }
 
 uint32_t yfw_map_util_itree_stack_peak_level(yfw_ctx_t *ctx, uint32_t level, yfw_itree_entry_t **entry) {
   the_framework->note("stack " + std::to_string(level), ctx);
+  if (the_framework->fails(failing::stack)) {
+    return the_framework->failing_status;
+  }
   *entry = the_framework->stack_entry;
   return the_framework->stack_status;
 }
@@ -137,12 +161,18 @@ uint32_t yfw_map_search_or_add_list(yfw_ctx_t *ctx, yfw_node_t *out, yfw_node_t 
   the_framework->note("list " + support::short_name(ns) + ":" + list_path + " " + key_name + "=" + quoted(key_value) +
                           (is_current ? "" : " into another field"),
                       ctx, out);
+  if (the_framework->fails(failing::list)) {
+    return the_framework->failing_status;
+  }
   const auto status = the_framework->list_status.find(key_value != nullptr ? key_value : "");
   return status != the_framework->list_status.end() ? status->second : 0;
 }
 
 uint32_t yfw_map_update_current_list_node(yfw_ctx_t *ctx, const char *schema_path) {
   the_framework->note("current " + std::string(schema_path), ctx);
+  if (the_framework->fails(failing::current)) {
+    return the_framework->failing_status;
+  }
   const auto status = the_framework->current_status.find(schema_path);
   return status != the_framework->current_status.end() ? status->second : 0;
 }
@@ -159,7 +189,10 @@ void yfw_remove_from_output_list_ctx(yfw_ctx_t *ctx, yfw_node_t *node, yfw_node_
 
 char *yfw_strdup(const char *string, const char *owner) {
   the_framework->note("strdup " + quoted(string) + " for " + owner, nullptr);
-  return string != nullptr ? the_framework->copies.emplace_back(string).data() : nullptr;
+  if (string == nullptr || the_framework->fails(failing::copy)) {
+    return nullptr;
+  }
+  return the_framework->copies.emplace_back(string).data();
 }
 
 int strcmp_s(const char *first, size_t maximum, const char *second, int *indicator) {
@@ -168,7 +201,8 @@ int strcmp_s(const char *first, size_t maximum, const char *second, int *indicat
   }
   // As the safe string library does: a failed comparison, too, writes the indicator.
   *indicator = 0;
-  if (++the_framework->comparisons == the_framework->failing_comparison) {
+  const bool is_failing = the_framework->fails(failing::comparison);
+  if (++the_framework->comparisons == the_framework->failing_comparison || is_failing) {
     return 1;
   }
   *indicator = std::strncmp(first, second, maximum + 1);
@@ -213,6 +247,9 @@ void _lstrace(void *handle, uint64_t flags, const char *text) {
 
 uint32_t ymap_ox_ocif_openconfigifaggregate_augment_lvla_config(yfw_ctx_t *ctx, yfw_node_t *node, yfw_node_t *out) {
   the_framework->note("aggregate " + tag_of(node), ctx, out);
+  if (the_framework->fails(failing::aggregate)) {
+    return the_framework->failing_status;
+  }
   const size_t call = the_framework->aggregate_calls++;
   return call < the_framework->aggregate_status.size() ? the_framework->aggregate_status[call] : 0;
 }

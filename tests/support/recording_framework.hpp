@@ -21,6 +21,7 @@
 
 #include <list>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -31,6 +32,15 @@ struct log_line {
   const int32_t *slot;
   int32_t slot_value;
   std::string text;
+};
+
+// A call that can fail, as it was made.
+enum class failing { add, key, item, stack, list, current, aggregate, copy, comparison };
+
+struct fallible_call {
+  failing kind;
+  size_t line;        // number of lines noted until it answers, its own included
+  bool is_expanding;  // made while a container is expanded
 };
 
 class recording_framework {
@@ -56,12 +66,16 @@ class recording_framework {
   std::vector<uint32_t> aggregate_status;          // call by call; then 0
   size_t failing_comparison = 0;                   // the n-th strcmp_s fails, from 1
   bool notes_comparisons = false;                  // tags, namespaces and values that are compared
+  size_t failing_call = 0;  // of all that can fail, from 1: answers `failing_status`, sets nothing
+  uint32_t failing_status = 0;
 
   // Notes.
   std::string calls;              // the lines above
   std::vector<log_line> log;      // short form
   std::vector<std::string> ring;  // long form
   uint32_t sequence_number = 0;   // drawn last
+  std::vector<fallible_call> fallible;
+  std::set<const char *> matched;  // tags by address that were equal to what they were compared with
   yfw_node_t created{};
 
   // What the calls of the ABI share.
@@ -70,6 +84,7 @@ class recording_framework {
     return *ctx_;
   }
   const yfw_node_t *key_leaf(const std::string &name) const;
+  bool fails(failing kind);
   size_t adds = 0;
   size_t comparisons = 0;
   size_t aggregate_calls = 0;

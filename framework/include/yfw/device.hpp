@@ -132,7 +132,8 @@ class device_file {
 
   // Replaces the file, when opened to be edited: whenever the process or the machine stops, the file is the old or the
   // new one, whole, and once this returns it is the new one, on disk. Its permissions are kept. Throws `error` when
-  // that fails; the old file then still stands.
+  // that fails; the old file then still stands, unless the error says that the new one does and only its durability is
+  // in doubt. FILE.ymap-new exists meanwhile; if the process is killed, the next writer removes it.
   void save();
 
  private:
