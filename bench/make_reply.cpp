@@ -1,5 +1,5 @@
-// Writes a native reply for the benchmarks: COUNT interfaces with all statistics leaves that the module has, as a device
-// sends it, in XML or JSON. Usage: make_reply COUNT xml|json > FILE
+// Writes a native reply for the benchmarks: COUNT interfaces with all statistics leaves that the module has, as a
+// device sends it, in XML or JSON. Usage: make_reply COUNT xml|json > FILE
 #include <charconv>
 #include <cstdio>
 #include <iostream>

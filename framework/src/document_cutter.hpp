@@ -25,8 +25,9 @@ class document_cutter {
 
   virtual data_format format() const = 0;
 
-  // The first place in `window` at or after `least` where an entry of one of the lists begins that is not inside another
-  // one; none when the window ends before. The window begins where the last call saw it begin, or at the last cut.
+  // The first place in `window` at or after `least` where an entry of one of the lists begins that is not inside
+  // another one; none when the window ends before. The window begins where the last call saw it begin, or at the last
+  // cut.
   virtual std::optional<cut> next_cut(std::string_view window, size_t least) = 0;
 
   // Drops what is before the cut that was found last.

@@ -1,6 +1,8 @@
 #include "yfw/reply.hpp"
 
 #include <algorithm>
+#include <iterator>
+#include <limits>
 
 #include "context.hpp"
 #include "data_builder.hpp"
@@ -18,11 +20,12 @@ uint32_t request_operation(content wanted) {
 
 class reply_translation {
  public:
-  reply_translation(document &native, const plugin &mapping, const reply_options &options, trace_log &log)
+  reply_translation(document &native, const plugin &mapping, const reply_options &options, trace_log &log,
+                    reply_part &result)
       : document_(native),
         mapping_(mapping),
         options_(options),
-        result_{data_tree(native.modules()), {}, {}},
+        result_(result),
         builder_(result_.data, options.entries),
         context_(mapping.description(), log, builder_, request_operation(options.wanted)) {
     if (options.wanted == content::nonconfig) {
@@ -31,12 +34,11 @@ class reply_translation {
     }
   }
 
-  reply_part run() {
+  void run() {
     for (yfw_node_t &root : document_.roots()) {
       visit_envelope(root);
     }
-    result_.met = builder_.met();
-    return std::move(result_);
+    result_.met.insert(builder_.met().begin(), builder_.met().end());
   }
 
  private:
@@ -94,15 +96,20 @@ class reply_translation {
   }
 
   void note(const yfw_node_t &node, const std::string &text) {
-    result_.notes.add({error(document_.where(node), text).what(), {}});
+    add_note(node, text, {});
   }
 
   // Of the nodes with one schema path only the first gets the note.
   void note_first(const yfw_node_t &node, const lysc_node *above, const char *text) {
     std::string schema_path = (above == nullptr ? std::string() : path(above)) + "/" + node.ns + ":" + node.tag;
     if (!result_.notes.has(schema_path)) {
-      result_.notes.add({error(document_.where(node), text).what(), std::move(schema_path)});
+      add_note(node, text, std::move(schema_path));
     }
+  }
+
+  void add_note(const yfw_node_t &node, const std::string &text, std::string once) {
+    const place where = document_.where(node);
+    result_.notes.add({where.line, error(where, text).what(), std::move(once)});
   }
 
   void enter(yfw_node_t &node, const lysc_node *schema) {
@@ -189,7 +196,7 @@ class reply_translation {
   document &document_;
   const plugin &mapping_;
   const reply_options &options_;
-  reply_part result_;
+  reply_part &result_;
   data_builder builder_;
   context context_;
 };
@@ -197,45 +204,47 @@ class reply_translation {
 }  // namespace
 
 void reply_notes::add(reply_note note) {
-  const bool is_known = has(note.once) || (!notes_.empty() && notes_.back().text == note.text);
   if (!note.once.empty()) {
     once_.insert(note.once);
   }
-  if (!is_known) {
-    notes_.push_back(std::move(note));
-  }
+  notes_.push_back(std::move(note));
 }
 
 void reply_notes::add(reply_notes part) {
-  for (reply_note &note : part.notes_) {
-    add(std::move(note));
-  }
+  std::ranges::move(part.notes_, std::back_inserter(notes_));
 }
 
 std::vector<std::string> reply_notes::texts() && {
+  std::ranges::stable_sort(notes_, {}, &reply_note::line);
   std::vector<std::string> texts;
+  std::unordered_set<std::string> once;
   for (reply_note &note : notes_) {
-    texts.push_back(std::move(note.text));
+    const bool is_first = note.once.empty() || once.insert(note.once).second;
+    if (is_first && (texts.empty() || texts.back() != note.text)) {
+      texts.push_back(std::move(note.text));
+    }
   }
   return texts;
 }
 
-void note_missing_entries(reply_notes &notes, const reply_options &options, const std::set<std::string> &met,
-                          const std::string &file) {
+void note_missing_entries(reply_part &part, const reply_options &options, const std::string &file) {
   for (const std::string &name : options.entries) {
-    if (!met.contains(name)) {
-      notes.add({error(place{file, 0, {}}, "has no list entry " + yfw::quoted(name)).what(), {}});
+    if (!part.met.contains(name)) {
+      const std::string text = error(place{file, 0, {}}, "has no list entry " + yfw::quoted(name)).what();
+      part.notes.add({std::numeric_limits<unsigned>::max(), text, {}});
     }
   }
 }
 
-reply_part translate_part(document &native, const plugin &mapping, const reply_options &options, trace_log &log) {
-  return reply_translation(native, mapping, options, log).run();
+void translate_part(document &native, const plugin &mapping, const reply_options &options, trace_log &log,
+                    reply_part &part) {
+  reply_translation(native, mapping, options, log, part).run();
 }
 
 reply translate_reply(document &native, const plugin &mapping, const reply_options &options, trace_log &log) {
-  reply_part whole = translate_part(native, mapping, options, log);
-  note_missing_entries(whole.notes, options, whole.met, native.file());
+  reply_part whole{data_tree(native.modules()), {}, {}};
+  translate_part(native, mapping, options, log, whole);
+  note_missing_entries(whole, options, native.file());
   return {std::move(whole.data), std::move(whole.notes).texts()};
 }
 

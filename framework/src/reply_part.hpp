@@ -11,12 +11,12 @@
 namespace yfw {
 
 struct reply_note {
+  unsigned line;
   std::string text;
   std::string once;  // of the notes with the same word here only the first one counts; empty: all do
 };
 
-// Notes in the order of the document. One that repeats the last is dropped: a leaf is often reported in two places,
-// config and state.
+// Notes of a document or of all its pieces.
 class reply_notes {
  public:
   bool has(const std::string &once) const {
@@ -24,6 +24,8 @@ class reply_notes {
   }
   void add(reply_note note);
   void add(reply_notes part);
+  // In the order of their lines; those of one line in the order in which they came. One that repeats the last is
+  // dropped: a leaf is often reported in two places, config and state.
   std::vector<std::string> texts() &&;
 
  private:
@@ -31,6 +33,7 @@ class reply_notes {
   std::unordered_set<std::string> once_;
 };
 
+// What has been translated so far.
 struct reply_part {
   data_tree data;
   reply_notes notes;
@@ -38,8 +41,9 @@ struct reply_part {
 };
 
 // `translate_reply` without the notes about entries that the whole document lacks, which are the second function's.
-reply_part translate_part(document &native, const plugin &mapping, const reply_options &options, trace_log &log);
-void note_missing_entries(reply_notes &notes, const reply_options &options, const std::set<std::string> &met,
-                          const std::string &file);
+// Adds to `part`.
+void translate_part(document &native, const plugin &mapping, const reply_options &options, trace_log &log,
+                    reply_part &part);
+void note_missing_entries(reply_part &part, const reply_options &options, const std::string &file);
 
 }  // namespace yfw

@@ -14,73 +14,130 @@ static unsigned count_lines(std::string_view text) {
   return count;
 }
 
-piece_source::piece_source(text_source &text, std::vector<std::string> lists, size_t least)
-    : text_(text), lists_(std::move(lists)), least_(least), can_rewind_(text.rewind()) {}
-
-std::optional<piece> piece_source::next() {
+std::optional<piece> piece_source::next(size_t least) {
   if (is_at_end_) {
     return std::nullopt;
   }
   for (;;) {
-    const auto found = cutter_ != nullptr ? cutter_->next_cut(window_, least_) : std::nullopt;
+    const auto found = cutter_ != nullptr ? cutter_->next_cut(window(), least) : std::nullopt;
     if (found) {
       return cut_off(*found);
     }
     if (!read_more()) {
       is_at_end_ = true;
-      return piece{opening_ + window_, first_line_, !is_cut_};
+      const size_t end = begin_ + window().size();
+      return piece{begin_, end, end, first_line_, opening_, "", window()};
     }
   }
 }
 
 piece piece_source::cut_off(const cut &at) {
-  if (!is_cut_ && !can_rewind_) {
-    kept_.append(window_);
+  if (begin_ == 0) {
+    keep(window());
   }
-  is_cut_ = true;
-  const std::string_view taken = std::string_view(window_).substr(0, at.end);
-  piece result{opening_, first_line_, false};
-  result.text.append(taken).append(cutter_->closing());
-  first_line_ += count_lines(std::string_view(window_).substr(0, at.next));
+  piece result{begin_,
+               begin_ + at.end,
+               begin_ + at.next,
+               first_line_,
+               std::move(opening_),
+               cutter_->closing(),
+               window().substr(0, at.end)};
+  first_line_ += count_lines(window().substr(0, at.next));
   opening_ = cutter_->opening();
   cutter_->drop(at.next);
-  window_.erase(0, at.next);
+  taken_ += at.next;
+  begin_ += at.next;
   return result;
+}
+
+void piece_source::keep(std::string_view text) {
+  if (!can_seek_ && !is_from_kept_) {
+    kept_.append(text);
+    kept_bytes_ += text.size();
+  }
 }
 
 // Asks for as much again as there is, so that what spans many readings is not looked at as many times.
 bool piece_source::read_more() {
-  const size_t old = window_.size();
+  constexpr size_t block_bytes = 256 * 1024;
+  buffer_.erase(0, taken_);
+  taken_ = 0;
+  const size_t old = buffer_.size();
   if (old > read_limits().bytes) {
     throw error("a piece of the text is larger than " + std::to_string(read_limits().bytes) + " bytes");
   }
-  window_.resize(old + std::max(least_, old));
-  const size_t count = text_.read(std::span(window_).subspan(old));
-  window_.resize(old + count);
-  if (is_cut_ && !can_rewind_) {
-    kept_.append(std::string_view(window_).substr(old));
+  size_t room = std::max(block_bytes, old);
+  if (is_from_kept_) {
+    const size_t at = begin_ + old;
+    room = std::min(room, kept_bytes_ - at);
+    buffer_ += kept_.read(at, room);
+  } else {
+    buffer_.resize(old + room);
+    room = text_.read(std::span(buffer_).subspan(old));
+    buffer_.resize(old + room);
+    if (begin_ > 0) {
+      keep(std::string_view(buffer_).substr(old));
+    }
   }
   if (cutter_ == nullptr) {
-    cutter_ = make_cutter(window_, lists_);
+    cutter_ = make_cutter(window(), lists_);
   }
-  return count != 0;
+  return room != 0;
+}
+
+void piece_source::keep_rest() {
+  if (begin_ == 0) {
+    keep(window());
+  }
+  char block[65536];
+  for (size_t count = 0; (count = text_.read(block)) > 0;) {
+    keep({block, count});
+  }
+}
+
+void piece_source::restart() {
+  if (can_seek_) {
+    text_.seek(0);
+  } else if (!is_from_kept_) {
+    keep_rest();
+  }
+  is_from_kept_ = !can_seek_;
+  buffer_.clear();
+  taken_ = 0;
+  begin_ = 0;
+  opening_.clear();
+  first_line_ = 1;
+  is_at_end_ = false;
+  cutter_ = nullptr;
+}
+
+std::string piece_source::read(size_t begin, size_t end) {
+  is_at_end_ = true;
+  if (!can_seek_) {
+    return kept_.read(begin, end - begin);
+  }
+  std::string text(end - begin, '\0');
+  size_t size = 0;
+  bool is_more = text_.seek(begin);
+  while (is_more && size < text.size()) {
+    const size_t count = text_.read(std::span(text).subspan(size));
+    is_more = count != 0;
+    size += count;
+  }
+  if (size < text.size()) {
+    throw error("the text is shorter than before");
+  }
+  return text;
 }
 
 std::string piece_source::whole() {
-  std::string text;
-  if (!is_cut_) {
-    text = window_;
-  } else if (can_rewind_) {
-    text_.rewind();
-  } else {
-    kept_.read_all([&](std::string_view block) { text += block; });
+  if (begin_ > 0) {
+    restart();
   }
-  is_cut_ = false;
-  do {
-    window_.clear();
-  } while (read_more() && !text.append(window_).empty());
+  while (read_more()) {
+  }
   is_at_end_ = true;
-  return text;
+  return std::move(buffer_);
 }
 
 }  // namespace yfw

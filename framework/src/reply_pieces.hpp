@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "document_cutter.hpp"
@@ -12,19 +13,35 @@
 
 namespace yfw {
 
+// A part of the text, and what makes it whole.
 struct piece {
-  std::string text;
+  size_t begin;  // of the part, counted from the beginning of the text
+  size_t end;
+  size_t next;  // where the next piece begins
   unsigned first_line;
-  bool is_whole;  // the text has no other piece
+  std::string opening;
+  std::string closing;
+  std::string_view part;  // in the source, until its next use
+
+  bool is_whole() const {
+    return begin == 0 && opening.empty() && closing.empty();
+  }
 };
 
 class piece_source {
  public:
-  // Cuts before entries of `lists`, at least `least` bytes after the last cut.
-  piece_source(text_source &text, std::vector<std::string> lists, size_t least);
+  // Cuts before entries of `lists`.
+  piece_source(text_source &text, std::vector<std::string> lists)
+      : text_(text), lists_(std::move(lists)), can_seek_(text.seek(0)) {}
 
-  // None after the last one.
-  std::optional<piece> next();
+  // The next piece, of `least` bytes or more unless it is the last one; none after that.
+  std::optional<piece> next(size_t least);
+
+  // Begins again at the first piece.
+  void restart();
+
+  // Part of the text. Ends the pieces.
+  std::string read(size_t begin, size_t end);
 
   // The whole text, whatever of it was given out already. Ends the pieces.
   std::string whole();
@@ -42,17 +59,24 @@ class piece_source {
  private:
   piece cut_off(const cut &at);
   bool read_more();
+  void keep(std::string_view text);
+  void keep_rest();
+  std::string_view window() const {
+    return std::string_view(buffer_).substr(taken_);
+  }
 
   text_source &text_;
   std::vector<std::string> lists_;
-  size_t least_;
-  bool can_rewind_;
-  spool kept_;  // what was read, once there is a cut, of a text that cannot be rewound
+  bool can_seek_;
+  spool kept_;  // what was read, once there is a cut, of a text that cannot be read twice
+  size_t kept_bytes_ = 0;
+  bool is_from_kept_ = false;
 
-  std::string window_;  // read and not given out
+  std::string buffer_;
+  size_t taken_ = 0;  // of the buffer
+  size_t begin_ = 0;  // of the window, in the text
   std::string opening_;
   unsigned first_line_ = 1;
-  bool is_cut_ = false;
   bool is_at_end_ = false;
   std::unique_ptr<document_cutter> cutter_;
 };

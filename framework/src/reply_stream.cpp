@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <deque>
 #include <future>
+#include <limits>
 #include <ostream>
 #include <sstream>
 #include <thread>
@@ -10,6 +11,7 @@
 #include <utility>
 
 #include "capture_writer.hpp"
+#include "reply_index.hpp"
 #include "reply_part.hpp"
 #include "reply_pieces.hpp"
 #include "spool.hpp"
@@ -72,28 +74,37 @@ size_t last_lines_begin(std::string_view text, size_t count) {
   return at;
 }
 
+// Whether the pieces stand for the whole: `scattered` when none has all of its entries, `unfit` when none can.
+enum class pieces_end { good, scattered, unfit };
+
 class reply_stream {
  public:
   reply_stream(text_source &native, const std::string &file, const schema &modules, const plugin &mapping,
                const stream_options &options, trace_log &log, std::ostream &out)
-      : source_(native, native_lists(mapping.description()), options.piece_bytes),
+      : source_(native, native_lists(mapping.description())),
         file_(file),
         modules_(modules),
         mapping_(mapping),
         options_(options),
         jobs_(options.jobs != 0 ? options.jobs : std::max(1U, std::thread::hardware_concurrency())),
         log_(log),
-        out_(out) {}
+        out_(out),
+        around_{data_tree(modules), {}, {}} {}
 
   std::vector<std::string> run() {
     const bool is_watched = log_.wants_short_form() || log_.wants_long_form() || capture_writer::is_running();
-    if (is_watched || !translate_pieces()) {
-      pending_.clear();
+    pieces_end end = is_watched ? pieces_end::unfit : translate_in_order();
+    if (end == pieces_end::scattered) {
+      forget();
+      end = translate_by_entry();
+    }
+    if (end != pieces_end::good) {
+      forget();
       return translate_whole(source_.whole());
     }
     finish();
-    note_missing_entries(notes_, options_.reply, met_, file_);
-    return std::move(notes_).texts();
+    note_missing_entries(around_, options_.reply, file_);
+    return std::move(around_.notes).texts();
   }
 
  private:
@@ -120,38 +131,70 @@ class reply_stream {
     }
   }
 
-  // False when the text must be translated as a whole: it is but one piece, or its pieces do not stand for it.
-  bool translate_pieces() {
-    while (std::optional<piece> next = source_.next()) {
-      if (next->is_whole || !source_.is_good()) {
-        return false;
+  // Translates the pieces as they come.
+  pieces_end translate_in_order() {
+    pieces_end end = pieces_end::good;
+    while (end == pieces_end::good) {
+      const std::optional<piece> next = source_.next(options_.piece_bytes);
+      if (!next) {
+        return add_all();
       }
-      const auto policy = jobs_ > 1 ? std::launch::async : std::launch::deferred;
-      pending_.push_back(std::async(policy, [this, each = std::move(*next)]() mutable { return translate(each); }));
-      if (pending_.size() > jobs_ && !add_oldest()) {
-        return false;
+      if (next->is_whole() || !source_.is_good()) {
+        return pieces_end::unfit;
       }
+      end = submit({{{next->opening + std::string(next->part) + next->closing, next->first_line}}, no_limit});
     }
-    while (!pending_.empty()) {
-      if (!add_oldest()) {
-        return false;
+    return end;
+  }
+
+  // Translates pieces that have all that the text tells of their entries.
+  pieces_end translate_by_entry() {
+    reply_index index(source_, mapping_.description().lists);
+    pieces_end end = source_.is_good() ? pieces_end::good : pieces_end::unfit;
+    while (end == pieces_end::good) {
+      if (index.is_at_end()) {
+        return add_all();
       }
+      end = submit(index.next(source_, options_.piece_bytes));
     }
-    return true;
+    return pieces_end::unfit;
+  }
+
+  static constexpr size_t no_limit = std::numeric_limits<size_t>::max();
+
+  pieces_end submit(whole_entries documents) {
+    const auto policy = jobs_ > 1 ? std::launch::async : std::launch::deferred;
+    pending_.push_back(
+        std::async(policy, [this, each = std::move(documents)]() mutable { return translate(std::move(each)); }));
+    return pending_.size() > jobs_ ? add_oldest() : pieces_end::good;
+  }
+
+  pieces_end add_all() {
+    pieces_end end = pieces_end::good;
+    while (!pending_.empty() && end == pieces_end::good) {
+      end = add_oldest();
+    }
+    return end;
   }
 
   // Runs on several threads at once: all that is shared here is only read.
-  translated_piece translate(piece &each) const {
-    document native = document::read(std::move(each.text), file_, modules_, {}, each.first_line);
-    trace_log silent;
-    reply_part part = translate_part(native, mapping_, options_.reply, silent);
+  translated_piece translate(whole_entries entries) const {
+    reply_part part{data_tree(modules_), {}, {}};
+    data_format format = data_format::xml;
+    for (piece_document &each : entries.documents) {
+      document native = document::read(std::move(each.text), file_, modules_, {}, each.first_line);
+      format = native.format();
+      trace_log silent;
+      translate_part(native, mapping_, options_.reply, silent, part);
+    }
     translated_piece result;
     result.notes = std::move(part.notes);
     result.met = std::move(part.met);
     result.is_empty = part.data.first() == nullptr;
     if (!result.is_empty) {
-      take_apart(part.data, options_.to.value_or(native.format()), result);
+      take_apart(part.data, options_.to.value_or(format), result);
     }
+    result.is_regular = result.is_regular && result.keys.size() <= entries.most;
     return result;
   }
 
@@ -176,27 +219,37 @@ class reply_stream {
     result.separator = format == data_format::json ? ",\n" : "\n";
   }
 
-  // False when the piece does not go with those before it.
-  bool add_oldest() {
+  pieces_end add_oldest() {
     translated_piece next = pending_.front().get();
     pending_.pop_front();
-    notes_.add(std::move(next.notes));
-    met_.merge(next.met);
+    around_.notes.add(std::move(next.notes));
+    around_.met.merge(next.met);
     if (next.is_empty) {
-      return true;
+      return pieces_end::good;
     }
     const bool is_first = before_.empty();
     if (is_first) {
       before_ = next.before;
       after_ = next.after;
     }
-    const bool is_like_others = next.is_regular && next.before == before_ && next.after == after_;
-    const bool is_new = std::ranges::all_of(next.keys, [&](size_t key) { return keys_.insert(key).second; });
-    if (is_like_others && is_new) {
-      entries_.append(is_first ? next.before : next.separator);
-      entries_.append(next.entries);
+    if (!next.is_regular || next.before != before_ || next.after != after_) {
+      return pieces_end::unfit;
     }
-    return is_like_others && is_new;
+    if (!std::ranges::all_of(next.keys, [&](size_t key) { return keys_.insert(key).second; })) {
+      return pieces_end::scattered;
+    }
+    entries_->append(is_first ? next.before : next.separator);
+    entries_->append(next.entries);
+    return pieces_end::good;
+  }
+
+  // Drops what was translated so far, to begin again.
+  void forget() {
+    pending_.clear();
+    before_.clear();
+    entries_.emplace();
+    keys_.clear();
+    around_ = {data_tree(modules_), {}, {}};
   }
 
   void finish() {
@@ -204,8 +257,8 @@ class reply_stream {
       write(out_, data_tree(modules_), options_.to.value_or(source_.format()));
       return;
     }
-    entries_.append(after_);
-    entries_.read_all([&](std::string_view block) { out_ << block; });
+    entries_->append(after_);
+    entries_->read_all([&](std::string_view block) { out_ << block; });
     if (!out_) {
       throw error("the output cannot be written");
     }
@@ -221,10 +274,9 @@ class reply_stream {
   std::ostream &out_;
 
   std::string before_, after_;
-  spool entries_;
+  std::optional<spool> entries_{std::in_place};
   std::unordered_set<size_t> keys_;
-  reply_notes notes_;
-  std::set<std::string> met_;
+  reply_part around_;                                  // notes and names only
   std::deque<std::future<translated_piece>> pending_;  // goes first: what runs uses the others
 };
 

@@ -27,10 +27,9 @@ void spool::read_all(const std::function<void(std::string_view)> &take) {
   if (file_ == nullptr) {
     return;
   }
-  if (std::fflush(file_.get()) != 0) {
+  if (std::fseek(file_.get(), 0, SEEK_SET) != 0) {
     refuse("written");
   }
-  std::rewind(file_.get());
   char block[65536];
   for (size_t count = 0; (count = std::fread(block, 1, sizeof block, file_.get())) > 0;) {
     take({block, count});
@@ -38,6 +37,15 @@ void spool::read_all(const std::function<void(std::string_view)> &take) {
   if (std::ferror(file_.get()) != 0) {
     refuse("read");
   }
+}
+
+std::string spool::read(size_t offset, size_t size) {
+  std::string text(size, '\0');
+  if (std::fseek(file_.get(), static_cast<long>(offset), SEEK_SET) != 0 ||
+      std::fread(text.data(), 1, size, file_.get()) != size) {
+    refuse("read");
+  }
+  return text;
 }
 
 }  // namespace yfw

@@ -1,4 +1,4 @@
-// A temporary file that grows at its end and is read once.
+// A temporary file that grows at its end and then is read.
 #pragma once
 
 #include <cstdio>
@@ -16,6 +16,9 @@ class spool {
 
   // Hands all that was appended, in pieces, to `take`.
   void read_all(const std::function<void(std::string_view)> &take);
+
+  // Part of what was appended.
+  std::string read(size_t offset, size_t size);
 
  private:
   std::unique_ptr<std::FILE, int (*)(std::FILE *)> file_{nullptr, &std::fclose};

@@ -73,8 +73,9 @@ size_t text_file::read(std::span<char> room) {
   return static_cast<size_t>(count);
 }
 
-bool text_file::rewind() {
-  return begin_ >= 0 && ::lseek(descriptor_, begin_, SEEK_SET) == begin_;
+bool text_file::seek(size_t offset) {
+  const off_t place = begin_ + static_cast<off_t>(offset);
+  return begin_ >= 0 && ::lseek(descriptor_, place, SEEK_SET) == place;
 }
 
 void write_result(const std::string &text) {

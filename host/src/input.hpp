@@ -13,7 +13,7 @@ namespace ymap {
 // The whole of a file, or of standard input for "-". Throws `yfw::error` when it cannot be read.
 std::string read_text(const std::string &file);
 
-// A file, or standard input for "-", that is read in pieces. Rewinding goes back to where reading began.
+// A file, or standard input for "-", that is read in pieces, from where it stands.
 class text_file : public yfw::text_source {
  public:
   // Throws `yfw::error` when it cannot be opened.
@@ -23,7 +23,7 @@ class text_file : public yfw::text_source {
   text_file &operator=(const text_file &) = delete;
 
   size_t read(std::span<char> room) override;
-  bool rewind() override;
+  bool seek(size_t offset) override;
 
  private:
   std::string name_;

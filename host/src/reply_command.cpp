@@ -1,5 +1,5 @@
-#include <memory>
 #include <iostream>
+#include <memory>
 
 #include "commands.hpp"
 #include "input.hpp"
@@ -48,7 +48,9 @@ void add_reply(CLI::App &app) {
   command.add_option("--interface", options->stream.reply.entries, "only this interface; repeatable")
       ->type_name("NAME")
       ->allow_extra_args(false);
-  command.add_option("-j,--jobs", options->stream.jobs, "how many threads translate a large reply (default: all processors)")
+  command
+      .add_option("-j,--jobs", options->stream.jobs,
+                  "how many threads translate a large reply (default: all processors)")
       ->type_name("N")
       ->check(CLI::Range(1, 1024));
   command.callback([options] { run(*options); });

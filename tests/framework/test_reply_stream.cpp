@@ -24,7 +24,7 @@ const yfw::plugin &mapping() {
 // Gives a few bytes at a time, as a pipe may.
 class text_in_parts : public yfw::text_source {
  public:
-  text_in_parts(std::string text, bool can_rewind) : text_(std::move(text)), can_rewind_(can_rewind) {}
+  text_in_parts(std::string text, bool can_seek) : text_(std::move(text)), can_seek_(can_seek) {}
 
   size_t read(std::span<char> room) override {
     constexpr size_t most = 37;
@@ -33,14 +33,14 @@ class text_in_parts : public yfw::text_source {
     at_ += count;
     return count;
   }
-  bool rewind() override {
-    at_ = can_rewind_ ? 0 : at_;
-    return can_rewind_;
+  bool seek(size_t offset) override {
+    at_ = can_seek_ ? offset : at_;
+    return can_seek_;
   }
 
  private:
   std::string text_;
-  bool can_rewind_;
+  bool can_seek_;
   size_t at_ = 0;
 };
 
@@ -70,10 +70,10 @@ std::string in_one_piece(const std::string &text, const yfw::stream_options &opt
   }
 }
 
-std::string in_pieces(const std::string &text, const yfw::stream_options &options, bool can_rewind) {
+std::string in_pieces(const std::string &text, const yfw::stream_options &options, bool can_seek) {
   std::ostringstream out;
   try {
-    text_in_parts source(text, can_rewind);
+    text_in_parts source(text, can_seek);
     yfw::trace_log silent;
     const auto notes = translate_reply_stream(source, "reply", modules(), mapping(), options, silent, out);
     return told(out.str(), notes);
@@ -88,11 +88,11 @@ void expect_same(const std::string &text, yfw::stream_options options = {}) {
   const std::string whole = in_one_piece(text, options);
   for (const size_t bytes : {1, 60, 200, 100'000}) {
     for (const unsigned jobs : {1U, 3U}) {
-      for (const bool can_rewind : {true, false}) {
+      for (const bool can_seek : {true, false}) {
         options.piece_bytes = bytes;
         options.jobs = jobs;
-        EXPECT_EQ(in_pieces(text, options, can_rewind), whole)
-            << "pieces of " << bytes << " bytes, " << jobs << " jobs, " << (can_rewind ? "a file" : "a pipe");
+        EXPECT_EQ(in_pieces(text, options, can_seek), whole)
+            << "pieces of " << bytes << " bytes, " << jobs << " jobs, " << (can_seek ? "a file" : "a pipe");
       }
     }
   }
@@ -172,6 +172,14 @@ INSTANTIATE_TEST_SUITE_P(
         TextRow{
             "TwoListsWithoutCommonEntries",
             envelope(configurations(configuration("Gi8", "100") + configuration("Gi9", "1000")) + statistics(three))},
+        TextRow{"TwoListsInDifferentOrder",
+                envelope(configurations(configuration("Gi3", "100") + configuration("Gi9", "1000") +
+                                        configuration("Gi1", "abc")) +
+                         statistics(three))},
+        TextRow{"KeysThatMislead", envelope(statistics(statistic("Gi1", "<!-- -->") + statistic("Gi2") +
+                                                       "<e:statistic><!-- <e:interface-name>Gi1</e:interface-name> -->"
+                                                       "<e:interface-name>Gi3</e:interface-name></e:statistic>" +
+                                                       statistic("Gi&#50;") + statistic("Gi1")))},
         TextRow{"UnmappedTopNode", envelope(statistics(three) + "<hosts xmlns='urn:hosts'/>")},
         TextRow{"UnknownLeaves",
                 envelope(statistics(statistic("Gi1", "<e:x>1</e:x>") + statistic("Gi2", "<e:x>1</e:x>") +

@@ -20,8 +20,8 @@ class text_source {
   // Fills the beginning of `room`; returns how many bytes, 0 at the end. Throws `error` when it cannot be read.
   virtual size_t read(std::span<char> room) = 0;
 
-  // Goes back to the beginning; false when it cannot, as in a pipe.
-  virtual bool rewind() = 0;
+  // Reads on from that byte, counted from the beginning; false when it cannot, as in a pipe.
+  virtual bool seek(size_t offset) = 0;
 };
 
 struct stream_options {
@@ -35,12 +35,15 @@ struct stream_options {
 // the entries of the native lists that the manifest names, each piece is translated by itself, and the results are put
 // together in order. XML gets a `data` element around it.
 //
-// Pieces wait for the last one in a temporary file, so that nothing is written to `out` when the text turns out to be
-// bad; so does the text itself when it cannot be rewound. A text whose entries of the high model come from several
-// places of it is translated as a whole, in memory, for then a piece does not have all of an entry; so is every text
-// while calls are traced or captured.
+// Results wait for the last one in a temporary file, so that nothing is written to `out` when the text turns out to be
+// bad; so does the text itself when it cannot be read twice. Where entries of the high model come from several places
+// of the text, as from two native lists, it is read again, and a piece is put together from all that tells of its
+// entries: that takes some 100 bytes of memory an entry. What cannot be translated in pieces is translated as a whole,
+// in memory: data that makes more than one list of the high model, one entry given twice in one list under two
+// spellings of its key, and every text while calls are traced or captured.
 //
-// Returns the notes. Throws `error` as `document::read`, `translate_reply` and the writers do, and when a file fails.
+// Returns the notes. Of several faults that of the first piece that has one is reported. Throws `error` as
+// `document::read`, `translate_reply` and the writers do, and when a file fails.
 std::vector<std::string> translate_reply_stream(text_source &native, const std::string &file, const schema &modules,
                                                 const plugin &mapping, const stream_options &options, trace_log &log,
                                                 std::ostream &out);
