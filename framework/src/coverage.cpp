@@ -154,12 +154,24 @@ coverage_share share_of(const std::vector<coverage_row> &rows, leaf_operation op
   return share;
 }
 
-coverage measure_coverage(const schema &modules, const plugin &mapping, trace_log &log) {
+coverage measure_coverage(const schema &modules, const plugin &mapping, trace_log &log, const progress_report &report) {
+  const auto high = served_leaves(modules, mapping.description(), direction::ox);
+  const auto native = served_leaves(modules, mapping.description(), direction::xo);
+  size_t done = 0;
+  const auto count = [&] {
+    if (report) {
+      report(done++, high.size() + native.size());
+    }
+  };
   coverage result;
-  result.high = probe_all(served_leaves(modules, mapping.description(), direction::ox), true,
-                          [&](const lysc_node *leaf) { return probe_high_leaf(modules, leaf, mapping, log); });
-  result.native = probe_all(served_leaves(modules, mapping.description(), direction::xo), false,
-                            [&](const lysc_node *leaf) { return probe_native_leaf(modules, leaf, mapping, log); });
+  result.high = probe_all(high, true, [&](const lysc_node *leaf) {
+    count();
+    return probe_high_leaf(modules, leaf, mapping, log);
+  });
+  result.native = probe_all(native, false, [&](const lysc_node *leaf) {
+    count();
+    return probe_native_leaf(modules, leaf, mapping, log);
+  });
   result.asked_for = asked_by_everything(modules, mapping, log);
   return result;
 }

@@ -44,8 +44,28 @@ std::string status_words(uint32_t status) {
   return text;
 }
 
-// Empty when nothing is refused.
-std::string refusal_of(const probe_outcome &outcome) {
+leaf_probe probe(one_leaf_document &made, leaf_operation operation, const std::optional<std::string> &value,
+                 const plugin &mapping, trace_log &log) {
+  made.set_value(value);
+  made.set_operation(operation == leaf_operation::remove ? YFW_OPERATION_DELETE : no_operation);
+  client_request client = read_client_request(made.text(), request_of(operation));
+  const probe_outcome outcome = probe_request(made.text(), std::move(client), mapping, log);
+  leaf_probe result{value, {}, answer_text(outcome)};
+  for (const native_call &call : outcome.calls) {
+    probe_effect effect{kind_of(call), call.steps.back().node, call.value};
+    const bool is_known = std::find(result.effects.begin(), result.effects.end(), effect) != result.effects.end();
+    // What a key or a container above asks for is not the leaf's own.
+    const bool is_own = call.cause == nullptr || made.is_leaf_itself(call.cause);
+    if (is_own && !is_known) {
+      result.effects.push_back(std::move(effect));
+    }
+  }
+  return result;
+}
+
+}  // namespace
+
+std::string answer_text(const probe_outcome &outcome) {
   std::string text;
   if (outcome.status != YMAP_OK) {
     text = status_words(outcome.status);
@@ -61,27 +81,6 @@ std::string refusal_of(const probe_outcome &outcome) {
   }
   return text;
 }
-
-leaf_probe probe(one_leaf_document &made, leaf_operation operation, const std::optional<std::string> &value,
-                 const plugin &mapping, trace_log &log) {
-  made.set_value(value);
-  made.set_operation(operation == leaf_operation::remove ? YFW_OPERATION_DELETE : no_operation);
-  client_request client = read_client_request(made.text(), request_of(operation));
-  const probe_outcome outcome = probe_request(made.text(), std::move(client), mapping, log);
-  leaf_probe result{value, {}, refusal_of(outcome)};
-  for (const native_call &call : outcome.calls) {
-    probe_effect effect{kind_of(call), call.steps.back().node, call.value};
-    const bool is_known = std::find(result.effects.begin(), result.effects.end(), effect) != result.effects.end();
-    // What a key or a container above asks for is not the leaf's own.
-    const bool is_own = call.cause == nullptr || made.is_leaf_itself(call.cause);
-    if (is_own && !is_known) {
-      result.effects.push_back(std::move(effect));
-    }
-  }
-  return result;
-}
-
-}  // namespace
 
 coverage_row probe_high_leaf(const schema &modules, const lysc_node *leaf, const plugin &mapping, trace_log &log) {
   coverage_row row{leaf, {}};

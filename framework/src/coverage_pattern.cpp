@@ -11,8 +11,8 @@ namespace {
 // repetitions more than needed. What it does not understand it takes literally; the caller checks the result.
 class pattern_sampler {
  public:
-  pattern_sampler(std::string_view pattern, size_t branch, size_t more)
-      : pattern_(pattern), branch_(branch), more_(more) {}
+  pattern_sampler(std::string_view pattern, size_t branch, size_t more, bool last_of_class)
+      : pattern_(pattern), branch_(branch), more_(more), last_of_class_(last_of_class) {}
 
   std::string sample() {
     return alternatives(0);
@@ -85,7 +85,7 @@ class pattern_sampler {
     return known == letters.npos ? letter : meant[known];
   }
 
-  // A character of a class: its first one, or one that an inverted class does not name.
+  // A character of a class: its first or last one, or one that an inverted class does not name.
   char one_of_class() {
     const bool is_inverted = peek() == '^';
     at_ += is_inverted ? 1 : 0;
@@ -97,7 +97,8 @@ class pattern_sampler {
     const std::string_view named = pattern_.substr(begin, at_ - begin);
     take();
     if (!is_inverted) {
-      return first;
+      const bool is_plain_end = named.size() > 1 && named[named.size() - 2] != '\\';
+      return last_of_class_ && is_plain_end ? named.back() : first;
     }
     constexpr std::string_view candidates = "a0A_. ";
     const size_t other = candidates.find_first_not_of(named);
@@ -145,16 +146,17 @@ class pattern_sampler {
   std::string_view pattern_;
   size_t branch_;
   size_t more_;
+  bool last_of_class_;
   size_t at_ = 0;
 };
 
 }  // namespace
 
-std::vector<std::string> pattern_samples(std::string_view pattern) {
+std::vector<std::string> pattern_samples(std::string_view pattern, bool last_of_class) {
   std::vector<std::string> samples;
   for (const size_t more : {0U, 1U, 2U, 3U, 7U}) {
     for (const size_t branch : {0U, 1U, 2U, 3U}) {
-      std::string sample = pattern_sampler(pattern, branch, more).sample();
+      std::string sample = pattern_sampler(pattern, branch, more, last_of_class).sample();
       if (std::find(samples.begin(), samples.end(), sample) == samples.end()) {
         samples.push_back(std::move(sample));
       }

@@ -15,6 +15,9 @@ coverage_row probe_high_leaf(const schema &modules, const lysc_node *leaf, const
 // same list entry without the leaf.
 coverage_row probe_native_leaf(const schema &modules, const lysc_node *leaf, const plugin &mapping, trace_log &log);
 
+// What a plug-in answers when it does not take a request: status, tag, text. Empty when it takes it.
+std::string answer_text(const probe_outcome &outcome);
+
 // The state that the probes come to.
 void judge(coverage_cell &cell);
 

@@ -38,6 +38,9 @@ constexpr std::string_view usual_texts[] = {"a",
                                             "example.com",
                                             "YQ=="};
 
+constexpr const char *text_to_escape = R"( a <b> & "c" 'd' \ é )";
+constexpr uint64_t longest_text = 4096;  // of a type without a closer bound
+
 bool is_number(LY_DATA_TYPE base) {
   switch (base) {
     case LY_TYPE_UINT8:
@@ -78,7 +81,8 @@ void add_ends(const lysc_type *type, const lysc_range *range, std::vector<std::s
 
 class sampler {
  public:
-  sampler(const schema &modules, const lysc_node *leaf) : modules_(modules), leaf_(leaf) {}
+  sampler(const schema &modules, const lysc_node *leaf, bool is_thorough)
+      : modules_(modules), leaf_(leaf), is_thorough_(is_thorough) {}
 
   void add(const lysc_type *type) {
     switch (type->basetype) {
@@ -122,7 +126,7 @@ class sampler {
     const std::vector<std::string> names = value_names(type);
     std::for_each(names.begin(), names.end(), [&](const auto &each) { keep(each); });
     if (names.empty()) {
-      keep_first_valid({std::begin(usual_texts), std::end(usual_texts)});
+      keep_first_valid(usual_values(type));
     }
   }
 
@@ -144,32 +148,72 @@ class sampler {
   }
 
   void add_text(const lysc_type *type) {
-    std::vector<std::string> candidates;
-    for (const auto *pattern : array_items(as<lysc_type_str>(type).patterns)) {
+    const auto &text = as<lysc_type_str>(type);
+    std::vector<std::string> candidates = fitting(text, false);
+    candidates.insert(candidates.end(), std::begin(usual_texts), std::end(usual_texts));
+    const uint64_t shortest = text.length != nullptr ? text.length->parts[0].min_u64 : 0;
+    candidates.emplace_back(std::min(shortest, longest_text), 'a');
+    keep_first_valid(candidates);
+    if (is_thorough_) {
+      const uint64_t longest = text.length != nullptr ? array_items(text.length->parts).back()->max_u64 : 0;
+      keep_first_valid({std::string(std::min(shortest, longest_text), 'a')});
+      keep_first_valid({std::string(std::min(longest, longest_text), 'a')});
+      keep_first_valid({text_to_escape});
+      std::ranges::stable_sort(candidates, std::ranges::greater(), &std::string::size);
+      keep_first_valid(candidates);
+      keep_first_valid(fitting(text, true));
+    }
+  }
+
+  // Likely to fit the patterns of the type.
+  static std::vector<std::string> fitting(const lysc_type_str &type, bool last_of_class) {
+    std::vector<std::string> found;
+    for (const auto *pattern : array_items(type.patterns)) {
       if ((*pattern)->inverted == 0) {
-        const auto samples = pattern_samples((*pattern)->expr);
-        candidates.insert(candidates.end(), samples.begin(), samples.end());
+        const auto samples = pattern_samples((*pattern)->expr, last_of_class);
+        found.insert(found.end(), samples.begin(), samples.end());
       }
     }
-    candidates.insert(candidates.end(), std::begin(usual_texts), std::end(usual_texts));
-    if (const lysc_range *length = as<lysc_type_str>(type).length; length != nullptr) {
-      const uint64_t shortest = length->parts[0].min_u64;
-      candidates.emplace_back(std::min<uint64_t>(shortest, 65536), 'a');
+    return found;
+  }
+
+  // Zeros in base64, and a node that is there in any case.
+  std::vector<std::string> usual_values(const lysc_type *type) const {
+    std::vector<std::string> found(std::begin(usual_texts), std::end(usual_texts));
+    const lysc_range *length = type->basetype == LY_TYPE_BINARY ? as<lysc_type_bin>(type).length : nullptr;
+    if (length != nullptr) {
+      const uint64_t bytes = std::min(length->parts[0].min_u64, longest_text);
+      constexpr std::string_view rest[] = {"", "AA==", "AAA="};
+      found.push_back(std::string(bytes / 3 * 4, 'A').append(rest[bytes % 3]));
     }
-    keep_first_valid(candidates);
+    const lysc_node *top = leaf_;
+    while (parent(top) != nullptr) {
+      top = parent(top);
+    }
+    found.push_back(qualified_path(top));
+    return found;
   }
 
   const schema &modules_;
   const lysc_node *leaf_;
+  const bool is_thorough_;
   std::vector<std::string> found_;
 };
+
+std::vector<std::string> samples(const schema &modules, const lysc_node *leaf, bool is_thorough) {
+  sampler values(modules, leaf, is_thorough);
+  values.add(type_of(leaf));
+  return values.take();
+}
 
 }  // namespace
 
 std::vector<std::string> sample_values(const schema &modules, const lysc_node *leaf) {
-  sampler values(modules, leaf);
-  values.add(type_of(leaf));
-  return values.take();
+  return samples(modules, leaf, false);
+}
+
+std::vector<std::string> thorough_values(const schema &modules, const lysc_node *leaf) {
+  return samples(modules, leaf, true);
 }
 
 }  // namespace yfw

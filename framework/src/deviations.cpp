@@ -16,11 +16,20 @@ const coverage_cell *cell_of(const coverage_row &row, leaf_operation operation) 
   return found == row.cells.end() ? nullptr : &*found;
 }
 
-// At least in part. Where no value could be tried, what a delete does tells whether the leaf is known at all; where
-// nothing could be tried, nothing is said against it.
+// Whether what was tried is not enough to tell: samples of an open text say nothing of the texts that a mapping may
+// know.
+bool is_open(const coverage_cell &cell, const coverage_row &row) {
+  const bool is_refused_text = cell.operation == leaf_operation::set && !cell.probes.empty() &&
+                               cell.state == mapping_state::unmapped_with_error &&
+                               type_of(row.leaf)->basetype == LY_TYPE_STRING;
+  return is_refused_text || cell.state == mapping_state::not_probed;
+}
+
+// At least in part. Where no value could be tried, or too few, what a delete does tells whether the leaf is known at
+// all; where nothing could be tried, nothing is said against it.
 bool is_mapped(const coverage_row &row, leaf_operation operation) {
   const coverage_cell *cell = cell_of(row, operation);
-  if (cell != nullptr && cell->state == mapping_state::not_probed) {
+  if (cell != nullptr && is_open(*cell, row)) {
     return operation != leaf_operation::set || is_mapped(row, leaf_operation::remove);
   }
   return cell != nullptr && (cell->is_mapped() || cell->state == mapping_state::refused_value);
@@ -176,6 +185,8 @@ class planner {
     for (const coverage_cell &cell : row.cells) {
       if (cell.is_allowed && cell.state == mapping_state::not_probed) {
         remark(row, std::string(word(cell.operation)) + " was not tried: " + cell.reason);
+      } else if (cell.is_allowed && is_open(cell, row)) {
+        remark(row, "was set to " + yfw::quoted(*cell.probes.front().value) + " only, which is refused");
       }
     }
   }

@@ -12,7 +12,6 @@
 
 namespace yfw {
 
-
 // The schema node identifier with plain names, choices and cases included.
 std::string schema_path(const lysc_node *node);
 

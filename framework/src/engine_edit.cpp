@@ -113,8 +113,7 @@ void apply(device_edit &edit, const native_call &call, const document &request) 
 
 class edit_run {
  public:
-  edit_run(const engine &self, device &native, document &request, const client_request &client)
-      : self_(self), native_(native), request_(request), client_(client) {}
+  edit_run(const engine &self, device &native, document &request) : self_(self), native_(native), request_(request) {}
 
   void require(const edit_conditions &conditions) const {
     for (const yfw_node_t *node : conditions.absent) {
@@ -155,7 +154,6 @@ class edit_run {
   const engine &self_;
   device &native_;
   document &request_;
-  const client_request &client_;
 };
 
 std::vector<std::string> notes_on(const document &request, const client_request &client) {
@@ -188,7 +186,7 @@ edit_outcome engine::edit(device &native, document &request, const client_reques
   require_edit(request, client);
   const native_request translated = translate_request(request, client, mapping_, log_);
   const edit_conditions conditions = condition_reader().read(client);
-  const edit_run run(*this, native, request, client);
+  const edit_run run(*this, native, request);
   run.require(conditions);
   device_edit edit(native);
   for (const yfw_node_t *replaced : conditions.replaced) {

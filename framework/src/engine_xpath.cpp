@@ -186,7 +186,7 @@ class resolver {
     const std::string full = (token.prefix.empty() ? "" : token.prefix + ":") + token.text;
     const lysc_node *only = from.size() == 1 ? from.front() : nullptr;
     std::string why = yfw::quoted(full) + " is not ";
-    why += from.size() > 1 ? "a child of what stands before it in " + yfw::quoted(text_)
+    why += from.size() > 1   ? "a child of what stands before it in " + yfw::quoted(text_)
            : only != nullptr ? "a child of " + yfw::quoted(path(only))
                              : "a top-level node of the modules";
     if (const std::string_view near = closest(names, token.text); near == token.text) {

@@ -1,5 +1,6 @@
 #include "yfw/error.hpp"
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -14,12 +15,12 @@ static std::string message(const place &where, const std::string &text) {
     result += (where.file.empty() ? "line " : "") + std::to_string(where.line) + ':';
   }
   if (!where.path.empty()) {
-    result += (result.empty() ? "" : " ") + where.path + ':';
+    result += (result.empty() ? "" : " ") + one_line(where.path) + ':';
   }
-  return result.empty() ? text : result + ' ' + text;
+  return result.empty() ? one_line(text) : result + ' ' + one_line(text);
 }
 
-error::error(const std::string &text) : std::runtime_error(text), text_(text) {}
+error::error(const std::string &text) : std::runtime_error(one_line(text)), text_(text) {}
 
 error::error(place where, const std::string &text)
     : std::runtime_error(message(where, text)), where_(std::move(where)), text_(text) {}
@@ -61,17 +62,35 @@ rpc_error::rpc_error(place where, const std::string &text, error_tag tag, std::s
   }
 }
 
+// The first place at or after `begin` that is not in the middle of a character.
+static size_t character_at(std::string_view text, size_t begin) {
+  while (begin < text.size() && (static_cast<unsigned char>(text[begin]) & 0xc0U) == 0x80U) {
+    ++begin;
+  }
+  return begin;
+}
+
+static std::string without_controls(std::string_view text) {
+  std::string result(text);
+  for (char &c : result) {
+    c = static_cast<unsigned char>(c) < 0x20U || c == '\x7f' ? '?' : c;
+  }
+  return result;
+}
+
 std::string quoted(std::string_view text) {
   constexpr size_t longest = 80;
-  std::string result = "'";
-  size_t end = std::min(text.size(), longest);
-  while (end < text.size() && end > 0 && (static_cast<unsigned char>(text[end]) & 0xc0U) == 0x80U) {
-    --end;  // not in the middle of a character
+  const size_t end = character_at(text, std::min(text.size(), longest));
+  return "'" + without_controls(text.substr(0, end)) + (end < text.size() ? "...'" : "'");
+}
+
+std::string one_line(std::string_view text) {
+  constexpr size_t half = 500;
+  if (text.size() <= 2 * half) {
+    return without_controls(text);
   }
-  for (const char c : text.substr(0, end)) {
-    result += static_cast<unsigned char>(c) < 0x20U ? '?' : c;
-  }
-  return result + (end < text.size() ? "...'" : "'");
+  return without_controls(text.substr(0, character_at(text, half))) + "..." +
+         without_controls(text.substr(character_at(text, text.size() - half)));
 }
 
 }  // namespace yfw

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "coverage_probes.hpp"
 #include "coverage_values.hpp"
 #include "engine_parts.hpp"
 #include "explain_parts.hpp"
@@ -35,6 +36,9 @@ class request_explainer {
 
   explained_request get() {
     explained_request result = translated("get", no_operation, {});
+    if (result.calls.empty()) {
+      result.reported_by = reporting_leaves();
+    }
     for (const native_call &call : result.calls) {
       if (!is_key(call.steps.back().node)) {
         add_reports(call, result.values);
@@ -120,6 +124,7 @@ class request_explainer {
       });
     });
     add_untraced(result.walk, leaf(), [&](const std::string &name) { return has_function(mapping_, name); });
+    result.answer = result.refusal.empty() ? "" : answer_text(outcome);
     result.calls = result.refusal.empty() ? std::move(native.calls) : std::move(outcome.calls);
     for (native_call &call : result.calls) {
       call.cause = nullptr;
@@ -135,6 +140,19 @@ class request_explainer {
       return refused.text();
     }
     return {};
+  }
+
+  // The native leaves that the leaf comes from all the same, when they are there.
+  std::vector<std::string> reporting_leaves() const {
+    trace_log silent;
+    std::vector<std::string> found;
+    for (const coverage_row &row : measure_coverage(modules_, mapping_, silent).native) {
+      const auto targets = row.cells[static_cast<size_t>(leaf_operation::get)].targets();
+      if (std::ranges::find(targets, leaf()) != targets.end()) {
+        found.push_back(path(row.leaf));
+      }
+    }
+    return found;
   }
 
   std::vector<std::string> values_to_show(const std::optional<std::string> &wanted) const {
@@ -259,7 +277,8 @@ explanation explain(std::string_view path, const explain_options &options, const
       result.replies.push_back(explain_reply(asked.steps, value, modules, mapping, log));
     }
   } else {
-    throw error(yfw::quoted(result.path) + " is of neither model: no entry point of the plug-in is on the way to it");
+    throw error(yfw::quoted(result.path) + " of module " + quoted(module_name(result.leaf)) +
+                " is of neither model: no entry point of the plug-in is on the way to it");
   }
   return result;
 }

@@ -4,6 +4,7 @@
 
 #include "coverage_values.hpp"
 #include "explain_parts.hpp"
+#include "xpath_tokens.hpp"
 #include "yfw/engine.hpp"
 
 namespace yfw {
@@ -105,8 +106,9 @@ std::string made_up_predicates(const schema &modules, const lysc_node *list, std
     if (samples.empty()) {
       throw error("no value of key " + quoted(key) + " of " + shown(list) + " is known to make up; give one");
     }
-    made_up.push_back(std::string(key) + "=" + key_literal(samples.front()));
-    text += "[" + made_up.back() + "]";
+    const std::string predicate = "[" + std::string(key) + "=" + key_literal(samples.front()) + "]";
+    made_up.push_back(std::string(name(list)) + predicate);
+    text += predicate;
   }
   return text;
 }
@@ -135,6 +137,7 @@ full_path complete_path(std::string_view path, const schema &modules, const mani
   if (!path.starts_with('/') || path.ends_with('/')) {
     throw error(quoted(path) + " is not a path, of a slash and a name for each node");
   }
+  (void)xpath_tokens(path);  // throws for what is no path before anything is added to it
   const std::vector<written_step> written = written_steps(path);
   return complete_steps(node_named(modules, description, written, path), modules, written);
 }

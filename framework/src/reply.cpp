@@ -1,11 +1,14 @@
 #include "yfw/reply.hpp"
 
 #include <algorithm>
+#include <deque>
 #include <iterator>
 #include <limits>
+#include <utility>
 
 #include "context.hpp"
 #include "data_builder.hpp"
+#include "manifest_nodes.hpp"
 #include "plugin_call.hpp"
 #include "reply_part.hpp"
 #include "yfw/node.hpp"
@@ -17,6 +20,21 @@ namespace {
 uint32_t request_operation(content wanted) {
   return wanted == content::config ? YFW_REQUEST_READ_CONFIG : YFW_REQUEST_READ_ALL;
 }
+
+// Takes a leaf out of a walk as long as it lives: plug-ins pass over tags that they do not know.
+class set_aside {
+ public:
+  explicit set_aside(yfw_node_t &leaf) : leaf_(leaf), tag_(std::exchange(leaf.tag, "")) {}
+  ~set_aside() {
+    leaf_.tag = tag_;
+  }
+  set_aside(const set_aside &) = delete;
+  set_aside &operator=(const set_aside &) = delete;
+
+ private:
+  yfw_node_t &leaf_;
+  const char *tag_;
+};
 
 class reply_translation {
  public:
@@ -74,13 +92,41 @@ class reply_translation {
   void place_node(yfw_node_t &node, const lysc_node *above) {
     const lysc_node *schema = extra(node).schema;
     if (const entry_point *entry = entry_for(above, node.ns); entry != nullptr) {
-      settle(node, call_plugin(context_, mapping_, call_form::entry, entry->function, &node));
+      hand_over(node, *entry);
       note_unknown(node, above);
-    } else if (schema != nullptr && leads_to_entry(schema)) {
+    } else if (is_key(schema)) {
+      return;  // read when its entry is entered
+    } else if (schema != nullptr && is_on_the_way(mapping_.description(), direction::xo, schema, document_.modules())) {
       enter(node, schema);
-    } else if (!is_key(schema)) {
+    } else {
       note_first(node, above, "is not mapped: no plug-in serves it");
     }
+  }
+
+  // A value that the plug-in cannot map ends its walk: that leaf is set aside, with a note, and the rest walked again.
+  // With very many of them, which would take as many walks, the next one is an error.
+  void hand_over(yfw_node_t &node, const entry_point &entry) {
+    constexpr size_t most = 256;
+    std::deque<set_aside> unmapped;
+    for (;;) {
+      const uint32_t status = call_plugin(context_, mapping_, call_form::entry, entry.function, &node);
+      const bool is_value = status == YMAP_ERR_INVALID_VALUE && unmapped.size() < most;
+      yfw_node_t *leaf = is_value ? leaf_compared(node) : nullptr;
+      if (leaf == nullptr) {
+        settle(node, status);
+        return;
+      }
+      note(*leaf, "is left out: " + reason(status));
+      context_.problems.clear();
+      unmapped.emplace_back(*leaf);
+    }
+  }
+
+  // The leaf with a value that the plug-in was at; null when it is not known.
+  yfw_node_t *leaf_compared(yfw_node_t &node) {
+    const yfw_node_t *found = node_compared(node, context_.compared);
+    const bool is_leaf = found != nullptr && found->value != nullptr && *found->tag != '\0';
+    return is_leaf ? const_cast<yfw_node_t *>(found) : nullptr;  // of the document, which is ours to change
   }
 
   // A plug-in passes over tags that it does not know without a word.
@@ -183,14 +229,6 @@ class reply_translation {
       }
     }
     return nullptr;
-  }
-
-  bool leads_to_entry(const lysc_node *schema) const {
-    const std::string here = path(schema);
-    const auto &entries = mapping_.description().entry_points;
-    return std::any_of(entries.begin(), entries.end(), [&](const entry_point &entry) {
-      return entry.dir == direction::xo && (entry.at == here || entry.at.starts_with(here + "/"));
-    });
   }
 
   document &document_;

@@ -1,6 +1,7 @@
 #include "yfw/roundtrip.hpp"
 
 #include <algorithm>
+#include <iterator>
 #include <sstream>
 
 #include "coverage_values.hpp"
@@ -11,11 +12,8 @@ namespace {
 
 // Whether data in the node, or in what is below it, makes a difference to a client.
 bool is_answered(const std::vector<coverage_row> &native, const lysc_node *node) {
-  const std::string above = path(node);
   return std::ranges::any_of(native, [&](const coverage_row &row) {
-    const std::string here = path(row.leaf);
-    const bool is_at = here == above || here.starts_with(above + "/");
-    return is_at && std::ranges::any_of(row.cells, [](const coverage_cell &cell) {
+    return is_within(row.leaf, node) && std::ranges::any_of(row.cells, [](const coverage_cell &cell) {
              return std::ranges::any_of(cell.probes, [](const leaf_probe &probe) { return !probe.effects.empty(); });
            });
   });
@@ -34,12 +32,22 @@ void check_reads(law_bench &bench, const coverage &measured) {
   }
 }
 
+state_count count_state(const std::vector<coverage_row> &native) {
+  state_count counted;
+  for (const coverage_row &row : native) {
+    for (const leaf_probe &probe : row.cells[static_cast<size_t>(leaf_operation::get)].probes) {
+      const bool is_state = !is_config(row.leaf);
+      counted.tried += is_state ? 1 : 0;
+      counted.reported += is_state && probe.is_mapped() ? 1 : 0;
+      counted.left_out += is_state && !probe.refusal.empty() ? 1 : 0;
+      counted.passed_over += is_state && probe.refusal.empty() && probe.effects.empty() ? 1 : 0;
+    }
+  }
+  return counted;
+}
+
 // Runs a check that needs trees of the leaf.
 void attempt(law_bench &bench, const lysc_node *leaf, const std::function<void()> &check) {
-  if (is_leaf_list(leaf)) {
-    bench.result.not_tried.push_back(path(leaf) + ": is a leaf-list, for which the laws are not worked out");
-    return;
-  }
   if (sample_values(bench.modules, leaf).empty()) {
     bench.result.not_tried.push_back(path(leaf) + ": no value of its type is known to try");
     return;
@@ -58,14 +66,24 @@ std::string_view word(law which) {
   return words[static_cast<size_t>(which)];
 }
 
+std::vector<std::string> values_of(const data_tree &tree) {
+  std::vector<std::string> values;
+  std::ranges::transform(leaves_of(tree), std::back_inserter(values), &reported_leaf::value);
+  return values;
+}
+
 std::vector<path_step> law_bench::steps_to(const lysc_node *node) const {
   return complete_path(node, modules).steps;
 }
 
-roundtrip check_roundtrip(const schema &modules, const plugin &mapping, trace_log &log) {
+roundtrip check_roundtrip(const schema &modules, const plugin &mapping, trace_log &log, const progress_report &report) {
   law_bench bench(modules, mapping, log);
   trace_log silent;
-  const coverage measured = measure_coverage(modules, mapping, silent);
+  // The measurement is about half of the work.
+  const auto told = [&](size_t done, size_t total) { return report ? report(done, 2 * total) : void(); };
+  const coverage measured = measure_coverage(modules, mapping, silent, told);
+  const size_t leaves = measured.high.size() + measured.native.size();
+  size_t done = leaves;
   std::vector<const lysc_node *> configured;
   for (const coverage_row &row : measured.high) {
     if (is_config(row.leaf) && !is_key(row.leaf)) {
@@ -73,14 +91,17 @@ roundtrip check_roundtrip(const schema &modules, const plugin &mapping, trace_lo
     }
   }
   for (const lysc_node *leaf : configured) {
+    told(done++, leaves);
     attempt(bench, leaf, [&] { check_client_leaf(bench, leaf, configured); });
   }
   for (const coverage_row &row : measured.native) {
+    told(done++, leaves);
     if (!is_key(row.leaf)) {
       attempt(bench, row.leaf, [&] { check_native_leaf(bench, row.leaf); });
     }
   }
   check_reads(bench, measured);
+  bench.result.state = count_state(measured.native);
   return std::move(bench.result);
 }
 

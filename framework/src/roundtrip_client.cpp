@@ -13,8 +13,15 @@ const char *default_of(const lysc_node *leaf) {
   return value == nullptr ? nullptr : lyd_value_get_canonical(as<lysc_node_leaf>(leaf).module->ctx, value);
 }
 
-std::string told(const std::optional<std::string> &value) {
-  return value ? yfw::quoted(*value) : "nothing";
+// Those of a leaf-list may be several.
+using read_values = std::vector<std::string>;
+
+std::string told(const read_values &values) {
+  std::string text;
+  for (const std::string &value : values) {
+    text += (text.empty() ? "" : ", ") + yfw::quoted(value);
+  }
+  return text.empty() ? "nothing" : text;
 }
 
 enum class edit_end { done, refused };
@@ -30,8 +37,8 @@ class client_checks {
     if (edit(native, law::set_get, value, YFW_OPERATION_MERGE) != edit_end::done) {
       return;
     }
-    const std::optional<std::string> got = read(native);
-    if (got != bench_.modules.check_value(leaf_, value).canonical) {
+    const read_values got = read(native);
+    if (got != read_values{bench_.modules.check_value(leaf_, value).canonical}) {
       report(law::set_get, value, "reads back " + told(got));
     }
     ++bench_.count(law::delete_get).tried;
@@ -65,7 +72,7 @@ class client_checks {
       return false;
     }
     ++bench_.count(law::absent_get).tried;
-    const std::optional<std::string> got = read(native);
+    const read_values got = read(native);
     if (is_not_absent(got)) {
       bench_.report(law::absent_get, leaf_, {}, "reads " + told(got) + " where only '" + path(other) + "' is set",
                     text_for(steps, bench_.modules, no_operation, value));
@@ -75,8 +82,9 @@ class client_checks {
 
   edit_end edit(device &native, law which, const std::string &value, uint32_t operation) {
     const bool is_set = operation == YFW_OPERATION_MERGE;
+    const bool has_value = is_set || is_leaf_list(leaf_);  // an entry of a leaf-list is named by its value
     try {
-      (void)bench_.work.edit_node(native, path_, is_set ? std::optional(value) : std::nullopt, operation);
+      (void)bench_.work.edit_node(native, path_, has_value ? std::optional(value) : std::nullopt, operation);
       return edit_end::done;
     } catch (const rpc_error &fault) {
       // What fails though the mapping took it, or without a word why, is no refusal.
@@ -89,20 +97,16 @@ class client_checks {
     }
   }
 
-  std::optional<std::string> read(const device &native) const {
-    reply answer = bench_.work.find(native, path_, client_operation::get_config, content::config);
-    for (const reported_leaf &leaf : leaves_of(answer.data)) {
-      return leaf.value;
-    }
-    return {};
+  read_values read(const device &native) const {
+    return values_of(bench_.work.find(native, path_, client_operation::get_config, content::config).data);
   }
 
-  bool is_not_absent(const std::optional<std::string> &got) const {
+  bool is_not_absent(const read_values &got) const {
     const char *value = default_of(leaf_);
-    return got && (value == nullptr || *got != value);
+    return !got.empty() && (value == nullptr || got != read_values{value});
   }
 
-  void require_absent(law which, const std::string &value, const std::optional<std::string> &got) {
+  void require_absent(law which, const std::string &value, const read_values &got) {
     if (is_not_absent(got)) {
       report(which, value, "reads " + told(got) + " when it is deleted");
     }
@@ -122,7 +126,7 @@ class client_checks {
 
 void check_client_leaf(law_bench &bench, const lysc_node *leaf, const std::vector<const lysc_node *> &others) {
   client_checks checks(bench, leaf);
-  for (const std::string &value : sample_values(bench.modules, leaf)) {
+  for (const std::string &value : thorough_values(bench.modules, leaf)) {
     checks.set_and_delete(value);
   }
   checks.absent(others);

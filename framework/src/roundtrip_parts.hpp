@@ -44,6 +44,9 @@ class law_bench {
   roundtrip result;
 };
 
+// The values of all leaves of a tree but keys, in order.
+std::vector<std::string> values_of(const data_tree &tree);
+
 // Laws of a configuration leaf of the client's model. `others` are those that may stand beside it.
 void check_client_leaf(law_bench &bench, const lysc_node *leaf, const std::vector<const lysc_node *> &others);
 

@@ -147,8 +147,7 @@ void add_check(CLI::App &app) {
   command.footer(about_check);
   const auto options = std::make_shared<check_options>();
   command.add_option("PLUGIN", options->library, "the plug-in's shared library")->required();
-  add_choice<bool>(command, "--format", "how the result is told (default: text)", {{"text", false}, {"json", true}},
-                   [options](bool json) { options->as_json = json; });
+  add_format(command, options->as_json);
   command.callback([options] { run(*options); });
 }
 

@@ -1,6 +1,7 @@
 #include "command_line.hpp"
 
 #include <iostream>
+#include <new>
 
 #include "commands.hpp"
 #include "yfw.h"
@@ -49,6 +50,9 @@ int run_command_line(int argc, char **argv) {
     std::cerr << "ymap: " << usage.what() << '\n';
     return 2;
   } catch (const failure_reported &) {
+    return 1;
+  } catch (const std::bad_alloc &) {
+    std::cerr << "ymap: out of memory\n";
     return 1;
   } catch (const std::exception &failure) {
     std::cerr << "ymap: " << failure.what() << '\n';

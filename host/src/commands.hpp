@@ -44,4 +44,10 @@ void add_choice(CLI::App &command, const std::string &name, const std::string &h
       ->check(CLI::IsMember(words));
 }
 
+// --format, as reports for readers and programs have it. `as_json` must live until the command has run.
+inline void add_format(CLI::App &command, bool &as_json) {
+  add_choice<bool>(command, "--format", "for a reader (text, default) or for a program (json)",
+                   {{"text", false}, {"json", true}}, [&as_json](bool chosen) { as_json = chosen; });
+}
+
 }  // namespace ymap

@@ -1,7 +1,4 @@
-#include <unistd.h>
-
 #include <cstdio>
-#include <cstdlib>
 #include <memory>
 #include <optional>
 
@@ -36,11 +33,6 @@ struct coverage_options {
   std::string older;
 };
 
-bool wants_colour() {
-  const char *no_colour = std::getenv("NO_COLOR");
-  return isatty(STDOUT_FILENO) == 1 && (no_colour == nullptr || *no_colour == '\0');
-}
-
 std::string report(const coverage_view &view, report_format format) {
   switch (format) {
     case report_format::json:
@@ -50,7 +42,7 @@ std::string report(const coverage_view &view, report_format format) {
     case report_format::text:
       break;
   }
-  return coverage_as_text(view, wants_colour());
+  return coverage_as_text(view);
 }
 
 void require_share(const yfw::coverage &measured, double least) {
@@ -82,7 +74,7 @@ void run(const coverage_options &options) {
   const coverage_ledger older =
       has_older ? read_ledger(read_text(options.older), display_name(options.older)) : coverage_ledger{};
   setup with(options.setup);
-  const yfw::coverage measured = measure_coverage(with.schema(), with.plugin(), with.trace());
+  const yfw::coverage measured = measure(with);
   if (has_older) {
     require_no_loss(measured, older, display_name(options.older));
   } else {
@@ -108,7 +100,7 @@ void add_coverage(CLI::App &app) {
                                          "print what changed since that JSON report; fail when something was lost");
   diff->type_name("OLD.json")->excludes(missing);
   add_choice<report_format>(
-      command, "--format", "a table (default), JSON (docs/coverage-json.md) or a page for a browser",
+      command, "--format", "a table (default), JSON (docs/json.md) or a page for a browser",
       {{"text", report_format::text}, {"json", report_format::json}, {"html", report_format::html}},
       [options](report_format format) { options->format = format; });
   command.get_option("--format")->excludes(diff);

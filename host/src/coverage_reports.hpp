@@ -19,10 +19,10 @@ struct coverage_view {
 // The rows to show.
 std::vector<const yfw::coverage_row *> shown_rows(const std::vector<yfw::coverage_row> &rows, bool only_missing);
 
-// For a terminal: a table, and how much is mapped.
-std::string coverage_as_text(const coverage_view &view, bool has_colour);
+// A table, and how much is mapped; with colours when standard output shows them.
+std::string coverage_as_text(const coverage_view &view);
 
-// The shape is told in docs/coverage-json.md.
+// The shape is told in docs/json.md.
 std::string coverage_as_json(const coverage_view &view);
 
 // One page that needs nothing else.

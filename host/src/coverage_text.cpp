@@ -4,6 +4,7 @@
 #include <sstream>
 
 #include "coverage_reports.hpp"
+#include "terminal.hpp"
 #include "yfw/error.hpp"
 
 namespace ymap {
@@ -18,34 +19,35 @@ constexpr yfw::leaf_operation operations[] = {yfw::leaf_operation::get_config, y
 constexpr size_t native_columns = 2;  // nothing is set by a reply
 constexpr size_t column = 12;
 
-// The short words of the table, and their colours (ECMA-48).
+// The short words of the table, and their colours.
 struct shown_state {
   const char *text;
-  const char *colour;
+  colour in;
 };
 
 shown_state shown(const coverage_cell &cell, bool is_high) {
   if (!is_high && cell.state == mapping_state::unmapped_silently) {
-    return {cell.is_allowed ? "ignored" : "-", "2"};  // a reply may hold more than is asked for
+    return {cell.is_allowed ? "ignored" : "-", colour::dim};  // a reply may hold more than is asked for
   }
   if (!cell.is_allowed && cell.state != mapping_state::mapped && cell.state != mapping_state::mapped_to_several) {
-    return cell.state == mapping_state::unmapped_silently ? shown_state{"(silent)", "2"} : shown_state{"-", "2"};
+    return cell.state == mapping_state::unmapped_silently ? shown_state{"(silent)", colour::dim}
+                                                          : shown_state{"-", colour::dim};
   }
   switch (cell.state) {
     case mapping_state::mapped:
-      return cell.is_allowed ? shown_state{"yes", "32"} : shown_state{"(yes)", "35"};
+      return cell.is_allowed ? shown_state{"yes", colour::green} : shown_state{"(yes)", colour::magenta};
     case mapping_state::mapped_to_several:
-      return cell.is_allowed ? shown_state{"several", "36"} : shown_state{"(several)", "35"};
+      return cell.is_allowed ? shown_state{"several", colour::cyan} : shown_state{"(several)", colour::magenta};
     case mapping_state::refused_value:
-      return {"partly", "33"};
+      return {"partly", colour::yellow};
     case mapping_state::unmapped_with_error:
-      return {"error", "31"};
+      return {"error", colour::red};
     case mapping_state::unmapped_silently:
-      return {"silent", "1;31"};
+      return {"silent", colour::red};
     case mapping_state::not_probed:
       break;
   }
-  return {"?", "33"};
+  return {"?", colour::yellow};
 }
 
 std::string parent_path(const coverage_row &row) {
@@ -65,9 +67,13 @@ std::string values(const coverage_cell &cell, Wanted wanted) {
   return text;
 }
 
+std::string painted(std::string_view text, colour in) {
+  return painted(stream::out, in, text);
+}
+
 class table {
  public:
-  table(const coverage_view &view, bool has_colour) : view_(view), has_colour_(has_colour) {}
+  explicit table(const coverage_view &view) : view_(view) {}
 
   std::string text() {
     add("high model", view_.measured.high, std::size(operations));
@@ -77,14 +83,10 @@ class table {
   }
 
  private:
-  std::string painted(const std::string &text, const char *colour) const {
-    return has_colour_ ? std::string("\033[") + colour + "m" + text + "\033[0m" : text;
-  }
-
   // The text in a column; the colour does not count.
-  std::string in_column(const std::string &text, size_t width, const char *colour) const {
+  static std::string in_column(const std::string &text, size_t width, colour in) {
     const size_t gap = text.size() < width ? width - text.size() : 1;
-    return painted(text, colour) + std::string(gap, ' ');
+    return painted(text, in) + std::string(gap, ' ');
   }
 
   void add(const char *title, const std::vector<coverage_row> &rows, size_t columns) {
@@ -96,15 +98,15 @@ class table {
     for (const coverage_row *row : shown) {
       width = std::max(width, 2 + yfw::name(row->leaf).size());
     }
-    std::string head = in_column(title, width + 2, "1");
+    std::string head = in_column(title, width + 2, colour::bold);
     for (size_t i = 0; i < columns; ++i) {
-      head += in_column(std::string(word(operations[i])), column, "1");
+      head += in_column(std::string(word(operations[i])), column, colour::bold);
     }
-    out_ << head << painted(columns == native_columns ? "reported as" : "native", "1") << '\n';
+    out_ << head << painted(columns == native_columns ? "reported as" : "native", colour::bold) << '\n';
     std::string above;
     for (const coverage_row *row : shown) {
       if (const std::string here = parent_path(*row); here != above) {
-        out_ << painted(here, "2") << '\n';
+        out_ << painted(here, colour::dim) << '\n';
         above = here;
       }
       add_row(*row, width + 2);
@@ -113,10 +115,10 @@ class table {
   }
 
   void add_row(const coverage_row &row, size_t width) {
-    std::string line = "  " + in_column(std::string(yfw::name(row.leaf)), width - 2, "0");
+    std::string line = "  " + in_column(std::string(yfw::name(row.leaf)), width - 2, colour::none);
     for (const coverage_cell &cell : row.cells) {
       const shown_state state = shown(cell, row.cells.size() > native_columns);
-      line += in_column(state.text, column, state.colour);
+      line += in_column(state.text, column, state.in);
     }
     std::vector<const lysc_node *> targets;
     for (const coverage_cell &cell : row.cells) {
@@ -147,7 +149,7 @@ class table {
       }
     }
     for (const auto &[reason, of] : said) {
-      out_ << "      " << painted(std::string(of).append(" ").append(reason), "2") << '\n';
+      out_ << "      " << painted(std::string(of).append(" ").append(reason), colour::dim) << '\n';
     }
   }
 
@@ -164,11 +166,11 @@ class table {
   }
 
   void add_summary() {
-    out_ << painted("mapped, of what the model allows", "1") << '\n' << std::string(14, ' ');
+    out_ << painted("mapped, of what the model allows", colour::bold) << '\n' << std::string(14, ' ');
     for (const yfw::leaf_operation operation : operations) {
-      out_ << in_column(std::string(word(operation)), 18, "1");
+      out_ << in_column(std::string(word(operation)), 18, colour::bold);
     }
-    out_ << painted("all", "1") << '\n';
+    out_ << painted("all", colour::bold) << '\n';
     add_shares("high model", view_.measured.high, std::size(operations));
     add_shares("native model", view_.measured.native, native_columns);
     out_ << "\nyes: every value that was tried; several: more than one path; partly: some values; error, silent: not\n"
@@ -177,9 +179,9 @@ class table {
   }
 
   void add_shares(const char *title, const std::vector<coverage_row> &rows, size_t columns) {
-    out_ << in_column(title, 14, "0");
+    out_ << in_column(title, 14, colour::none);
     for (size_t i = 0; i < std::size(operations); ++i) {
-      out_ << in_column(i < columns ? words(share_of(rows, operations[i])) : "", 18, "0");
+      out_ << in_column(i < columns ? words(share_of(rows, operations[i])) : "", 18, colour::none);
     }
     out_ << words(share_of(rows)) << '\n';
   }
@@ -191,7 +193,6 @@ class table {
   }
 
   const coverage_view &view_;
-  const bool has_colour_;
   std::ostringstream out_;
 };
 
@@ -207,8 +208,8 @@ std::vector<const coverage_row *> shown_rows(const std::vector<coverage_row> &ro
   return shown;
 }
 
-std::string coverage_as_text(const coverage_view &view, bool has_colour) {
-  return table(view, has_colour).text();
+std::string coverage_as_text(const coverage_view &view) {
+  return table(view).text();
 }
 
 }  // namespace ymap

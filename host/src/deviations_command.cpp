@@ -1,5 +1,8 @@
+#include <ctime>
+#include <iomanip>
 #include <iostream>
 #include <memory>
+#include <sstream>
 
 #include "commands.hpp"
 #include "input.hpp"
@@ -27,6 +30,33 @@ struct deviations_options {
   std::string check;
   bool leave_out = false;
 };
+
+constexpr std::string_view letters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
+constexpr std::string_view digits = "0123456789";
+
+// These tell what is wrong with a value, as CLI11 wants it; nothing: it is in order.
+std::string identifier_fault(const std::string &text) {
+  const std::string first = std::string(letters) + "_";
+  const std::string others = first + std::string(digits) + "-.";
+  const bool is_identifier =
+      !text.empty() && first.find(text.front()) != first.npos && text.find_first_not_of(others) == text.npos;
+  return is_identifier ? "" : yfw::quoted(text) + " is not a name of a module: letters, digits, '_', '-' and '.'";
+}
+
+std::string uri_fault(const std::string &text) {
+  const bool is_uri = text.find(':') != text.npos && text.find_first_of(" \t\n\"<>\\") == text.npos;
+  return is_uri ? "" : yfw::quoted(text) + " is not a URI, as 'urn:acme:deviations' is one";
+}
+
+std::string date_fault(const std::string &text) {
+  std::tm date{};
+  std::istringstream in(text);
+  in >> std::get_time(&date, "%Y-%m-%d");
+  // One that the calendar has not becomes another.
+  const std::tm read = date;
+  const bool is_date = !in.fail() && text.size() == 10 && timegm(&date) != -1 && read.tm_mday == date.tm_mday;
+  return is_date ? "" : yfw::quoted(text) + " is not a date, as '2024-06-01' is one";
+}
 
 // Of the first module that a request may name.
 std::string default_name(const yfw::plugin &plugin) {
@@ -64,7 +94,7 @@ void require_no_drift(const deviations_options &options, const yfw::deviations &
 
 void run(const deviations_options &options) {
   setup with(options.setup);
-  const yfw::coverage measured = measure_coverage(with.schema(), with.plugin(), with.trace());
+  const yfw::coverage measured = measure(with);
   yfw::deviations plan = plan_deviations(measured, with.schema());
   if (options.leave_out) {
     for (const std::string &refused : plan.refused) {
@@ -91,12 +121,16 @@ void add_deviations(CLI::App &app) {
   const auto options = std::make_shared<deviations_options>();
   add_setup(command, options->setup);
   command.add_option("--name", options->names.name, "of the module (default: that of the served one, -deviations)")
-      ->type_name("NAME");
-  command.add_option("--namespace", options->names.ns, "of the module (default: urn:ymap:NAME)")->type_name("URI");
+      ->type_name("NAME")
+      ->check(identifier_fault);
+  command.add_option("--namespace", options->names.ns, "of the module (default: urn:ymap:NAME)")
+      ->type_name("URI")
+      ->check(uri_fault);
   command
       .add_option("--revision", options->names.revision,
                   "of the module (default: the newest of the modules that it deviates)")
-      ->type_name("DATE");
+      ->type_name("DATE")
+      ->check(date_fault);
   command.add_option("--check", options->check, "compare that module with what was measured; fail when it differs")
       ->type_name("FILE");
   command.add_flag("--leave-out", options->leave_out, "leave out what would break the model, and say so in the module");

@@ -20,19 +20,17 @@ constexpr const char *about_explain =
     "  ymap explain --op set --value SPEED_10GB \"/interfaces/interface[name='Eth0']/ethernet/config/port-speed\"\n"
     "  ymap explain /interface-configurations/interface-configuration/ethernet/speed";
 
-enum class explain_format { text, json };
-
 struct explain_command_options {
   std::string path;
   setup_options setup;
   yfw::explain_options asked;
-  explain_format format = explain_format::text;
+  bool as_json = false;
 };
 
 void run(const explain_command_options &options) {
   setup with(options.setup);
   const yfw::explanation told = explain(options.path, options.asked, with.schema(), with.plugin(), with.trace());
-  write_result(options.format == explain_format::json ? explanation_as_json(told) : explanation_as_text(told));
+  write_result(options.as_json ? explanation_as_json(told) : explanation_as_text(told));
 }
 
 }  // namespace
@@ -47,9 +45,7 @@ void add_explain(CLI::App &app) {
                                {{"get", "get"}, {"set", "set"}, {"delete", "delete"}},
                                [options](std::string_view operation) { options->asked.operations = {operation}; });
   command.add_option("--value", options->asked.value, "what is set, or stands in the native leaf")->type_name("V");
-  add_choice<explain_format>(command, "--format", "for a reader (default) or for a program",
-                             {{"text", explain_format::text}, {"json", explain_format::json}},
-                             [options](explain_format format) { options->format = format; });
+  add_format(command, options->as_json);
   command.callback([options] { run(*options); });
 }
 

@@ -23,7 +23,9 @@ class explain_json {
     out_.text("operation", request.operation);
     out_.text("value", request.value);
     out_.text_if_any("refusal", request.refusal);
+    out_.text_if_any("answer", request.answer);
     out_.list("native", request.calls, [&](const yfw::native_call &call) { add(call); });
+    out_.texts("reported-by", request.reported_by);
     add_walk(request.walk);
     out_.list("values", request.values, [&](const yfw::value_mapping &each) {
       out_.text("value", each.value);

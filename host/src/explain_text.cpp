@@ -49,6 +49,9 @@ class text_report {
     if (!request.refusal.empty()) {
       out_ << "  refused: " << request.refusal << '\n';
     }
+    if (!request.answer.empty()) {
+      out_ << "  the plug-in says: " << request.answer << '\n';
+    }
     add_calls(request);
     add_walk(request.walk);
     add_values(request);
@@ -58,6 +61,12 @@ class text_report {
   }
 
   void add_calls(const yfw::explained_request &request) {
+    if (request.calls.empty()) {
+      out_ << "  native: none is named\n";
+    }
+    for (const std::string &leaf : request.reported_by) {
+      out_ << "    but replies report it of " << leaf << '\n';
+    }
     for (const yfw::native_call &call : request.calls) {
       out_ << "  " << (request.refusal.empty() ? "native: " : "the walk gave: ") << word(call) << ' ' << call.path();
       if (call.value) {

@@ -23,12 +23,10 @@ constexpr const char *about_plan =
     "  ymap plan examples/set-speed.xml\n"
     "  ymap plan --format json examples/set-mac.json";
 
-enum class plan_format { text, json };
-
 struct plan_options {
   std::string file;
   setup_options setup;
-  plan_format format = plan_format::text;
+  bool as_json = false;
 };
 
 // How a client's node is part of the plan.
@@ -147,7 +145,7 @@ void run(const plan_options &options) {
   yfw::client_request client = read_client_request(document, yfw::client_operation::edit);
   const yfw::edit_plan plan = plan_request(document, std::move(client), with.plugin(), with.trace());
   const plan_report report(document, plan);
-  write_result(options.format == plan_format::json ? report.json() : report.text());
+  write_result(options.as_json ? report.json() : report.text());
   write_notes(plan.request.notes);
   for (const yfw::rpc_error &problem : plan.problems) {
     std::cerr << "ymap: " << problem.what() << '\n';
@@ -165,9 +163,7 @@ void add_plan(CLI::App &app) {
   const auto options = std::make_shared<plan_options>();
   command.add_option("FILE", options->file, "the edit, '-' for standard input")->required();
   add_setup(command, options->setup);
-  add_choice<plan_format>(command, "--format", "for a reader (default) or for a program",
-                          {{"text", plan_format::text}, {"json", plan_format::json}},
-                          [options](plan_format format) { options->format = format; });
+  add_format(command, options->as_json);
   command.callback([options] { run(*options); });
 }
 

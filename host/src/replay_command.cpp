@@ -120,11 +120,12 @@ void run(const replay_options &options) {
   const yfw::plugin first = load(is_of_builds ? options.old_build : options.plugin);
   const std::optional<yfw::plugin> second = is_of_builds ? std::optional(load(options.new_build)) : std::nullopt;
   size_t differing = 0;
-  progress shown("replaying captures", files.size());
+  progress shown("replaying captures");
   for (size_t i = 0; i < files.size(); ++i) {
+    shown.hide();
     const bool is_same = second ? compare_builds(files[i], first, *second) : compare_with_capture(files[i], first);
     differing += is_same ? 0 : 1;
-    shown.advance(i + 1);
+    shown(i + 1, files.size());
   }
   if (differing != 0) {
     throw failure_reported();

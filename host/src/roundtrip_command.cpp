@@ -9,6 +9,7 @@
 #include "input.hpp"
 #include "json_report.hpp"
 #include "setup.hpp"
+#include "terminal.hpp"
 #include "yfw/error.hpp"
 #include "yfw/roundtrip.hpp"
 
@@ -29,12 +30,10 @@ constexpr const char *about_roundtrip =
     "  ymap roundtrip\n"
     "  ymap roundtrip --allow mapping/ethernet/known-losses --format json";
 
-enum class roundtrip_format { text, json };
-
 struct roundtrip_options {
   setup_options setup;
   std::string allow;  // empty: the file beside the plug-in, if there is one
-  roundtrip_format format = roundtrip_format::text;
+  bool as_json = false;
 };
 
 // What was found, beside what is known.
@@ -71,6 +70,9 @@ std::string as_text(const roundtrip_view &view) {
         << counts.refused << std::setw(14) << count(view.known, which) << std::setw(8) << count(view.unknown, which)
         << '\n';
   }
+  const yfw::state_count &state = view.found.state;
+  out << "native state: " << state.tried << " values tried, " << state.reported << " reach a client, " << state.left_out
+      << " are left out with a note, " << state.passed_over << " are passed over\n";
   for (const std::string &leaf : view.found.not_tried) {
     out << "not tried: " << leaf << '\n';
   }
@@ -106,9 +108,20 @@ std::string as_json(const roundtrip_view &view) {
         out.object(word(which), [&] { add_counts(out, view, which); });
       }
     });
+    out.object("native-state", [&] {
+      out.number("tried", view.found.state.tried);
+      out.number("reported", view.found.state.reported);
+      out.number("left-out", view.found.state.left_out);
+      out.number("passed-over", view.found.state.passed_over);
+    });
     add_losses(out, "broken", view.unknown);
     add_losses(out, "known", view.known);
-    out.list("stale", view.stale, [&](const yfw::known_loss *loss) { out.number("line", loss->line); });
+    out.list("stale", view.stale, [&](const yfw::known_loss *loss) {
+      out.number("line", loss->line);
+      out.text("law", word(loss->which));
+      out.text("path", loss->path);
+      out.text("value", loss->value);
+    });
     out.texts("not-tried", view.found.not_tried);
   });
 }
@@ -122,6 +135,11 @@ std::string losses_file(const roundtrip_options &options, const yfw::plugin &map
   return std::filesystem::exists(beside) ? beside.string() : "";
 }
 
+yfw::roundtrip checked(setup &with) {
+  progress shown("checking laws");
+  return check_roundtrip(with.schema(), with.plugin(), with.trace(), std::ref(shown));
+}
+
 void run(const roundtrip_options &options) {
   setup with(options.setup);
   const std::string file = losses_file(options, with.plugin());
@@ -129,13 +147,13 @@ void run(const roundtrip_options &options) {
   if (!file.empty()) {
     losses = yfw::read_known_losses(read_text(file), display_name(file));
   }
-  const yfw::roundtrip found = check_roundtrip(with.schema(), with.plugin(), with.trace());
+  const yfw::roundtrip found = checked(with);
   const auto is_tried = [](const yfw::law_count &counts) { return counts.tried != 0; };
   if (std::ranges::none_of(found.counts, is_tried)) {
     throw yfw::error("nothing was tried: the modules have no leaf that the plug-in serves");
   }
   const roundtrip_view view = compare(found, losses);
-  write_result(options.format == roundtrip_format::json ? as_json(view) : as_text(view));
+  write_result(options.as_json ? as_json(view) : as_text(view));
   for (const yfw::known_loss *loss : view.stale) {
     const yfw::error stale({display_name(file), loss->line, loss->path}, "'" + std::string(word(loss->which)) +
                                                                              "' with " + yfw::quoted(loss->value) +
@@ -155,9 +173,7 @@ void add_roundtrip(CLI::App &app) {
   const auto options = std::make_shared<roundtrip_options>();
   add_setup(command, options->setup);
   command.add_option("--allow", options->allow, "known losses instead of those beside the plug-in")->type_name("FILE");
-  add_choice<roundtrip_format>(command, "--format", "for a reader (default) or for a program",
-                               {{"text", roundtrip_format::text}, {"json", roundtrip_format::json}},
-                               [options](roundtrip_format format) { options->format = format; });
+  add_format(command, options->as_json);
   command.callback([options] { run(*options); });
 }
 

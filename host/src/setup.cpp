@@ -1,8 +1,10 @@
 #include "setup.hpp"
 
 #include <filesystem>
+#include <functional>
 #include <iostream>
 
+#include "terminal.hpp"
 #include "yfw/error.hpp"
 
 namespace ymap {
@@ -54,6 +56,11 @@ setup::setup(const setup_options &options)
 
 setup::~setup() {
   trace_.print_ring(std::cerr);
+}
+
+yfw::coverage measure(setup &with) {
+  progress shown("probing leaves");
+  return measure_coverage(with.schema(), with.plugin(), with.trace(), std::ref(shown));
 }
 
 }  // namespace ymap

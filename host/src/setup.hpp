@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "yfw/coverage.hpp"
 #include "yfw/plugin.hpp"
 #include "yfw/schema.hpp"
 #include "yfw/trace.hpp"
@@ -52,5 +53,8 @@ class setup {
   yfw::schema schema_;
   yfw::plugin plugin_;
 };
+
+// Measures the mapping, and shows how far that has come.
+yfw::coverage measure(setup &with);
 
 }  // namespace ymap

@@ -20,14 +20,18 @@ const char *code(colour in) {
       return "\x1b[32m";
     case colour::yellow:
       return "\x1b[33m";
+    case colour::magenta:
+      return "\x1b[35m";
     case colour::cyan:
       return "\x1b[36m";
     case colour::bold:
       return "\x1b[1m";
     case colour::dim:
+      return "\x1b[2m";
+    case colour::none:
       break;
   }
-  return "\x1b[2m";
+  return "";
 }
 
 }  // namespace
@@ -45,32 +49,30 @@ bool use_colour(stream to) {
 }
 
 std::string painted(stream to, colour in, std::string_view text) {
-  return use_colour(to) ? code(in) + std::string(text) + "\x1b[0m" : std::string(text);
+  return in != colour::none && use_colour(to) ? code(in) + std::string(text) + "\x1b[0m" : std::string(text);
 }
 
-progress::progress(std::string what, size_t total)
-    : what_(std::move(what)),
-      total_(total),
-      is_wanted_(is_terminal(stream::err)),
-      next_(clock::now() + before_the_first) {}
+progress::progress(std::string what)
+    : what_(std::move(what)), is_wanted_(is_terminal(stream::err)), next_(clock::now() + before_the_first) {}
 
 progress::~progress() {
+  hide();
+}
+
+void progress::hide() {
   if (is_shown_) {
     std::cerr << erased_line << std::flush;
+    is_shown_ = false;
   }
 }
 
-void progress::advance(size_t done) {
+void progress::operator()(size_t done, size_t total) {
   if (!is_wanted_ || clock::now() < next_) {
     return;
   }
   next_ = clock::now() + between_lines;
   is_shown_ = true;
-  std::cerr << erased_line << what_ << ": " << done;
-  if (total_ != 0) {
-    std::cerr << " of " << total_;
-  }
-  std::cerr << std::flush;
+  std::cerr << erased_line << what_ << ": " << done << " of " << total << std::flush;
 }
 
 }  // namespace ymap

@@ -14,7 +14,7 @@ bool is_terminal(stream to);
 // Colour is for terminals, unless NO_COLOR says otherwise (no-color.org).
 bool use_colour(stream to);
 
-enum class colour { red, green, yellow, cyan, bold, dim };
+enum class colour { none, red, green, yellow, magenta, cyan, bold, dim };
 
 // The text in that colour if `stream` shows colours, else as it is.
 std::string painted(stream to, colour in, std::string_view text);
@@ -23,20 +23,22 @@ std::string painted(stream to, colour in, std::string_view text);
 // first second, and nothing at all when standard error is no terminal.
 class progress {
  public:
-  // `what` is for people: "probing leaves". `total` 0: not known.
-  explicit progress(std::string what, size_t total = 0);
+  // `what` is for people: "probing leaves".
+  explicit progress(std::string what);
   // Removes the line.
   ~progress();
   progress(const progress &) = delete;
   progress &operator=(const progress &) = delete;
 
-  void advance(size_t done);
+  // Removes the line until the next step, since something else is to be written.
+  void hide();
+  // A step, as yfw::progress_report is told of it.
+  void operator()(size_t done, size_t total);
 
  private:
   using clock = std::chrono::steady_clock;
 
   std::string what_;
-  size_t total_;
   bool is_wanted_;
   bool is_shown_ = false;
   clock::time_point next_;

@@ -16,13 +16,32 @@ fail() {
   failures=$((failures + 1))
 }
 
-# dump VIEW: the document at that address, one element a line, in $work/dom
-dump() {
+# browse OPTION ADDRESS
+browse() {
   rm -rf "$work/profile"
   timeout 90 chromium --headless --no-sandbox --disable-gpu --disable-quic --no-first-run \
     --disable-background-networking --disable-component-update --disable-sync \
-    --user-data-dir="$work/profile" --window-size=1400,900 --dump-dom "file://$work/page.html#$1" \
-    >"$work/raw" 2>"$work/errors" || fail "the browser fails at '#$1': $(tail -n 1 "$work/errors")"
+    --user-data-dir="$work/profile" --window-size=1400,900 "$1" "file://$work/$2" \
+    2>"$work/errors" || fail "the browser fails at '$2': $(tail -n 1 "$work/errors")"
+}
+
+# dump VIEW [KEYS]: the document at that address, one element a line, in $work/dom. Keys are pressed where the first tree
+# has its place in the tab order; what has the focus then stands in the body's attribute data-focus.
+dump() {
+  cat >"$work/keys" <<END
+<script>
+document.querySelector('#high [tabindex="0"]').focus();
+for (const key of "${2:-}".split(" ").filter(word => word)) {
+  document.activeElement.dispatchEvent(new KeyboardEvent("keydown", {key, bubbles: true, cancelable: true}));
+}
+document.body.dataset.focus = document.activeElement.dataset.path || document.activeElement.id;
+</script>
+END
+  sed "/^<\/body>/{
+    r $work/keys
+    N
+  }" "$work/page.html" >"$work/driven.html"
+  browse --dump-dom "driven.html#$1" >"$work/raw"
   # What the script draws stands before the data.
   sed '/<script/,$d; s/<\(div\|path\|aside\|button\)/\n<\1/g' "$work/raw" >"$work/dom"
   grep -q 'role="treeitem"' "$work/dom" || fail "nothing is drawn at '#$1'"
@@ -71,5 +90,31 @@ dump "select=/interfaces/interface/ethernet/config/port-speed"
 expect "links of the chosen leaf" 1 "$(count '^<path[^>]*class="[^"]*lit')"
 grep -q 'aria-selected="true"' "$work/dom" || fail "the leaf is not chosen"
 grep -q 'SPEED_2500MB' "$work/dom" || fail "the details do not tell the values"
+
+focus() {
+  sed -n 's/.*<body[^>]* data-focus="\([^"]*\)".*/\1/p' "$work/raw"
+}
+
+port_speed=/interfaces/interface/ethernet/config/port-speed
+
+dump "" "ArrowDown ArrowDown ArrowDown ArrowDown Enter"
+expect "the focus after four steps down" /interfaces/interface/ethernet/config/mac-address "$(focus)"
+expect "chosen leaves" 1 "$(count 'aria-selected="true"')"
+grep -q '^<aside[^>]*hidden' "$work/raw" && fail "the details are hidden from the keyboard"
+expect "places in the tab order, one a tree" 2 "$(count '^<div class="row.*tabindex="0"')"
+
+dump "select=$port_speed" "End Home ArrowRight ArrowRight"
+expect "the focus below an open branch" /interfaces/interface/ethernet "$(focus)"
+dump "" "ArrowDown ArrowDown ArrowDown ArrowDown ArrowRight"
+expect "the focus at the other end of a link" /interface-configurations/interface-configuration/mac-addr "$(focus)"
+dump "" "ArrowLeft"
+expect "leaves below a closed branch" 0 "$(count '^<div class="row leaf" .*data-path="/interfaces')"
+dump "" "/"
+expect "the focus after '/'" filter "$(focus)"
+dump "select=$port_speed" "Escape"
+expect "chosen leaves after Escape" 0 "$(count 'aria-selected="true"')"
+
+browse "--print-to-pdf=$work/page.pdf" page.html >/dev/null
+[ "$(grep -ac '/Type /Page$' "$work/page.pdf")" -ge 4 ] || fail "the whole of both trees is not printed"
 
 [ "$failures" = 0 ]

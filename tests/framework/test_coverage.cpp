@@ -136,6 +136,39 @@ INSTANTIATE_TEST_SUITE_P(
                     PatternRow{"Unfinished", "(a[b", "ab"}),
     [](const auto &each) { return std::string(each.param.name); });
 
+struct ValueRow {
+  const char *name, *path, *sample;
+};
+
+void PrintTo(const ValueRow &row, std::ostream *out) {
+  *out << row.path;
+}
+
+class ThoroughValues : public testing::TestWithParam<ValueRow> {};
+
+TEST_P(ThoroughValues, HaveTheSample) {
+  const lysc_node *leaf = shipped().find(GetParam().path, {});
+  const auto values = yfw::thorough_values(shipped(), leaf);
+  EXPECT_EQ(1, std::ranges::count(values, GetParam().sample)) << testing::PrintToString(values);
+  for (const std::string &value : values) {
+    EXPECT_TRUE(shipped().check_value(leaf, value).ok) << value;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Leaves, ThoroughValues,
+    testing::Values(ValueRow{"Enumeration", "/interfaces/interface/ethernet/config/duplex-mode", "HALF"},
+                    ValueRow{"Pattern", "/interfaces/interface/ethernet/config/mac-address", "00:00:00:00:00:00"},
+                    ValueRow{"EndOfClasses", "/interfaces/interface/ethernet/config/mac-address", "FF:FF:FF:FF:FF:FF"},
+                    ValueRow{"ShortestText", "/interfaces/interface/name", "a"},
+                    ValueRow{"TextToEscape", "/interfaces/interface/name", R"( a <b> & "c" 'd' \ é )"}),
+    [](const auto &each) { return std::string(each.param.name); });
+
+TEST(Samples, HaveALongText) {
+  const auto values = yfw::thorough_values(shipped(), shipped().find("/interfaces/interface/name", {}));
+  EXPECT_TRUE(std::ranges::any_of(values, [](const std::string &value) { return value.size() > 1000; }));
+}
+
 // ---- deviations, of a garden whose mapping is made up
 
 const yfw::schema &garden() {
@@ -235,6 +268,19 @@ INSTANTIATE_TEST_SUITE_P(
                 "refused /garden/bed/heated: cannot be removed: the when of '/garden/bed/warmth' looks at it; "},
         PlanRow{"WhenGoesToo", {{"heated", ""}, {"warmth", ""}}, {}, "no heated; no warmth; "}),
     [](const auto &each) { return std::string(each.param.name); });
+
+// Samples of an open text are not the texts that a mapping may know: what a delete does tells that it knows the leaf.
+TEST(Deviations, DoNotJudgeOpenTextBySamples) {
+  yfw::coverage made;
+  const lysc_node *name = garden().find("/garden/bed/name", {});
+  yfw::coverage_cell refused = made_cell(set, false);
+  refused.probes.push_back({"a", {}, "refused"});
+  made.high.push_back(
+      {name, {made_cell(get_config, true), made_cell(get, true), refused, made_cell(remove_leaf, true)}});
+  const yfw::deviations plan = plan_deviations(made, garden());
+  EXPECT_EQ("", statements(plan));
+  EXPECT_EQ(std::vector<std::string>{"/garden/bed/name: was set to 'a' only, which is refused"}, plan.remarks);
+}
 
 TEST(Drift, IsFoundBothWays) {
   const auto text_of = [](const yfw::coverage &made) {

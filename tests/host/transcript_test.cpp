@@ -1,11 +1,13 @@
 // Runs the commands of transcripts and compares what they print and their exit codes. A transcript holds
 //
-//   $ command          run by the shell at the top of the sources, with the built programs on its path;
+//   $ command          run by the shell;
 //   > more of it       a here-document, say
 //   what it prints     standard output and error as they come
 //   [exit 1]           when it is not 0
 //
-// In Markdown only the blocks marked `console` count; in other files, lines that begin with '#' are comments.
+// The commands run in the folder YMAP_TRANSCRIPT_DIR with YMAP_BIN_DIR on the path. YMAP_TRANSCRIPTS names the files,
+// and folders of such, with colons between. In Markdown only the blocks marked `console` count; in other files, lines
+// that begin with '#' are comments.
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 
@@ -13,6 +15,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -48,7 +51,8 @@ std::vector<Step> steps_of(const std::filesystem::path &file) {
 }
 
 std::string run(const std::string &command) {
-  const std::string script = "cd '" YMAP_SOURCE_DIR "' && PATH='" YMAP_BIN_DIR "':\"$PATH\" && exec 2>&1\n" + command;
+  const std::string script =
+      "cd '" YMAP_TRANSCRIPT_DIR "' && PATH='" YMAP_BIN_DIR "':\"$PATH\" && exec 2>&1\n" + command;
   std::FILE *pipe = popen(script.c_str(), "r");
   if (pipe == nullptr) {
     return "cannot be run";
@@ -73,14 +77,21 @@ std::string without_trailing_blank_lines(std::string text) {
 }
 
 std::vector<std::filesystem::path> transcripts() {
-  std::vector<std::filesystem::path> files = {YMAP_SOURCE_DIR "/README.md"};
-  for (const auto &entry : std::filesystem::directory_iterator(YMAP_SOURCE_DIR "/tests/host/transcripts")) {
-    files.push_back(entry.path());
+  std::vector<std::filesystem::path> files;
+  std::istringstream list(YMAP_TRANSCRIPTS);
+  for (std::string path; std::getline(list, path, ':');) {
+    if (!std::filesystem::is_directory(path)) {
+      files.emplace_back(path);
+      continue;
+    }
+    for (const auto &entry : std::filesystem::directory_iterator(path)) {
+      files.push_back(entry.path());
+    }
   }
   return files;
 }
 
-// A sanitizer changes what a plug-in's library needs and holds, which is what `ymap check` looks at.
+// A sanitizer or coverage changes what a plug-in's library needs and holds, which is what `ymap check` looks at.
 bool is_about_ordinary_builds(const Step &step) {
   return step.command.find("ymap check ") != std::string::npos;
 }
@@ -91,7 +102,7 @@ TEST_P(Transcript, PrintsWhatItSays) {
   const std::vector<Step> steps = steps_of(GetParam());
   ASSERT_FALSE(steps.empty());
   for (const Step &step : steps) {
-    if (YMAP_SANITIZED && is_about_ordinary_builds(step)) {
+    if (YMAP_INSTRUMENTED && is_about_ordinary_builds(step)) {
       continue;
     }
     EXPECT_EQ(without_trailing_blank_lines(step.expected), without_trailing_blank_lines(run(step.command)))

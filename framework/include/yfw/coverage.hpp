@@ -9,6 +9,7 @@
 
 #include "yfw/native_request.hpp"
 #include "yfw/plugin.hpp"
+#include "yfw/progress.hpp"
 #include "yfw/schema.hpp"
 #include "yfw/trace.hpp"
 
@@ -102,6 +103,7 @@ coverage_share share_of(const std::vector<coverage_row> &rows, leaf_operation op
 
 // Measures a mapping with the modules in force. Keys of lists that no entry point serves are not counted; every other
 // leaf and leaf-list below the nodes of a served module is, those that other modules augment included.
-coverage measure_coverage(const schema &modules, const plugin &mapping, trace_log &log);
+coverage measure_coverage(const schema &modules, const plugin &mapping, trace_log &log,
+                          const progress_report &report = {});
 
 }  // namespace yfw

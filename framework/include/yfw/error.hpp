@@ -19,7 +19,8 @@ class error : public std::runtime_error {
   explicit error(const std::string &text);
   error(place where, const std::string &text);
 
-  // what() is "file:line: path: text" with the parts that are known, without a program name.
+  // what() is "file:line: path: text" with the parts that are known, without a program name, path and text each as
+  // `one_line` has them.
   const place &where() const noexcept {
     return where_;
   }
@@ -69,8 +70,11 @@ class rpc_error : public error {
   std::string bad_element_;
 };
 
-// `text` in single quotes, shortened to its first 80 bytes and with control characters replaced by '?', fit for a
+// `text` in single quotes, shortened to about its first 80 bytes and with control characters replaced by '?', fit for a
 // message of one line. With a std::string it is called as yfw::quoted, since std::quoted would be found as well.
 std::string quoted(std::string_view text);
+
+// `text` fit for a message of one line: with control characters replaced by '?', and without the middle of a long one.
+std::string one_line(std::string_view text);
 
 }  // namespace yfw

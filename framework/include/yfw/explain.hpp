@@ -57,6 +57,8 @@ struct explained_request {
   std::vector<traced_function> walk;         // empty when the request is refused before the plug-in sees it
   std::vector<native_call> calls;            // without causes
   std::string refusal;                       // empty when it is carried out
+  std::string answer;                        // of a refused one: what the plug-in answered, status first
+  std::vector<std::string> reported_by;      // of a read that names no native leaf: those that replies report it of
   std::vector<value_mapping> values;         // of a set: values of the leaf; of a get: of the native leaves
   std::vector<reported_leaf> before, after;  // what a client reads of an empty device's list entry around an edit
 };
@@ -73,7 +75,7 @@ struct explained_reply {
 struct explanation {
   std::string path;  // with all keys
   const lysc_node *leaf;
-  std::vector<std::string> made_up_keys;    // "name='a'": those that were not given
+  std::vector<std::string> made_up_keys;    // "interface[name='a']": those that were not given
   std::vector<explained_request> requests;  // of a leaf of the high model
   std::vector<explained_reply> replies;     // of a native leaf, one a value
 };

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "yfw/plugin.hpp"
+#include "yfw/progress.hpp"
 #include "yfw/schema.hpp"
 #include "yfw/trace.hpp"
 
@@ -35,15 +36,26 @@ struct law_count {
   size_t refused = 0;  // of these, such as are refused with an error: no loss, since somebody is told
 };
 
+// What becomes of operational state, which goes one way: of the values that were tried, how many tell a client
+// something, are left out of the reply with a note, and are passed over without one.
+struct state_count {
+  size_t tried = 0;
+  size_t reported = 0;
+  size_t left_out = 0;
+  size_t passed_over = 0;
+};
+
 struct roundtrip {
   std::vector<broken_law> broken;
-  std::vector<law_count> counts;       // by law
+  std::vector<law_count> counts;  // by law
+  state_count state;
   std::vector<std::string> not_tried;  // leaves for which no tree could be made, and why
 };
 
 // Checks all leaves that the entry points serve, with every enumeration value, identity and boolean, both ends of
-// ranges, and a text that fits the pattern.
-roundtrip check_roundtrip(const schema &modules, const plugin &mapping, trace_log &log);
+// ranges, and several texts that fit lengths and patterns.
+roundtrip check_roundtrip(const schema &modules, const plugin &mapping, trace_log &log,
+                          const progress_report &report = {});
 
 // A loss that was reviewed and is accepted.
 struct known_loss {

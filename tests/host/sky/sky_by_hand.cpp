@@ -46,7 +46,11 @@ uint32_t ymap_ox_sky_skyweather_leaf_lvla_weather_state_wind(yfw_ctx_t *ctx, yfw
                                            nullptr, nullptr, 0, 0);
 }
 
+// Masts do not like this number: the whole reply fails.
 uint32_t ymap_xo_sky_mastcfg_man_leaf_lvla_period(yfw_ctx_t *ctx, yfw_node_t *node, yfw_node_t *out) {
+  if (node->value != nullptr && std::strcmp(node->value, "13") == 0) {
+    return YMAP_ERR_INVALID_ARGS;
+  }
   return yfw_map_datatree_add_path_flagged(ctx, out, "/skies/sky/weather/config/log-interval",
                                            "urn:example:sky-weather", node->value, nullptr, nullptr, 0, 1);
 }
