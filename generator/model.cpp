@@ -58,6 +58,10 @@ void add_names(model &result, const table &source, const lys_module *module) {
 
 model build_model(const table &source, const std::vector<std::string> &folders) {
   schema modules(folders);
+  return build_model(source, modules);
+}
+
+model build_model(const table &source, schema &modules) {
   const lys_module *module = modules.load(source.module, source.module_at);
   for (const target &next : source.targets) {
     modules.load(next.module, next.at);

@@ -1,6 +1,7 @@
 // A table joined with its YANG module: everything that the writers need to know, checked.
 #pragma once
 
+#include "schema.hpp"
 #include "table.hpp"
 
 #include <string>
@@ -50,5 +51,8 @@ struct model {
 // Reads the modules that the table names from `folders`, joins them, and checks that each node has one line, in order.
 // Throws `error`.
 model build_model(const table &source, const std::vector<std::string> &folders);
+
+// The same with modules that may have been loaded before, for another table. Loads what is missing.
+model build_model(const table &source, schema &modules);
 
 }  // namespace ymapgen

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <fstream>
 #include <sstream>
+#include <utility>
 
 namespace ymapgen {
 namespace {
@@ -15,19 +16,29 @@ struct line {
   std::vector<std::string> words;
 };
 
-// The lines that say something: comments and blank lines left out.
-std::vector<line> read_lines(const std::string &file) {
-  std::ifstream input(file);
-  if (!input) {
-    throw error("cannot read '" + file + "'");
+constexpr std::size_t longest_line = 4096;
+constexpr std::size_t deepest_level = 128;
+
+// Refuses what no table needs, so that messages can show any word of it.
+void check_text(const std::string &text, const place &at) {
+  if (text.size() > longest_line) {
+    throw error(at, "the line is longer than " + std::to_string(longest_line) + " characters");
   }
+  if (text.find('\t') != std::string::npos) {
+    throw error(at, "a tab in the line: use blanks");
+  }
+  if (std::any_of(text.begin(), text.end(), [](unsigned char c) { return c < ' ' && c != '\r'; })) {
+    throw error(at, "a control character in the line");
+  }
+}
+
+// The lines that say something: comments and blank lines left out.
+std::vector<line> read_lines(std::istream &input, const std::string &file) {
   std::vector<line> lines;
   std::string text;
   for (unsigned number = 1; std::getline(input, text); ++number) {
     line next{{file, number}, text.find_first_not_of(' '), {}};
-    if (text.find('\t') != std::string::npos) {
-      throw error(next.at, "a tab in the line: use blanks");
-    }
+    check_text(text, next.at);
     std::istringstream words(text);
     for (std::string word; words >> word && word.front() != '#';) {
       next.words.push_back(word);
@@ -110,10 +121,13 @@ std::vector<row> parse_rows(const std::vector<line> &lines, std::size_t &next, s
                                       std::to_string(lines[next].indent) + " blanks: two for each level, at most one " +
                                       "level below the line before");
     }
+    if (depth == deepest_level) {
+      throw error(lines[next].at, "nodes inside each other more than " + std::to_string(deepest_level) + " deep");
+    }
     row result = parse_row(lines[next].words, lines[next].at);
     ++next;
     result.children = parse_rows(lines, next, depth + 1);
-    rows.push_back(result);
+    rows.push_back(std::move(result));
   }
   return rows;
 }
@@ -121,7 +135,15 @@ std::vector<row> parse_rows(const std::vector<line> &lines, std::size_t &next, s
 }  // namespace
 
 table read_table(const std::string &file) {
-  const std::vector<line> lines = read_lines(file);
+  std::ifstream input(file);
+  if (!input) {
+    throw error("cannot read '" + file + "'");
+  }
+  return read_table(input, file);
+}
+
+table read_table(std::istream &input, const std::string &file) {
+  const std::vector<line> lines = read_lines(input, file);
   table result;
   result.file = file;
   std::vector<std::string> seen;

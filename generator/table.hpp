@@ -4,6 +4,7 @@
 
 #include "error.hpp"
 
+#include <istream>
 #include <optional>
 #include <string>
 #include <vector>
@@ -51,6 +52,9 @@ struct table {
 
 // Reads a table. Throws `error` with the place of what is wrong.
 table read_table(const std::string &file);
+
+// The same of a text; `file` is for messages.
+table read_table(std::istream &input, const std::string &file);
 
 // What stands for the direction in names: "xo" or "ox".
 const char *word_of(direction which);

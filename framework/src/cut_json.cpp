@@ -62,8 +62,8 @@ class json_cutter : public document_cutter {
  private:
   struct level {
     char bracket;
-    std::string name;   // with its quotes: of the member whose value this is
-    size_t outer_path;  // length of `path_` outside
+    std::string name;                // with its quotes: of the member whose value this is
+    size_t outer_path;               // length of `path_` outside
     std::vector<std::string> names;  // of an object's members so far
   };
 
@@ -74,6 +74,7 @@ class json_cutter : public document_cutter {
   // Moves behind the token here; false, without moving, when it does not end in the window.
   bool pass_token() {
     if (!is_blank(window_[at_])) {
+      is_good_ = is_good_ && (window_[at_] != ',' || comma_ == none);
       comma_ = none;
     }
     switch (window_[at_]) {

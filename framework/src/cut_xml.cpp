@@ -1,5 +1,5 @@
 #include <algorithm>
-#include <cstring>
+#include <set>
 
 #include "document_cutter.hpp"
 
@@ -126,6 +126,7 @@ class xml_cutter : public document_cutter {
     } else if (!is_empty) {
       const size_t outer_path = path_.size();
       add_plain_step(path_, name_here());
+      is_good_ = is_good_ && is_first_way_to_list();
       open_.push_back({std::string(window_.substr(at_, end + 1 - at_)), outer_path});
     }
     at_ = end + 1;
@@ -165,7 +166,15 @@ class xml_cutter : public document_cutter {
     return std::ranges::find(lists_, path) != lists_.end();
   }
 
+  // A reader of the whole refuses a container that comes twice.
+  bool is_first_way_to_list() {
+    const bool is_way =
+        std::ranges::any_of(lists_, [&](const std::string &list) { return list.starts_with(path_ + '/'); });
+    return path_.empty() || !is_way || ways_.insert(path_).second;
+  }
+
   std::vector<std::string> lists_;
+  std::set<std::string> ways_;  // paths of the containers around lists that were opened
   std::string_view window_;
   size_t at_ = 0;
   size_t depth_in_entry_ = 0;

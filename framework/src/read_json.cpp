@@ -358,10 +358,18 @@ class json_reader : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, json_
 
 }  // namespace
 
-// RapidJSON's reason, but for a control character, which it takes for an escape.
-static std::string words(rapidjson::ParseErrorCode code) {
-  return code == rapidjson::kParseErrorStringEscapeInvalid ? "a string holds an unknown escape or a control character"
-                                                           : plain_words(rapidjson::GetParseError_En(code));
+// RapidJSON's reason, but for a control character, which it takes for an escape, and what stands at its place.
+static std::string words(rapidjson::ParseErrorCode code, std::string_view text, size_t at) {
+  const std::string reason = code == rapidjson::kParseErrorStringEscapeInvalid
+                                 ? "a string holds an unknown escape or a control character"
+                                 : plain_words(rapidjson::GetParseError_En(code));
+  constexpr std::string_view ends = " \t\r\n,:{}[]";
+  size_t begin = at;
+  while (begin > 0 && at - begin < 40 && ends.find(text[begin - 1]) == std::string_view::npos) {
+    --begin;
+  }
+  const std::string_view found = text.substr(begin, text.find_first_of(ends, std::max(at, begin + 1)) - begin);
+  return reason + " at " + quoted(found.substr(0, 60));
 }
 
 void read_json(document::parts &parts, size_t begin) {
@@ -373,7 +381,8 @@ void read_json(document::parts &parts, size_t begin) {
   const rapidjson::ParseResult result = parser.Parse<options>(stream, reader);
   if (result.IsError()) {
     const bool is_end = begin + result.Offset() >= parts.text.size();
-    parts.fail(begin + result.Offset(), is_end ? "the text ends inside a value" : words(result.Code()));
+    parts.fail(begin + result.Offset(),
+               is_end ? "the text ends inside a value" : words(result.Code(), parts.text, begin + result.Offset()));
   }
   reader.finish();
   parts.text = {};

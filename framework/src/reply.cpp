@@ -4,6 +4,7 @@
 #include <deque>
 #include <iterator>
 #include <limits>
+#include <unordered_map>
 #include <utility>
 
 #include "context.hpp"
@@ -53,6 +54,7 @@ class reply_translation {
   }
 
   void run() {
+    refuse_repeated(document_.roots(), false);
     for (yfw_node_t &root : document_.roots()) {
       visit_envelope(root);
     }
@@ -79,6 +81,40 @@ class reply_translation {
     for (yfw_node_t &below : children(node)) {
       visit_envelope(below);
     }
+  }
+
+  // Entries that are in no other one are compared with those of the documents before, too.
+  void refuse_repeated(std::span<const yfw_node_t> level, bool is_in_entry) {
+    ++level_;
+    for (const yfw_node_t &node : level) {
+      const lysc_node *schema = extra(node).schema;
+      const bool is_known = schema != nullptr && !is_leaf_list(schema);
+      if (is_known && !(is_list(schema) ? is_new_entry(node, is_in_entry) : is_new_node(schema))) {
+        throw error(document_.where(node), quoted(node.tag) + " appears twice");
+      }
+    }
+    for (const yfw_node_t &node : level) {
+      if (!children(node).empty()) {
+        refuse_repeated(children(node), is_in_entry || is_list(extra(node).schema));
+      }
+    }
+  }
+
+  bool is_new_node(const lysc_node *schema) {
+    size_t &last = met_in_[schema];
+    return std::exchange(last, level_) != level_;
+  }
+
+  bool is_new_entry(const yfw_node_t &node, bool is_in_entry) {
+    const std::vector<std::string_view> names = keys(extra(node).schema);
+    std::string identity = std::to_string(reinterpret_cast<uintptr_t>(extra(node).schema));
+    identity += is_in_entry ? ' ' + std::to_string(reinterpret_cast<uintptr_t>(extra(node).parent)) : "";
+    for (const std::string_view name : names) {
+      const yfw_node_t *key = child(node, name);
+      identity += ' ' + std::string(key != nullptr && key->value != nullptr ? key->value : "");
+      identity += '\0';
+    }
+    return names.empty() || result_.entries.insert(std::move(identity)).second;
   }
 
   void require_top_level(const yfw_node_t &node) const {
@@ -235,6 +271,8 @@ class reply_translation {
   const plugin &mapping_;
   const reply_options &options_;
   reply_part &result_;
+  size_t level_ = 0;                                      // number of the siblings that are looked at
+  std::unordered_map<const lysc_node *, size_t> met_in_;  // the last such number
   data_builder builder_;
   context context_;
 };
@@ -280,7 +318,7 @@ void translate_part(document &native, const plugin &mapping, const reply_options
 }
 
 reply translate_reply(document &native, const plugin &mapping, const reply_options &options, trace_log &log) {
-  reply_part whole{data_tree(native.modules()), {}, {}};
+  reply_part whole{data_tree(native.modules()), {}, {}, {}};
   translate_part(native, mapping, options, log, whole);
   note_missing_entries(whole, options, native.file());
   return {std::move(whole.data), std::move(whole.notes).texts()};

@@ -37,7 +37,8 @@ class reply_notes {
 struct reply_part {
   data_tree data;
   reply_notes notes;
-  std::set<std::string> met;  // those of the wanted entries that were met
+  std::set<std::string> met;      // those of the wanted entries that were met
+  std::set<std::string> entries;  // list entries of the text, to refuse one that comes again
 };
 
 // `translate_reply` without the notes about entries that the whole document lacks, which are the second function's.

@@ -73,7 +73,7 @@ bool piece_source::read_more() {
     buffer_ += kept_.read(at, room);
   } else {
     buffer_.resize(old + room);
-    room = text_.read(std::span(buffer_).subspan(old));
+    room = fill(std::span(buffer_).subspan(old));
     buffer_.resize(old + room);
     if (begin_ > 0) {
       keep(std::string_view(buffer_).substr(old));
@@ -83,6 +83,15 @@ bool piece_source::read_more() {
     cutter_ = make_cutter(window(), lists_);
   }
   return room != 0;
+}
+
+// Less than the room only at the end of the text: a pipe gives a little at a time.
+size_t piece_source::fill(std::span<char> room) {
+  size_t size = 0;
+  for (size_t count = 1; size < room.size() && count != 0; size += count) {
+    count = text_.read(room.subspan(size));
+  }
+  return size;
 }
 
 void piece_source::keep_rest() {
@@ -117,14 +126,7 @@ std::string piece_source::read(size_t begin, size_t end) {
     return kept_.read(begin, end - begin);
   }
   std::string text(end - begin, '\0');
-  size_t size = 0;
-  bool is_more = text_.seek(begin);
-  while (is_more && size < text.size()) {
-    const size_t count = text_.read(std::span(text).subspan(size));
-    is_more = count != 0;
-    size += count;
-  }
-  if (size < text.size()) {
+  if (!text_.seek(begin) || fill(text) < text.size()) {
     throw error("the text is shorter than before");
   }
   return text;

@@ -59,6 +59,7 @@ class piece_source {
  private:
   piece cut_off(const cut &at);
   bool read_more();
+  size_t fill(std::span<char> room);
   void keep(std::string_view text);
   void keep_rest();
   std::string_view window() const {

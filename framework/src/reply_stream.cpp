@@ -89,7 +89,7 @@ class reply_stream {
         jobs_(options.jobs != 0 ? options.jobs : std::max(1U, std::thread::hardware_concurrency())),
         log_(log),
         out_(out),
-        around_{data_tree(modules), {}, {}} {}
+        around_{data_tree(modules), {}, {}, {}} {}
 
   std::vector<std::string> run() {
     const bool is_watched = log_.wants_short_form() || log_.wants_long_form() || capture_writer::is_running();
@@ -179,7 +179,7 @@ class reply_stream {
 
   // Runs on several threads at once: all that is shared here is only read.
   translated_piece translate(whole_entries entries) const {
-    reply_part part{data_tree(modules_), {}, {}};
+    reply_part part{data_tree(modules_), {}, {}, {}};
     data_format format = data_format::xml;
     for (piece_document &each : entries.documents) {
       document native = document::read(std::move(each.text), file_, modules_, {}, each.first_line);
@@ -249,7 +249,7 @@ class reply_stream {
     before_.clear();
     entries_.emplace();
     keys_.clear();
-    around_ = {data_tree(modules_), {}, {}};
+    around_ = {data_tree(modules_), {}, {}, {}};
   }
 
   void finish() {

@@ -176,10 +176,12 @@ INSTANTIATE_TEST_SUITE_P(
                 envelope(configurations(configuration("Gi3", "100") + configuration("Gi9", "1000") +
                                         configuration("Gi1", "abc")) +
                          statistics(three))},
-        TextRow{"KeysThatMislead", envelope(statistics(statistic("Gi1", "<!-- -->") + statistic("Gi2") +
+        TextRow{"KeysThatMislead", envelope(configurations(configuration("Gi3", "100")) +
+                                            statistics(statistic("Gi1", "<!-- -->") +
                                                        "<e:statistic><!-- <e:interface-name>Gi1</e:interface-name> -->"
                                                        "<e:interface-name>Gi3</e:interface-name></e:statistic>" +
-                                                       statistic("Gi&#50;") + statistic("Gi1")))},
+                                                       statistic("Gi&#50;")))},
+        TextRow{"KeysOfTwoSpellings", envelope(configurations(configuration("Gi&#51;", "100")) + statistics(three))},
         TextRow{"UnmappedTopNode", envelope(statistics(three) + "<hosts xmlns='urn:hosts'/>")},
         TextRow{"UnknownLeaves",
                 envelope(statistics(statistic("Gi1", "<e:x>1</e:x>") + statistic("Gi2", "<e:x>1</e:x>") +

@@ -50,6 +50,18 @@ const char *const cfg = "mast-cfg.map";
 const char *const oper = "mast-oper.map";
 const auto name_of = [](const auto &row) { return std::string(row.param.name); };
 
+// Rows, each inside the one before, as deep as a line may be long.
+std::string nested_rows() {
+  std::string rows;
+  for (unsigned depth = 0; depth < 2000; ++depth) {
+    rows += std::string(2 * depth, ' ') + "weather walk\n";
+  }
+  return rows;
+}
+
+const std::string long_line = "    rain unmapped " + std::string(10000, 'x');
+const std::string deep_rows = nested_rows();
+
 INSTANTIATE_TEST_SUITE_P(
     Heads, TableError,
     testing::Values(
@@ -108,7 +120,10 @@ INSTANTIATE_TEST_SUITE_P(
                   "16: 'rain' is not a child of '/skies/sky/weather/state/air-pressure'"},
         error_row{"OddIndent", sky, 16, "     rain unmapped",
                   "16: 'rain' is indented by 5 blanks: two for each level, at most one level below the line before"},
-        error_row{"Tab", sky, 16, "\train unmapped", "16: a tab in the line: use blanks"}),
+        error_row{"Tab", sky, 16, "\train unmapped", "16: a tab in the line: use blanks"},
+        error_row{"ControlCharacter", sky, 16, "    rain \x1b[31munmapped", "16: a control character in the line"},
+        error_row{"LongLine", sky, 16, long_line.c_str(), "16: the line is longer than 4096 characters"},
+        error_row{"Deep", sky, 11, deep_rows.c_str(), "139: nodes inside each other more than 128 deep"}),
     name_of);
 
 INSTANTIATE_TEST_SUITE_P(
