@@ -63,7 +63,7 @@ uint32_t yfw_map_do_these_match(const char *first, const char *second) {
   if (context *ctx = active_context(); ctx != nullptr) {
     remember(ctx->compared, first);
   }
-  return std::strcmp(first, second) == 0 ? 1 : 0;
+  return *first == *second && std::strcmp(first, second) == 0 ? 1 : 0;
 }
 
 void yfw_map_add_to_node_hierarchy(yfw_ctx_t *ctx, yfw_node_t *node, uint32_t level) {

@@ -60,6 +60,10 @@ text_fault first_fault(std::string_view text, std::vector<uint32_t> *newlines) {
       continue;
     }
     const auto byte = static_cast<unsigned char>(text[at]);
+    if (byte >= 0x20 && byte < 0x7f) {
+      ++at;
+      continue;
+    }
     character next{byte, 1};
     if (byte >= 0x80) {
       next = decode(text.substr(at));

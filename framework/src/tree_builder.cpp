@@ -1,5 +1,7 @@
 #include "tree_builder.hpp"
 
+#include <libyang/libyang.h>
+
 #include <algorithm>
 #include <memory>
 
@@ -44,7 +46,24 @@ std::span<yfw_node_t> tree_builder::finished() {
   return std::span(pending_).subspan(open_.empty() ? 0 : open_.back() + 1);
 }
 
+static bool is_called(const lysc_node *node, std::string_view tag, std::string_view ns) {
+  return (is_leaf(node) || is_container(node) || is_list(node)) && name(node) == tag && yfw::ns(node) == ns;
+}
+
+// Devices send nodes in the order of the module: most often the next one is what comes.
+const lysc_node *tree_builder::expected(std::string_view tag, std::string_view ns) const {
+  const size_t first = open_.empty() ? 0 : open_.back() + 1;
+  const lysc_node *before = pending_.size() > first ? extra(pending_.back()).schema : nullptr;
+  if (before == nullptr) {
+    return nullptr;
+  }
+  return is_called(before->next, tag, ns) ? before->next : is_called(before, tag, ns) ? before : nullptr;
+}
+
 const lysc_node *tree_builder::schema_of(std::string_view tag, std::string_view ns) const {
+  if (const lysc_node *found = expected(tag, ns); found != nullptr) {
+    return found;
+  }
   const lysc_node *above = open_.empty() ? nullptr : extra(pending_[open_.back()]).schema;
   const bool is_reached = above != nullptr || open_.empty() || is_envelope(pending_[open_.back()]);
   return is_reached ? parts_.modules->child(above, ns, tag) : nullptr;

@@ -40,6 +40,7 @@ class tree_builder {
   [[noreturn]] void fail(size_t offset, const std::string &text);
 
  private:
+  const lysc_node *expected(std::string_view tag, std::string_view ns) const;
   yfw_node_t *settle(size_t first);
 
   document::parts &parts_;
