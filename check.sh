@@ -1,6 +1,6 @@
 #!/bin/sh
 # Installs what is missing, builds and passes all tests: plain, then under AddressSanitizer and
-# UndefinedBehaviorSanitizer. Checks the formatting first.
+# UndefinedBehaviorSanitizer, and the one of what uses threads under ThreadSanitizer. Checks the formatting first, and lets the fuzzers run for a short while last.
 set -eu
 cd "$(dirname "$0")"
 . cmake/prepare.sh
@@ -15,3 +15,10 @@ ctest --preset dev
 echo "== tests under sanitizers"
 build asan
 ctest --preset asan
+
+echo "== threads"
+build tsan
+ctest --preset tsan
+
+echo "== fuzzers, a short run"
+fuzz/run.sh --short

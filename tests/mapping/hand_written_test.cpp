@@ -3,6 +3,7 @@
 #include "mapping_test.hpp"
 #include "ymap_oc_ethernet_openconfig_if_ethernet.h"
 #include "ymap_oc_ethernet_zemlo_quarn_drivers_media_eth_cfg.h"
+#include "ymap_oc_ethernet_zemlo_quarn_drivers_media_eth_oper.h"
 
 #include <cstddef>
 #include <map>
@@ -405,6 +406,34 @@ key /interfaces/interface name
 add oper:/ethernet-interface/interfaces/interface/layer1-info/speed flag 0
 status 0
 )");
+}
+
+// Whoever calls them may hand them nothing: they say so and touch nothing.
+TEST_F(HandWritten, MissingArgumentsAreRefused) {
+  ymap_node_function *const functions[] = {
+      ymap_xo_oc_ethernet_zemloquarndriversmediaethoper_list_lvla_ethernetinterface_statistics_statistic,
+      ymap_xo_oc_ethernet_zemloquarndriversmediaethoper_list_lvla_ethernetinterface_interfaces_interface,
+      ymap_xo_oc_ethernet_zemloquarndriversmediaethoper_leaf_lvla_ethernetinterface_layer1info_speed,
+      ymap_xo_oc_ethernet_zemloquarndriversmediaethcfg_man_leaf_lvla_ethernet_autonegotiation,
+      ymap_xo_oc_ethernet_zemloquarndriversmediaethcfg_man_leaf_lvla_ethernet_flowcontrol,
+      ymap_ox_oc_ethernet_openconfigifethernet_man_leaf_lvla_ethernet_config_autonegotiate,
+      ymap_ox_oc_ethernet_openconfigifethernet_man_leaf_lvla_ethernet_state_autonegotiate,
+      ymap_ox_oc_ethernet_openconfigifethernet_man_leaf_lvla_ethernet_config_enableflowcontrol,
+      ymap_ox_oc_ethernet_openconfigifethernet_man_leaf_lvla_ethernet_state_enableflowcontrol,
+      ymap_ox_oc_ethernet_openconfigifethernet_leaf_lvla_ethernet_state_effectivespeed,
+      ymap_ox_oc_ethernet_openconfigifethernet_leaf_lvla_ethernet_state_hwmacaddress,
+      ymap_ox_oc_ethernet_openconfigifethernet_lvla_ethernet_config_parse_augments,
+      [](yfw_ctx_t *context, yfw_node_t *node, yfw_node_t *output) {
+        return ymap_ox_oc_ethernet_openconfigifethernet_cont_lvla_ethernet_state_counters(context, node, 1, output);
+      },
+  };
+  tree node(leaf("leaf", oc, "1"));
+  for (const auto &function : functions) {
+    EXPECT_EQ(function(&ctx, nullptr, &out), 0xaaf2a000U);
+    EXPECT_EQ(function(&ctx, node.root(), nullptr), 0xaaf2a000U);
+    EXPECT_EQ(framework.calls, "ERR Invalid arguments passed!\nERR Invalid arguments passed!\n");
+    framework.calls.clear();
+  }
 }
 
 }  // namespace

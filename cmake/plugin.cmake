@@ -1,0 +1,23 @@
+# How a plug-in is made: for the project itself, and, installed beside ymapConfig.cmake, for the plug-ins of others.
+
+# ymap_plugin(NAME MANIFEST)
+# Makes shared library NAME a mapping plug-in: it exports what its headers mark, needs nothing but the C library, holds
+# no writable data of the compiler's start files. It appears in lib/ymap of the build; its manifest stands beside it,
+# and so do its known losses, if any.
+function(ymap_plugin name manifest)
+  target_link_libraries(${name} PRIVATE ymap::yfw_abi)
+  target_include_directories(${name} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR}/include)
+  target_compile_options(${name} PRIVATE -fno-exceptions -fno-rtti)
+  set_target_properties(${name} PROPERTIES CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON
+    LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib/ymap)
+  target_link_options(${name} PRIVATE -Wl,-Bsymbolic -Wl,-z,relro,-z,now)
+  # What a sanitizer or coverage adds to the code needs the start files.
+  if(NOT YMAP_INSTRUMENTED)
+    target_link_options(${name} PRIVATE -nostartfiles -nodefaultlibs)
+    target_link_libraries(${name} PRIVATE c)
+  endif()
+  configure_file(${manifest} ${PROJECT_BINARY_DIR}/lib/ymap/lib${name}.manifest.json COPYONLY)
+  if(EXISTS ${CMAKE_CURRENT_SOURCE_DIR}/known-losses)
+    configure_file(known-losses ${PROJECT_BINARY_DIR}/lib/ymap/lib${name}.known-losses COPYONLY)
+  endif()
+endfunction()
