@@ -31,6 +31,21 @@ native_node blank(const lysc_node *schema) {
   return {schema, ns(schema), name(schema), std::nullopt, {}};
 }
 
+// Whether two nodes are in different cases of one choice.
+bool exclude_each_other(const lysc_node *one, const lysc_node *other) {
+  const auto outer_case = [](const lysc_node *node) {
+    return node != nullptr && node->nodetype == LYS_CASE ? node : nullptr;
+  };
+  for (const lysc_node *mine = outer_case(one->parent); mine != nullptr; mine = outer_case(mine->parent->parent)) {
+    for (const lysc_node *its = outer_case(other->parent); its != nullptr; its = outer_case(its->parent->parent)) {
+      if (mine->parent == its->parent) {
+        return mine != its;
+      }
+    }
+  }
+  return false;
+}
+
 std::string path_to(const native_call &call, size_t step) {
   native_call shortened = call;
   shortened.steps.resize(step + 1);
@@ -71,6 +86,7 @@ native_node &device_edit::reached(std::vector<native_node> &level, const native_
   if (found != level.end()) {
     return *found;
   }
+  drop_other_cases(level, call, step);
   native_node &made = level.emplace_back(blank(wanted.node));
   for (const lysc_node *below : target_.modules().children(wanted.node)) {
     const auto key = std::ranges::find(wanted.keys, name(below), &std::pair<std::string_view, std::string>::first);
@@ -99,7 +115,26 @@ void device_edit::set_leaf(std::vector<native_node> &level, const native_call &c
   }
   const std::string path = call.path() + (is_leaf_list(leaf) ? "[.=" + key_literal(value) + "]" : "");
   note(path, is_there ? found->value : std::nullopt, value);
-  (is_there ? *found : level.emplace_back(blank(leaf))).value = value;
+  if (is_there) {
+    found->value = value;
+  } else {
+    drop_other_cases(level, call, call.steps.size() - 1);
+    level.emplace_back(blank(leaf)).value = value;
+  }
+}
+
+// A node that is made deletes those in the other cases of its choice (RFC 7950, section 7.9).
+void device_edit::drop_other_cases(std::vector<native_node> &level, const native_call &call, size_t step) {
+  const auto is_excluded = [&](const native_node &node) {
+    return node.schema != nullptr && exclude_each_other(call.steps[step].node, node.schema);
+  };
+  for (const native_node &node : level) {
+    if (is_excluded(node)) {
+      const std::string above = step == 0 ? "" : path_to(call, step - 1);
+      note_removal(node, above + "/" + std::string(node.tag) + predicates(node));
+    }
+  }
+  std::erase_if(level, is_excluded);
 }
 
 // True when something is removed. Containers that are left empty are removed on the way back.

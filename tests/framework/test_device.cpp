@@ -9,6 +9,7 @@
 #include <iterator>
 #include <sstream>
 #include <thread>
+#include <tuple>
 
 #include "library.hpp"
 #include "yfw/device.hpp"
@@ -201,6 +202,20 @@ INSTANTIATE_TEST_SUITE_P(
         EditRow{"State", call_kind::set, YFW_OPERATION_MERGE, "/library:library/visit/minutes", "9",
                 "operation-not-supported"}),
     [](const auto &each) { return std::string(each.param.name); });
+
+TEST(DeviceEdit, DropsTheOtherCasesOfAChoice) {
+  yfw::device device = device_of(shelved);
+  for (const auto &[leaf, value, result] : {std::tuple{"gas-meter", "7", "/library/gas-meter: none -> 7\n"},
+                                            std::tuple{"stove", "true",
+                                                       "/library/stove: none -> true\n"
+                                                       "/library/gas-meter: 7 -> none\n"}}) {
+    yfw::device_edit edit(device);
+    edit.apply(call(call_kind::set, std::string("/library:library/") + leaf, value, YFW_OPERATION_MERGE));
+    EXPECT_EQ(result, words(edit.changes()));
+    edit.commit();
+  }
+  EXPECT_EQ(device.text().find("gas-meter"), std::string::npos);
+}
 
 TEST(DeviceEdit, RefusesAPathWithoutKeys) {
   yfw::device device = device_of(shelved);

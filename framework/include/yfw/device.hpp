@@ -93,6 +93,7 @@ class device_edit {
   void set(const native_call &call);
   void set_leaf(std::vector<native_node> &level, const native_call &call);
   native_node &reached(std::vector<native_node> &level, const native_call &call, size_t step);
+  void drop_other_cases(std::vector<native_node> &level, const native_call &call, size_t step);
   bool remove(std::vector<native_node> &level, const native_call &call, size_t step);
   void note_removal(const native_node &node, const std::string &path);
   void note(const std::string &path, std::optional<std::string> before, std::optional<std::string> after);
