@@ -63,8 +63,9 @@ std::string in_pieces(const std::string &text, const yfw::stream_options &option
     text_in_memory source(text);
     std::ostringstream output;
     yfw::trace_log log;
-    const std::vector<std::string> notes =
-        translate_reply_stream(source, fuzz::file, fuzz::modules(), fuzz::mapping(), options, log, output);
+    std::vector<std::string> notes;
+    translate_reply_stream(source, fuzz::file, fuzz::modules(), fuzz::mapping(), options, log, output,
+                           [&](const std::vector<std::string> &taken) { notes = taken; });
     return told(output.str(), notes);
   } catch (const yfw::error &fault) {
     return refused(fault);

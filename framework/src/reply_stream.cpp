@@ -80,7 +80,7 @@ enum class pieces_end { good, scattered, unfit };
 class reply_stream {
  public:
   reply_stream(text_source &native, const std::string &file, const schema &modules, const plugin &mapping,
-               const stream_options &options, trace_log &log, std::ostream &out)
+               const stream_options &options, trace_log &log, std::ostream &out, const note_taker &take_notes)
       : source_(native, native_lists(mapping.description())),
         file_(file),
         modules_(modules),
@@ -89,9 +89,10 @@ class reply_stream {
         jobs_(options.jobs != 0 ? options.jobs : std::max(1U, std::thread::hardware_concurrency())),
         log_(log),
         out_(out),
+        take_notes_(take_notes),
         around_{data_tree(modules), {}, {}, {}} {}
 
-  std::vector<std::string> run() {
+  void run() {
     const bool is_watched = log_.wants_short_form() || log_.wants_long_form() || capture_writer::is_running();
     pieces_end end = is_watched ? pieces_end::unfit : translate_in_order();
     if (end == pieces_end::scattered) {
@@ -100,11 +101,10 @@ class reply_stream {
     }
     if (end != pieces_end::good) {
       forget();
-      return translate_whole(source_.whole());
+      translate_whole(source_.whole());
+    } else {
+      finish();
     }
-    finish();
-    note_missing_entries(around_, options_.reply, file_);
-    return std::move(around_.notes).texts();
   }
 
  private:
@@ -116,11 +116,19 @@ class reply_stream {
     return lists;
   }
 
-  std::vector<std::string> translate_whole(std::string text) {
+  void translate_whole(std::string text) {
     document native = document::read(std::move(text), file_, modules_);
     const reply whole = translate_reply(native, mapping_, options_.reply, log_);
-    write(out_, whole.data, options_.to.value_or(native.format()));
-    return whole.notes;
+    std::ostringstream written;
+    write(written, whole.data, options_.to.value_or(native.format()));
+    take_notes_(whole.notes);
+    put(written.view());
+  }
+
+  void put(std::string_view text) {
+    if (!out_.write(text.data(), static_cast<std::streamsize>(text.size()))) {
+      throw error("the output cannot be written");
+    }
   }
 
   static void write(std::ostream &out, const data_tree &tree, data_format format) {
@@ -253,15 +261,14 @@ class reply_stream {
   }
 
   void finish() {
+    note_missing_entries(around_, options_.reply, file_);
+    take_notes_(std::move(around_.notes).texts());
     if (before_.empty()) {
       write(out_, data_tree(modules_), options_.to.value_or(source_.format()));
       return;
     }
     entries_->append(after_);
-    entries_->read_all([&](std::string_view block) { out_ << block; });
-    if (!out_) {
-      throw error("the output cannot be written");
-    }
+    entries_->read_all([&](std::string_view block) { put(block); });
   }
 
   piece_source source_;
@@ -272,6 +279,7 @@ class reply_stream {
   unsigned jobs_;
   trace_log &log_;
   std::ostream &out_;
+  const note_taker &take_notes_;
 
   std::string before_, after_;
   std::optional<spool> entries_{std::in_place};
@@ -282,10 +290,10 @@ class reply_stream {
 
 }  // namespace
 
-std::vector<std::string> translate_reply_stream(text_source &native, const std::string &file, const schema &modules,
-                                                const plugin &mapping, const stream_options &options, trace_log &log,
-                                                std::ostream &out) {
-  return reply_stream(native, file, modules, mapping, options, log, out).run();
+void translate_reply_stream(text_source &native, const std::string &file, const schema &modules, const plugin &mapping,
+                            const stream_options &options, trace_log &log, std::ostream &out,
+                            const note_taker &take_notes) {
+  reply_stream(native, file, modules, mapping, options, log, out, take_notes).run();
 }
 
 }  // namespace yfw

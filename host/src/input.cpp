@@ -1,6 +1,7 @@
 #include "input.hpp"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -48,12 +49,18 @@ std::string read_text(const std::string &file) {
   return read_stream(stream.get(), file);
 }
 
-text_file::text_file(std::string name)
-    : name_(std::move(name)), descriptor_(name_ == "-" ? STDIN_FILENO : ::open(name_.c_str(), O_RDONLY | O_CLOEXEC)) {
+text_file::text_file(std::string name, yfw::progress_report report)
+    : name_(std::move(name)),
+      descriptor_(name_ == "-" ? STDIN_FILENO : ::open(name_.c_str(), O_RDONLY | O_CLOEXEC)),
+      report_(std::move(report)) {
   if (descriptor_ < 0) {
     refuse(name_, "cannot be opened");
   }
   begin_ = ::lseek(descriptor_, 0, SEEK_CUR);
+  struct stat status {};
+  if (begin_ >= 0 && ::fstat(descriptor_, &status) == 0 && S_ISREG(status.st_mode) && status.st_size > begin_) {
+    size_ = static_cast<size_t>(status.st_size - begin_);
+  }
 }
 
 text_file::~text_file() {
@@ -70,11 +77,16 @@ size_t text_file::read(std::span<char> room) {
   if (count < 0) {
     refuse(name_, "cannot be read");
   }
+  at_ += static_cast<size_t>(count);
+  if (report_) {
+    report_(at_, size_);
+  }
   return static_cast<size_t>(count);
 }
 
 bool text_file::seek(size_t offset) {
   const off_t place = begin_ + static_cast<off_t>(offset);
+  at_ = offset;
   return begin_ >= 0 && ::lseek(descriptor_, place, SEEK_SET) == place;
 }
 

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "yfw/progress.hpp"
 #include "yfw/reply_stream.hpp"
 
 namespace ymap {
@@ -16,8 +17,9 @@ std::string read_text(const std::string &file);
 // A file, or standard input for "-", that is read in pieces, from where it stands.
 class text_file : public yfw::text_source {
  public:
-  // Throws `yfw::error` when it cannot be opened.
-  explicit text_file(std::string name);
+  // `report` is told how many bytes were read, and of how many when that is known. Throws `yfw::error` when the file
+  // cannot be opened.
+  explicit text_file(std::string name, yfw::progress_report report = {});
   ~text_file() override;
   text_file(const text_file &) = delete;
   text_file &operator=(const text_file &) = delete;
@@ -29,6 +31,9 @@ class text_file : public yfw::text_source {
   std::string name_;
   int descriptor_;
   off_t begin_;  // negative: it has no places to go back to
+  yfw::progress_report report_;
+  size_t at_ = 0;
+  size_t size_ = 0;  // 0: not known
 };
 
 // How messages call it.

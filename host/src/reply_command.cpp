@@ -4,6 +4,7 @@
 #include "commands.hpp"
 #include "input.hpp"
 #include "setup.hpp"
+#include "terminal.hpp"
 #include "yfw/reply_stream.hpp"
 
 namespace ymap {
@@ -24,9 +25,13 @@ struct reply_command_options {
 
 void run(const reply_command_options &options) {
   setup with(options.setup);
-  text_file native(options.file);
-  write_notes(translate_reply_stream(native, display_name(options.file), with.schema(), with.plugin(), options.stream,
-                                     with.trace(), std::cout));
+  progress shown("translating, megabytes");
+  text_file native(options.file, [&](size_t done, size_t total) { shown(done >> 20U, total >> 20U); });
+  translate_reply_stream(native, display_name(options.file), with.schema(), with.plugin(), options.stream, with.trace(),
+                         std::cout, [&](const std::vector<std::string> &notes) {
+                           shown.hide();
+                           write_notes(notes);
+                         });
   write_result("");
 }
 

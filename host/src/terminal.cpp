@@ -72,7 +72,11 @@ void progress::operator()(size_t done, size_t total) {
   }
   next_ = clock::now() + between_lines;
   is_shown_ = true;
-  std::cerr << erased_line << what_ << ": " << done << " of " << total << std::flush;
+  std::cerr << erased_line << what_ << ": " << done;
+  if (total != 0) {
+    std::cerr << " of " << total;
+  }
+  std::cerr << std::flush;
 }
 
 }  // namespace ymap

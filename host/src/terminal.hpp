@@ -32,7 +32,7 @@ class progress {
 
   // Removes the line until the next step, since something else is to be written.
   void hide();
-  // A step, as yfw::progress_report is told of it.
+  // A step, as yfw::progress_report is told of it; a total of 0 is not known.
   void operator()(size_t done, size_t total);
 
  private:

@@ -75,7 +75,11 @@ std::string in_pieces(const std::string &text, const yfw::stream_options &option
   try {
     text_in_parts source(text, can_seek);
     yfw::trace_log silent;
-    const auto notes = translate_reply_stream(source, "reply", modules(), mapping(), options, silent, out);
+    std::vector<std::string> notes;
+    translate_reply_stream(source, "reply", modules(), mapping(), options, silent, out, [&](const auto &taken) {
+      EXPECT_EQ(out.str(), "") << "written before the notes";
+      notes = taken;
+    });
     return told(out.str(), notes);
   } catch (const yfw::error &fault) {
     EXPECT_EQ(out.str(), "") << "something was written before the fault was found";

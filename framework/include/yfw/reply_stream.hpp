@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <iosfwd>
 #include <optional>
 #include <span>
@@ -24,6 +25,8 @@ class text_source {
   virtual bool seek(size_t offset) = 0;
 };
 
+using note_taker = std::function<void(const std::vector<std::string> &notes)>;
+
 struct stream_options {
   reply_options reply;
   std::optional<data_format> to;    // none: as the text
@@ -42,10 +45,10 @@ struct stream_options {
 // in memory: data that makes more than one list of the high model, one entry given twice in one list under two
 // spellings of its key, and every text while calls are traced or captured.
 //
-// Returns the notes. Of several faults that of the first piece that has one is reported. Throws `error` as
-// `document::read`, `translate_reply` and the writers do, and when a file fails.
-std::vector<std::string> translate_reply_stream(text_source &native, const std::string &file, const schema &modules,
-                                                const plugin &mapping, const stream_options &options, trace_log &log,
-                                                std::ostream &out);
+// Notes are handed over before anything is written. Of several faults that of the first piece that has one is reported.
+// Throws `error` as `document::read`, `translate_reply` and the writers do, and when a file fails.
+void translate_reply_stream(text_source &native, const std::string &file, const schema &modules, const plugin &mapping,
+                            const stream_options &options, trace_log &log, std::ostream &out,
+                            const note_taker &take_notes);
 
 }  // namespace yfw
