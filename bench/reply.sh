@@ -51,5 +51,10 @@ for count in 100 1000 10000 100000; do
 done
 measure 'ymap reply, 100000 interfaces from a pipe' sh -c "cat '$data/100000.xml' | '$ymap' reply -"
 echo 'Start'
-measure 'ymap --version' "$ymap" --version
-measure 'ymap reply of one interface' "$ymap" reply "$here/../examples/reply.xml"
+hundred_times() {
+  what=$1
+  shift
+  measure "$what, 100 times" sh -c 'i=0; while [ $i -lt 100 ]; do "$@"; i=$((i + 1)); done' - "$@"
+}
+hundred_times 'ymap --version' "$ymap" --version
+hundred_times 'ymap request of one leaf' "$ymap" request --operation edit "$here/../examples/set-mac.json"

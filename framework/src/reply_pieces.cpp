@@ -59,7 +59,7 @@ void piece_source::keep(std::string_view text) {
 
 // Asks for as much again as there is, so that what spans many readings is not looked at as many times.
 bool piece_source::read_more() {
-  constexpr size_t block_bytes = 256 * 1024;
+  constexpr size_t block_bytes = 262'144;
   buffer_.erase(0, taken_);
   taken_ = 0;
   const size_t old = buffer_.size();

@@ -29,9 +29,9 @@ using note_taker = std::function<void(const std::vector<std::string> &notes)>;
 
 struct stream_options {
   reply_options reply;
-  std::optional<data_format> to;    // none: as the text
-  size_t piece_bytes = 256 * 1024;  // the least size of a piece
-  unsigned jobs = 0;                // pieces in work at the same time; 0: as many as there are processors
+  std::optional<data_format> to;  // none: as the text
+  size_t piece_bytes = 262'144;   // the least size of a piece
+  unsigned jobs = 0;              // pieces in work at the same time; 0: as many as there are processors
 };
 
 // What `translate_reply` and a writer make of a whole text, with memory for a few pieces only: the text is cut between
