@@ -43,7 +43,6 @@ class reply_translation {
                     reply_part &result)
       : document_(native),
         mapping_(mapping),
-        options_(options),
         result_(result),
         builder_(result_.data, options.entries),
         context_(mapping.description(), log, builder_, request_operation(options.wanted)) {
@@ -269,7 +268,6 @@ class reply_translation {
 
   document &document_;
   const plugin &mapping_;
-  const reply_options &options_;
   reply_part &result_;
   size_t level_ = 0;                                      // number of the siblings that are looked at
   std::unordered_map<const lysc_node *, size_t> met_in_;  // the last such number
