@@ -20,6 +20,6 @@ for source in mapping/*/src/*.cpp; do
 done
 check "$work"/*.cpp
 
-# The rest as it is compiled.
+# The rest as it is compiled. What it says of the mapping here it says for want of __VA_OPT__.
 mkdir -p "$work/state"
-check --project=build/dev/compile_commands.json -i "$PWD/mapping" --cppcheck-build-dir="$work/state" -j "$(nproc)"
+check --project=build/dev/compile_commands.json --suppress='*:mapping/*' --cppcheck-build-dir="$work/state" -j "$(nproc)"
