@@ -55,12 +55,14 @@ void add(yfw::data_tree &to, yfw::data_node *parent, const yfw::document &data, 
   }
 }
 
-// The order of siblings may change on the way through JSON, where a node without value is told by its annotation.
+// The order of siblings may change on the way through JSON, where a node without value is told by its annotation. XML
+// has one element for an empty value and for none.
 std::string sorted(const std::string &text) {
   std::istringstream stream(text);
   std::vector<std::string> lines;
   for (std::string line; std::getline(stream, line);) {
-    lines.push_back(line.ends_with(',') ? line.substr(0, line.size() - 1) : line);
+    line = line.ends_with(',') ? line.substr(0, line.size() - 1) : line;
+    lines.push_back(line.ends_with(R"(: "")") ? line.substr(0, line.size() - 2) + "null" : line);
   }
   std::ranges::sort(lines);
   std::string result;
