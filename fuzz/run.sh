@@ -46,8 +46,8 @@ length=$1
 shift
 [ $# -gt 0 ] || set -- $(ls fuzz/seeds)
 
-build fuzz
 mkdir -p build/fuzz/findings
+(flock 9; build fuzz) 9>build/fuzz/lock  # others may be started at the same time
 for target in "$@"; do
   if [ "$length" = --short ]; then
     rm -rf build/fuzz/scratch

@@ -55,14 +55,24 @@ void add(yfw::data_tree &to, yfw::data_node *parent, const yfw::document &data, 
   }
 }
 
-// The order of siblings may change on the way through JSON, where a node without value is told by its annotation. XML
-// has one element for an empty value and for none.
+// The line with nothing in place of a blank value: in XML it is layout, or none.
+std::string without_blank(const std::string &line) {
+  const bool is_json = line.ends_with('"');
+  const size_t mark = is_json ? line.find("\": \"") : line.find('>');
+  const size_t begin = mark + (is_json ? 4 : 1);
+  const size_t end = is_json ? line.size() - 1 : line.rfind("</");
+  const bool has_value = mark != std::string::npos && end != std::string::npos && begin <= end;
+  const bool is_blank = has_value && line.find_first_not_of(" \t\r", begin) >= end;
+  return is_blank ? line.substr(0, mark) + (is_json ? "\": null" : "/>") : line;
+}
+
+// The order of siblings may change on the way through JSON, where a node without value is told by its annotation.
 std::string sorted(const std::string &text) {
   std::istringstream stream(text);
   std::vector<std::string> lines;
   for (std::string line; std::getline(stream, line);) {
     line = line.ends_with(',') ? line.substr(0, line.size() - 1) : line;
-    lines.push_back(line.ends_with(R"(: "")") ? line.substr(0, line.size() - 2) + "null" : line);
+    lines.push_back(without_blank(line));
   }
   std::ranges::sort(lines);
   std::string result;
