@@ -82,7 +82,8 @@ class reply_translation {
     }
   }
 
-  // Entries that are in no other one are compared with those of the documents before, too.
+  // Entries that are in no other one are compared with those of the documents before, too: the whole text has them
+  // once.
   void refuse_repeated(std::span<const yfw_node_t> level, bool is_in_entry) {
     ++level_;
     for (const yfw_node_t &node : level) {
@@ -107,13 +108,13 @@ class reply_translation {
   bool is_new_entry(const yfw_node_t &node, bool is_in_entry) {
     const std::vector<std::string_view> names = keys(extra(node).schema);
     std::string identity = std::to_string(reinterpret_cast<uintptr_t>(extra(node).schema));
-    identity += is_in_entry ? ' ' + std::to_string(reinterpret_cast<uintptr_t>(extra(node).parent)) : "";
+    identity += is_in_entry ? ' ' + std::to_string(level_) : "";
     for (const std::string_view name : names) {
       const yfw_node_t *key = child(node, name);
       identity += ' ' + std::string(key != nullptr && key->value != nullptr ? key->value : "");
       identity += '\0';
     }
-    return names.empty() || result_.entries.insert(std::move(identity)).second;
+    return names.empty() || (is_in_entry ? nested_ : result_.entries).insert(std::move(identity)).second;
   }
 
   void require_top_level(const yfw_node_t &node) const {
@@ -271,6 +272,7 @@ class reply_translation {
   reply_part &result_;
   size_t level_ = 0;                                      // number of the siblings that are looked at
   std::unordered_map<const lysc_node *, size_t> met_in_;  // the last such number
+  std::set<std::string> nested_;                          // entries of this document that are in other ones
   data_builder builder_;
   context context_;
 };

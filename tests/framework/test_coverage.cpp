@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "coverage_values.hpp"
+#include "ethernet.hpp"
 #include "yfw/coverage.hpp"
 #include "yfw/deviations.hpp"
 #include "yfw/error.hpp"
@@ -18,15 +19,9 @@ using yfw::mapping_state;
 
 // ---- the shipped mapping
 
-const yfw::schema &shipped() {
-  static const yfw::schema schema = yfw::schema::load({YMAP_TEST_YANG});
-  return schema;
-}
-
 const yfw::coverage &measured() {
-  static const yfw::plugin plugin = yfw::plugin::load(YMAP_TEST_PLUGIN);
   static yfw::trace_log log;
-  static const yfw::coverage coverage = yfw::measure_coverage(shipped(), plugin, log);
+  static const yfw::coverage coverage = yfw::measure_coverage(modules(), mapping(), log);
   return coverage;
 }
 
@@ -147,11 +142,11 @@ void PrintTo(const ValueRow &row, std::ostream *out) {
 class ThoroughValues : public testing::TestWithParam<ValueRow> {};
 
 TEST_P(ThoroughValues, HaveTheSample) {
-  const lysc_node *leaf = shipped().find(GetParam().path, {});
-  const auto values = yfw::thorough_values(shipped(), leaf);
+  const lysc_node *leaf = modules().find(GetParam().path, {});
+  const auto values = yfw::thorough_values(modules(), leaf);
   EXPECT_EQ(1, std::ranges::count(values, GetParam().sample)) << testing::PrintToString(values);
   for (const std::string &value : values) {
-    EXPECT_TRUE(shipped().check_value(leaf, value).ok) << value;
+    EXPECT_TRUE(modules().check_value(leaf, value).ok) << value;
   }
 }
 
@@ -165,7 +160,7 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto &each) { return std::string(each.param.name); });
 
 TEST(Samples, HaveALongText) {
-  const auto values = yfw::thorough_values(shipped(), shipped().find("/interfaces/interface/name", {}));
+  const auto values = yfw::thorough_values(modules(), modules().find("/interfaces/interface/name", {}));
   EXPECT_TRUE(std::ranges::any_of(values, [](const std::string &value) { return value.size() > 1000; }));
 }
 

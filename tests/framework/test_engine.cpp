@@ -3,20 +3,11 @@
 
 #include <sstream>
 
+#include "ethernet.hpp"
 #include "yfw/engine.hpp"
 #include "yfw/writer.hpp"
 
 namespace {
-
-const yfw::schema &modules() {
-  static const yfw::schema schema = yfw::schema::load({YMAP_TEST_YANG});
-  return schema;
-}
-
-const yfw::plugin &mapping() {
-  static const yfw::plugin plugin = yfw::plugin::load(YMAP_TEST_PLUGIN);
-  return plugin;
-}
 
 // OpenConfig can tell the flow control "bidirectional", but not "ingress".
 yfw::device ports(const std::string &flow_control = "ingress") {

@@ -5,21 +5,12 @@
 #include <cstring>
 #include <sstream>
 
+#include "ethernet.hpp"
 #include "yfw/node.hpp"
 #include "yfw/reply_stream.hpp"
 #include "yfw/writer.hpp"
 
 namespace {
-
-const yfw::schema &modules() {
-  static const yfw::schema schema = yfw::schema::load({YMAP_TEST_YANG});
-  return schema;
-}
-
-const yfw::plugin &mapping() {
-  static const yfw::plugin plugin = yfw::plugin::load(YMAP_TEST_PLUGIN);
-  return plugin;
-}
 
 // Gives a few bytes at a time, as a pipe may.
 class text_in_parts : public yfw::text_source {
