@@ -42,7 +42,11 @@ struct open_level {
 class json_reader : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, json_reader> {
  public:
   json_reader(document::parts &parts, const rapidjson::StringStream &stream, size_t begin)
-      : parts_(parts), builder_(parts), stream_(stream), begin_(begin) {}
+      : parts_(parts),
+        builder_(parts),
+        stream_(stream),
+        begin_(begin),
+        has_escapes_(parts.text.find('\\') != std::string::npos) {}
 
   // The events of RapidJSON's SAX interface. Faults are thrown, so that all return true.
 
@@ -148,6 +152,9 @@ class json_reader : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, json_
 
   // Escapes can spell what the text itself may not hold.
   void check_characters(std::string_view text) {
+    if (!has_escapes_) {
+      return;
+    }
     if (const text_fault fault = first_fault(text); fault.kind != bad_text::none) {
       fail("an escape in a string " + std::string(fault_words(fault.kind)));
     }
@@ -349,6 +356,7 @@ class json_reader : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, json_
   tree_builder builder_;
   const rapidjson::StringStream &stream_;
   size_t begin_;
+  bool has_escapes_;
   std::vector<open_level> levels_;
   std::vector<member> members_;      // of all open objects
   std::vector<uint8_t> operations_;  // that annotations in the open objects give
