@@ -12,6 +12,12 @@
 
 namespace {
 
+// The shipped modules, and one with entries inside entries.
+const yfw::schema &labelled_modules() {
+  static const yfw::schema schema = yfw::schema::load({YMAP_TEST_YANG, YFW_TEST_DATA "/labels"});
+  return schema;
+}
+
 // Gives a few bytes at a time, as a pipe may.
 class text_in_parts : public yfw::text_source {
  public:
@@ -46,7 +52,7 @@ std::string told(const std::string &output, const std::vector<std::string> &note
 
 std::string in_one_piece(const std::string &text, const yfw::stream_options &options) {
   try {
-    yfw::document document = yfw::document::read(text, "reply", modules());
+    yfw::document document = yfw::document::read(text, "reply", labelled_modules());
     yfw::trace_log silent;
     const yfw::reply reply = translate_reply(document, mapping(), options.reply, silent);
     std::ostringstream out;
@@ -67,10 +73,11 @@ std::string in_pieces(const std::string &text, const yfw::stream_options &option
     text_in_parts source(text, can_seek);
     yfw::trace_log silent;
     std::vector<std::string> notes;
-    translate_reply_stream(source, "reply", modules(), mapping(), options, silent, out, [&](const auto &taken) {
-      EXPECT_EQ(out.str(), "") << "written before the notes";
-      notes = taken;
-    });
+    translate_reply_stream(source, "reply", labelled_modules(), mapping(), options, silent, out,
+                           [&](const auto &taken) {
+                             EXPECT_EQ(out.str(), "") << "written before the notes";
+                             notes = taken;
+                           });
     return told(out.str(), notes);
   } catch (const yfw::error &fault) {
     EXPECT_EQ(out.str(), "") << "something was written before the fault was found";
@@ -239,6 +246,19 @@ INSTANTIATE_TEST_SUITE_P(All, ReplyStreamOptions,
                                          OptionsRow{"Config", {{yfw::content::config, {}}, {}}},
                                          OptionsRow{"State", {{yfw::content::nonconfig, {}}, {}}}),
                          [](const auto &row) { return row.param.name; });
+
+TEST(ReplyStream, ComparesEntriesInsideOthersWithinTheirs) {
+  const auto label = [](const std::string &name) {
+    return "<label xmlns='urn:example:labels'><name>" + name + "</name></label>";
+  };
+  const std::string first = statistic("Gi1", label("a") + label("b"));
+  const std::string same_labels = envelope(statistics(first + statistic("Gi2", label("b") + label("a"))));
+  const std::string label_twice = envelope(statistics(first + statistic("Gi2", label("b") + label("b"))));
+  expect_same(same_labels);
+  expect_same(label_twice);
+  EXPECT_NE(in_one_piece(same_labels, {}).find("<name>Gi2</name>"), std::string::npos);
+  EXPECT_NE(in_one_piece(label_twice, {}).find("'label' appears twice"), std::string::npos);
+}
 
 // More entries than pieces in work, so that results must wait for each other.
 TEST(ReplyStream, KeepsTheOrderOfManyPieces) {
