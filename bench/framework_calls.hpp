@@ -9,6 +9,7 @@
 namespace bench {
 
 enum class call_kind : uint32_t {
+  none,  // recorded never: a replay reads it and calls nothing
   match,
   push,
   pop,

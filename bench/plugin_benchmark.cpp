@@ -79,11 +79,31 @@ void fill_edit(tree &edit) {
 
 using entry_function = uint32_t (*)(yfw_ctx_t *, yfw_node_t *, yfw_node_t *);
 
-double seconds_of(clock_type::time_point begin) {
-  return std::chrono::duration<double>(clock_type::now() - begin).count();
-}
+// The time that each round of something took.
+class timing {
+ public:
+  template <typename function_t>
+  void add(size_t repetitions, const function_t &function) {
+    const auto begin = clock_type::now();
+    for (size_t i = 0; i < repetitions; ++i) {
+      benchmark::DoNotOptimize(function());
+    }
+    seconds_.push_back(std::chrono::duration<double>(clock_type::now() - begin).count());
+  }
 
-// Alternates walk and floor, so that both see the same machine, and reports the ratio of their medians.
+  double median() {
+    const auto middle = seconds_.begin() + static_cast<std::ptrdiff_t>(seconds_.size() / 2);
+    std::nth_element(seconds_.begin(), middle, seconds_.end());
+    return *middle;
+  }
+
+ private:
+  std::vector<double> seconds_;
+};
+
+// Alternates walk and floor, so that both see the same machine, and reports the ratio of their medians. The floor's own
+// work is shown by two more replays: of the calls sorted by kind, where each branch is foreseen, and of as many records
+// that call nothing. What the first takes more than the second is what the calls alone take.
 void measure(benchmark::State &state, entry_function entry, uint32_t operation, tree &input) {
   request asked(operation);
   std::vector<bench::call> calls;
@@ -91,31 +111,34 @@ void measure(benchmark::State &state, entry_function entry, uint32_t operation, 
   benchmark::DoNotOptimize(entry(&asked.ctx, &input.root, &asked.out));
   bench::recording = nullptr;
 
-  const size_t repetitions = std::max<size_t>(1, 20000 / calls.size());
-  std::vector<double> walks, floors;
-  for (auto _ : state) {
-    auto begin = clock_type::now();
-    for (size_t i = 0; i < repetitions; ++i) {
-      benchmark::DoNotOptimize(entry(&asked.ctx, &input.root, &asked.out));
-    }
-    walks.push_back(seconds_of(begin));
-    begin = clock_type::now();
-    for (size_t i = 0; i < repetitions; ++i) {
-      benchmark::DoNotOptimize(bench_replay(&asked.ctx, calls.data(), calls.size()));
-    }
-    floors.push_back(seconds_of(begin));
+  std::vector<bench::call> sorted = calls;
+  std::ranges::stable_sort(sorted, {}, &bench::call::kind);
+  std::vector<bench::call> silent = calls;
+  for (bench::call &each : silent) {
+    each.kind = bench::call_kind::none;
   }
-  const auto median = [](std::vector<double> &values) {
-    std::nth_element(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2), values.end());
-    return values[values.size() / 2];
+  const auto replay = [&](const std::vector<bench::call> &which) {
+    return [&] { return bench_replay(&asked.ctx, which.data(), which.size()); };
   };
+
+  const size_t repetitions = std::max<size_t>(1, 20000 / calls.size());
+  timing walks, floors, sorted_floors, readings;
+  for (auto _ : state) {
+    walks.add(repetitions, [&] { return entry(&asked.ctx, &input.root, &asked.out); });
+    floors.add(repetitions, replay(calls));
+    sorted_floors.add(repetitions, replay(sorted));
+    readings.add(repetitions, replay(silent));
+  }
   const double scale = 1e9 / static_cast<double>(repetitions * calls.size());
-  const double walk = median(walks);
-  const double floor = median(floors);
+  const double walk = walks.median();
+  const double floor = floors.median();
+  const double calls_alone = sorted_floors.median() - readings.median();
   state.counters["calls"] = static_cast<double>(calls.size());
   state.counters["walk_ns/call"] = walk * scale;
   state.counters["floor_ns/call"] = floor * scale;
+  state.counters["calls_alone_ns/call"] = calls_alone * scale;
   state.counters["walk/floor"] = walk / floor;
+  state.counters["walk/calls_alone"] = walk / calls_alone;
 }
 
 std::vector<std::string> statistics_leaves() {

@@ -15,6 +15,9 @@ extern "C" __attribute__((visibility("default"))) uint32_t bench_replay(yfw_ctx_
     int indicator = 0;
     yfw_itree_entry_t *entry = nullptr;
     switch (each->kind) {
+      case call_kind::none:
+        sum += each->number;
+        break;
       case call_kind::match:
         sum += yfw_map_do_these_match(texts[0], texts[1]);
         break;
