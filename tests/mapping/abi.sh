@@ -1,8 +1,11 @@
 #!/bin/sh
 # usage: abi.sh check|update COMPILER INCLUDE PLUGIN FRAMEWORK DATA SANITIZED
-# The binary interface as built: DATA/abi.txt holds the version, the records with offset and size of each member, the
-# constants, and the calls with their signatures; DATA/exported_names.txt the plug-in's names ("T name": strong, "W name": weak). `check`
-# fails with the difference when they are not what is built. `update` writes them anew, but only with a new version.
+# The binary interface as built, in two descriptions with a version each:
+#   DATA/abi.txt             records with offset and size of each member, constants, calls with their signatures
+#   DATA/exports.txt         the plug-in's signatures; its names are in DATA/exported_names.txt ("T name": strong, "W
+#                            name": weak)
+# `check` fails with the difference when they are not what is built. `update` writes them anew, but only with a new
+# version.
 set -eu
 mode=$1 compiler=$2 include=$3 plugin=$4 framework=$5 data=$6 sanitized=$7
 export LC_ALL=C
@@ -40,6 +43,7 @@ template <typename Type> std::string name_of() {
     #member, name_of<decltype(type::member)>().c_str())
 #define CONSTANT(name) std::printf("  %-28s 0x%x\n", #name, static_cast<unsigned>(name))
 #define FUNCTION(kind, function) std::printf("%s\t%s\t%s\n", kind, name_of<decltype(function)>().c_str(), #function)
+#define EXPORTS_VERSION() std::printf("version\t\t%d\n", ETH_EXPORTS_VERSION)
 int main(int argc, char **) {
   if (argc == 1) {
     std::printf("version %d\n", YFW_ABI_VERSION);
@@ -59,6 +63,7 @@ END
     grep -v ABI_VERSION
   echo '    return 0;'
   echo '  }'
+  echo '  EXPORTS_VERSION();'
   sed 's/.*/  FUNCTION("call", &);/' "$work/calls"
   sed 's/..\(.*\)/  FUNCTION("export", \1);/' "$work/exported_names.txt"
   echo '}'
@@ -74,35 +79,48 @@ END
   awk -F'\t' '$1 == "call" { printf "  %-52s %s\n", $3, $2 }' "$work/functions"
   printf '\nC functions of the framework'"'"'s library\n'
   nm -D --defined-only "$framework" | awk '$2 == "T" && $3 !~ /^(_Z|_init$|_fini$)/ { print "  " $3 }' | sort
-  # Most exported functions have one signature; those of the others are named.
-  most=$(awk -F'\t' '$1 == "export" { print $2 }' "$work/functions" | sort | uniq -c | sort -rn | sed -n '1s/^ *[0-9]* //p')
-  printf '\nexported by the plug-in, all but those below: %s\n' "$most"
+} >>"$work/abi.txt"
+
+# Most exported functions have one signature; those of the others are named.
+most=$(awk -F'\t' '$1 == "export" { print $2 }' "$work/functions" | sort | uniq -c | sort -rn | sed -n '1s/^ *[0-9]* //p')
+{
+  awk -F'\t' '$1 == "version" { print "version " $3 }' "$work/functions"
+  printf '\nexported, all but those below: %s\n' "$most"
   sort -t "$(printf '\t')" -k 2,2 -k 3,3 "$work/functions" | awk -F'\t' -v most="$most" '
     $1 == "export" && $2 != most {
       if ($2 != last) print "\nexported: " $2
       last = $2
       print "  " $3
     }'
-} >>"$work/abi.txt"
+} >"$work/exports.txt"
 
-changed=0
-for file in abi.txt exported_names.txt; do
-  if ! diff "$data/$file" "$work/$file" >"$work/difference"; then
-    echo "$file (< committed, > built):"
-    cat "$work/difference"
-    changed=1
+# compare VERSION FILE...: the first file begins with the version.
+is_same=1
+compare() {
+  version=$1
+  described=$2
+  shift
+  changed=0
+  for file in "$@"; do
+    if ! diff "$data/$file" "$work/$file" >"$work/difference"; then
+      echo "$file (< committed, > built):"
+      cat "$work/difference"
+      changed=1
+    fi
+  done
+  [ $changed = 1 ] || return 0
+  is_same=0
+  if [ "$(head -n 1 "$data/$described")" = "$(head -n 1 "$work/$described")" ]; then
+    echo "this has changed, but $version has not: take the change back or raise it"
+    exit 1
   fi
-done
-[ $changed = 1 ] || exit 0
+  [ "$mode" = update ] || echo "$version is another one: write the new description by building the target update_abi"
+}
 
-if [ "$(head -n 1 "$data/abi.txt")" = "$(head -n 1 "$work/abi.txt")" ]; then
-  echo "the binary interface has changed, but YFW_ABI_VERSION in yfw.h has not: take the change back or raise it"
-  exit 1
-fi
-if [ "$mode" = update ]; then
-  cp "$work/abi.txt" "$work/exported_names.txt" "$data"
-  echo "written for another version of the interface: review the difference above and commit it"
-  exit 0
-fi
-echo "YFW_ABI_VERSION is another one: write the new description by building the target update_abi"
-exit 1
+compare 'YFW_ABI_VERSION in yfw.h' abi.txt
+compare 'ETH_EXPORTS_VERSION in eth_manual_mappings.h' exports.txt exported_names.txt
+
+[ $is_same = 0 ] || exit 0
+[ "$mode" = update ] || exit 1
+cp "$work/abi.txt" "$work/exports.txt" "$work/exported_names.txt" "$data"
+echo "written for another version: review the difference above and commit it"

@@ -54,20 +54,20 @@ class recording_framework {
   // Answers.
   bool logs_errors = true;
   bool logs_traces = false;
-  std::map<size_t, uint32_t> add_status;  // of the n-th path that is added, from 1; else 0
+  bool notes_comparisons = false;         // tags, namespaces and values that are compared
   bool creates_node = true;               // whether an added path hands back `created`
+  std::map<size_t, uint32_t> add_status;  // of the n-th path that is added, from 1; else 0
   const char *interface_name = "Eth0";    // of the enclosing OpenConfig interface
   uint32_t key_status = 0;
   uint32_t item_status = 0;
   uint32_t stack_status = 0;
+  uint32_t failing_status = 0;  // of `failing_call`
   yfw_itree_entry_t *stack_entry = nullptr;
   std::map<std::string, uint32_t> list_status;     // of finding or adding the entry of that name
   std::map<std::string, uint32_t> current_status;  // of making that list current
   std::vector<uint32_t> aggregate_status;          // call by call; then 0
   size_t failing_comparison = 0;                   // the n-th strcmp_s fails, from 1
-  bool notes_comparisons = false;                  // tags, namespaces and values that are compared
-  size_t failing_call = 0;  // of all that can fail, from 1: answers `failing_status`, sets nothing
-  uint32_t failing_status = 0;
+  size_t failing_call = 0;                         // of all that can fail, from 1: sets nothing
 
   // Notes.
   std::string calls;              // the lines above

@@ -4,6 +4,10 @@
 
 #include "yfw.h"
 
+// The version of the names that this plug-in exports and of their signatures, for code that links to them. It goes up
+// by one when any of them comes, goes or changes; the ABI with the framework has a version of its own.
+#define ETH_EXPORTS_VERSION 1
+
 #pragma GCC visibility push(default)
 extern "C" {
 
