@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <functional>
 #include <iostream>
+#include <system_error>
 
 #include "terminal.hpp"
 #include "yfw/error.hpp"
@@ -14,7 +15,12 @@ namespace fs = std::filesystem;
 
 // The directory that holds bin/, lib/ and share/: of the installation or of the build.
 fs::path prefix() {
-  return fs::read_symlink("/proc/self/exe").parent_path().parent_path();
+  std::error_code failure;
+  const fs::path program = fs::read_symlink("/proc/self/exe", failure);
+  if (failure) {
+    throw yfw::error("where this program is cannot be told without /proc; name --plugin and --yang");
+  }
+  return program.parent_path().parent_path();
 }
 
 std::vector<fs::path> yang_directories(const setup_options &options) {
