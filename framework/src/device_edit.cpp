@@ -46,10 +46,28 @@ bool exclude_each_other(const lysc_node *one, const lysc_node *other) {
   return false;
 }
 
+// The list and the values of its keys, in their order there; "" when one is missing.
+template <typename value_of_t>
+std::string identity(const lysc_node *list, const value_of_t &value_of) {
+  std::string text = std::to_string(reinterpret_cast<uintptr_t>(list));
+  for (const std::string_view key : keys(list)) {
+    const std::string *value = value_of(key);
+    if (value == nullptr) {
+      return {};
+    }
+    text.append(1, '\0').append(*value);
+  }
+  return text;
+}
+
 std::string path_to(const native_call &call, size_t step) {
   native_call shortened = call;
   shortened.steps.resize(step + 1);
   return shortened.path();
+}
+
+std::string path_above(const native_call &call, size_t step) {
+  return step == 0 ? std::string() : path_to(call, step - 1);
 }
 
 }  // namespace
@@ -79,11 +97,40 @@ void device_edit::set(const native_call &call) {
   set_leaf(*level, call);
 }
 
+// The node that a step leads to, or null. Lists in which many entries are looked for get an index, so that an edit of
+// all entries takes no time that grows with the square of their number.
+native_node *device_edit::find(std::vector<native_node> &level, const native_call &call, size_t step) {
+  constexpr unsigned enough_searches = 16;
+  const path_step &wanted = call.steps[step];
+  const auto search = [&] {
+    const auto found = std::ranges::find_if(level, [&](const native_node &node) { return leads_to(wanted, node); });
+    return found != level.end() ? &*found : nullptr;
+  };
+  if (!is_list(wanted.node) || level.size() < enough_searches) {
+    return search();
+  }
+  level_index &index = indexes_[path_above(call, step)];
+  if (++index.searches < enough_searches) {
+    return search();
+  }
+  for (; index.size < level.size(); ++index.size) {
+    const native_node &node = level[index.size];
+    if (is_list(node.schema)) {
+      index.places.emplace(identity(node.schema, [&](std::string_view key) { return key_text(node, key); }),
+                           index.size);
+    }
+  }
+  const auto place = index.places.find(identity(wanted.node, [&](std::string_view key) {
+    const auto given = std::ranges::find(wanted.keys, key, &std::pair<std::string_view, std::string>::first);
+    return given != wanted.keys.end() ? &given->second : nullptr;
+  }));
+  return place != index.places.end() ? &level[place->second] : nullptr;
+}
+
 // The node that a step leads to, made when missing.
 native_node &device_edit::reached(std::vector<native_node> &level, const native_call &call, size_t step) {
   const path_step &wanted = call.steps[step];
-  const auto found = std::ranges::find_if(level, [&](const native_node &node) { return leads_to(wanted, node); });
-  if (found != level.end()) {
+  if (native_node *found = find(level, call, step); found != nullptr) {
     return *found;
   }
   drop_other_cases(level, call, step);
@@ -130,18 +177,18 @@ void device_edit::drop_other_cases(std::vector<native_node> &level, const native
   };
   for (const native_node &node : level) {
     if (is_excluded(node)) {
-      const std::string above = step == 0 ? "" : path_to(call, step - 1);
-      note_removal(node, above + "/" + std::string(node.tag) + predicates(node));
+      note_removal(node, path_above(call, step) + "/" + std::string(node.tag) + predicates(node));
     }
   }
-  std::erase_if(level, is_excluded);
+  if (std::erase_if(level, is_excluded) != 0) {
+    forget_places(call, step);
+  }
 }
 
 // True when something is removed. Containers that are left empty are removed on the way back.
 bool device_edit::remove(std::vector<native_node> &level, const native_call &call, size_t step) {
-  const auto is_wanted = [&](const native_node &node) { return leads_to(call.steps[step], node); };
-  const auto found = std::ranges::find_if(level, is_wanted);
-  if (found == level.end()) {
+  native_node *found = find(level, call, step);
+  if (found == nullptr) {
     if (call.operation == YFW_OPERATION_DELETE) {
       refuse(call, "is not there", error_tag::data_missing);
     }
@@ -151,19 +198,30 @@ bool device_edit::remove(std::vector<native_node> &level, const native_call &cal
     if (is_key(found->schema)) {
       refuse(call, "is a key, which cannot be deleted", error_tag::operation_failed);
     }
-    std::for_each(found, level.end(), [&](const native_node &node) {
+    const auto is_wanted = [&](const native_node &node) { return leads_to(call.steps[step], node); };
+    for (const native_node &node : level) {
       if (is_wanted(node)) {
         note_removal(node, call.path() + (is_leaf_list(node.schema) ? predicates(node) : ""));
       }
-    });
+    }
     std::erase_if(level, is_wanted);
+    forget_places(call, step);
     return true;
   }
   const bool is_removed = remove(found->children, call, step + 1);
   if (is_removed && found->children.empty() && is_container(found->schema) && !is_presence(found->schema)) {
-    level.erase(found);
+    level.erase(level.begin() + (found - level.data()));
+    forget_places(call, step);
   }
   return is_removed;
+}
+
+// After nodes of a level were removed: others have moved up.
+void device_edit::forget_places(const native_call &call, size_t step) {
+  if (!indexes_.empty()) {
+    const std::string above = path_above(call, step);
+    std::erase_if(indexes_, [&](const auto &each) { return each.first.starts_with(above); });
+  }
 }
 
 void device_edit::note_removal(const native_node &node, const std::string &path) {

@@ -49,7 +49,11 @@ class silence_finder {
 class condition_reads {
  public:
   condition_reads(edit_plan &plan, const schema &modules, const plugin &mapping)
-      : plan_(plan), modules_(modules), mapping_(mapping) {}
+      : plan_(plan), modules_(modules), mapping_(mapping) {
+    for (const needed_read &read : plan.reads) {
+      paths_.insert(read.path);
+    }
+  }
 
   void visit(const yfw_node_t &node) {
     const lysc_node *schema = extra(node).schema;
@@ -76,7 +80,7 @@ class condition_reads {
       client_request asked = read_client_request(question, client_operation::get_config);
       for (const native_call &call : translate_request(question, std::move(asked), mapping_, silent).calls) {
         std::string path = call.path();
-        if (std::ranges::find(plan_.reads, path, &needed_read::path) == plan_.reads.end()) {
+        if (paths_.insert(path).second) {
           plan_.reads.push_back({std::move(path), &node});
         }
       }
@@ -86,6 +90,7 @@ class condition_reads {
   }
 
   edit_plan &plan_;
+  std::unordered_set<std::string> paths_;  // of its reads
   const schema &modules_;
   const plugin &mapping_;
 };
@@ -100,7 +105,7 @@ uint32_t lookup_observer::pass(const abi_call &call, const std::function<uint32_
   if (std::string_view(call.function) == "yfw_map_get_node_info_mpls_static") {
     std::string path = text_argument(call, 0);
     path.append("/").append(text_argument(call, 1)).append("/").append(text_argument(call, 2));
-    if (std::ranges::find(reads_, path, &needed_read::path) == reads_.end()) {
+    if (paths_.insert(path).second) {
       reads_.push_back({std::move(path), nullptr});
     }
   }

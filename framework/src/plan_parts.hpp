@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "abi_call.hpp"
@@ -21,6 +22,7 @@ class lookup_observer : public call_observer {
 
  private:
   std::vector<needed_read> reads_;
+  std::unordered_set<std::string> paths_;  // of these
 };
 
 // Adds the reads that tell whether a client's nodes are there, as far as the client's operations depend on it.

@@ -4,9 +4,11 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <sstream>
 #include <thread>
 #include <tuple>
@@ -244,6 +246,44 @@ TEST(DeviceEdit, TellsTheNetEffect) {
   edit.apply(call(call_kind::set, "/library:library/motto", "Read"));
   edit.apply(call(call_kind::remove, "/library:library/motto", {}, YFW_OPERATION_DELETE));
   EXPECT_EQ("/library/name: Main -> Annex\n", words(edit.changes()));
+}
+
+// Applies a call, and tells its error's tag or "".
+std::string outcome_of(yfw::device_edit &edit, const yfw::native_call &call) {
+  try {
+    edit.apply(call);
+    return {};
+  } catch (const yfw::rpc_error &fault) {
+    return std::string(word(fault.tag()));
+  }
+}
+
+// In long lists entries are found in another way when many are looked for.
+TEST(DeviceEdit, DoesTheSameInOneEditAsInMany) {
+  yfw::device one = device_of(shelved);
+  yfw::device many = device_of(shelved);
+  yfw::device_edit whole(one);
+  std::mt19937 random(1);
+  for (int i = 0; i < 2000; ++i) {
+    const std::string book = "/library:library/book[title='" + std::to_string(random() % 50) + "'][edition='" +
+                             std::to_string(random() % 2) + "']";
+    const bool is_of_entry = random() % 8 == 0;
+    const std::string path = book + (is_of_entry ? "" : random() % 2 == 0 ? "/binding" : "/loan/reader");
+    const bool is_set = !is_of_entry && random() % 3 != 0;
+    const yfw::native_call next =
+        is_set ? call(call_kind::set, path, path.ends_with("binding") ? "cloth" : "Ann",
+                      random() % 4 == 0 ? YFW_OPERATION_CREATE : YFW_OPERATION_MERGE)
+               : call(call_kind::remove, path, {}, random() % 2 == 0 ? YFW_OPERATION_DELETE : YFW_OPERATION_REMOVE);
+    yfw::device_edit single(many);
+    const std::string result = outcome_of(single, next);
+    EXPECT_EQ(result, outcome_of(whole, next)) << next.path();
+    if (result.empty()) {
+      single.commit();
+    }
+  }
+  whole.commit();
+  EXPECT_EQ(many.text(), one.text());
+  EXPECT_GT(std::ranges::count(one.text(), '\n'), 100);
 }
 
 // ---- what a device is read from and written as

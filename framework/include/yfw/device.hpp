@@ -93,13 +93,23 @@ class device_edit {
   void set(const native_call &call);
   void set_leaf(std::vector<native_node> &level, const native_call &call);
   native_node &reached(std::vector<native_node> &level, const native_call &call, size_t step);
+  native_node *find(std::vector<native_node> &level, const native_call &call, size_t step);
   void drop_other_cases(std::vector<native_node> &level, const native_call &call, size_t step);
   bool remove(std::vector<native_node> &level, const native_call &call, size_t step);
+  void forget_places(const native_call &call, size_t step);
   void note_removal(const native_node &node, const std::string &path);
   void note(const std::string &path, std::optional<std::string> before, std::optional<std::string> after);
 
+  // Where list entries are among the first `size` nodes of a level.
+  struct level_index {
+    unsigned searches = 0;
+    size_t size = 0;
+    std::unordered_map<std::string, size_t> places;
+  };
+
   device &target_;
   std::vector<native_node> roots_;
+  std::unordered_map<std::string, level_index> indexes_;  // by the path above the level
   std::vector<device_change> journal_;
   std::unordered_map<std::string, size_t> journal_by_path_;
 };
