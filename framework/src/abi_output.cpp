@@ -88,6 +88,6 @@ int strcmp_s(const char *first, size_t maximum, const char *second, int *indicat
   if (first == nullptr || second == nullptr || indicator == nullptr) {
     return EINVAL;
   }
-  *indicator = std::strncmp(first, second, maximum + 1);
+  *indicator = maximum == SIZE_MAX ? std::strcmp(first, second) : std::strncmp(first, second, maximum + 1);
   return 0;
 }

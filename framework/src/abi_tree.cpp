@@ -45,13 +45,17 @@ uint32_t key_of_open_entry(context &self, const char *list_path, const char *key
 }
 
 uint32_t item_of_native_entry(const context &self, const char *container, const char *leaf, const char **value) {
-  const yfw_node_t *parent = self.native_entry != nullptr ? yfw::child(*self.native_entry, container) : nullptr;
-  const yfw_node_t *item = parent != nullptr ? yfw::child(*parent, leaf) : nullptr;
-  if (item == nullptr) {
+  if (self.native_entry == nullptr) {
     return 1;
   }
-  *value = item->value;
-  return 0;
+  for (const yfw_node_t &parent : yfw::children(*self.native_entry)) {
+    const bool is_wanted = yfw::extra(parent).schema != nullptr && std::strcmp(parent.tag, container) == 0;
+    if (const yfw_node_t *item = is_wanted ? yfw::child(parent, leaf) : nullptr; item != nullptr) {
+      *value = item->value;
+      return 0;
+    }
+  }
+  return 1;
 }
 
 }  // namespace
@@ -80,7 +84,10 @@ void yfw_map_remove_from_node_hierarchy(yfw_ctx_t *ctx, yfw_node_t *node) {
   context &self = context_of(ctx);
   const char *name = __func__;
   const auto answer = [&] {
-    self.hierarchy.pop_back();
+    const auto last = std::find(self.hierarchy.rbegin(), self.hierarchy.rend(), node);
+    if (last != self.hierarchy.rend()) {
+      self.hierarchy.erase(std::next(last).base());
+    }
     return 0U;
   };
   observed(self, answer, [&] { return abi_call{name, {{"node", node}}}; });

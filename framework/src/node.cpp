@@ -21,9 +21,7 @@ static bool is_equal(const char *text, std::string_view other) {
 }
 
 const yfw_node_t *child(const yfw_node_t &node, std::string_view tag) {
-  const auto all = children(node);
-  const auto found = std::ranges::find_if(all, [&](const yfw_node_t &each) { return is_equal(each.tag, tag); });
-  return found == all.end() ? nullptr : &*found;
+  return node.ns != nullptr ? child(node, tag, node.ns) : nullptr;
 }
 
 const yfw_node_t *child(const yfw_node_t &node, std::string_view tag, std::string_view ns) {

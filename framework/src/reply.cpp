@@ -18,22 +18,24 @@
 namespace yfw {
 namespace {
 
+constexpr const char *not_known = "is left out: the modules do not know it";
+
 uint32_t request_operation(content wanted) {
   return wanted == content::config ? YFW_REQUEST_READ_CONFIG : YFW_REQUEST_READ_ALL;
 }
 
-// Takes a leaf out of a walk as long as it lives: plug-ins pass over tags that they do not know.
+// Takes a node out of a walk as long as it lives: plug-ins pass over tags that they do not know.
 class set_aside {
  public:
-  explicit set_aside(yfw_node_t &leaf) : leaf_(leaf), tag_(std::exchange(leaf.tag, "")) {}
+  explicit set_aside(yfw_node_t &node) : node_(node), tag_(std::exchange(node.tag, "")) {}
   ~set_aside() {
-    leaf_.tag = tag_;
+    node_.tag = tag_;
   }
   set_aside(const set_aside &) = delete;
   set_aside &operator=(const set_aside &) = delete;
 
  private:
-  yfw_node_t &leaf_;
+  yfw_node_t &node_;
   const char *tag_;
 };
 
@@ -128,14 +130,15 @@ class reply_translation {
   void place_node(yfw_node_t &node, const lysc_node *above) {
     const lysc_node *schema = extra(node).schema;
     if (const entry_point *entry = entry_for(above, node.ns); entry != nullptr) {
+      std::deque<set_aside> unknown;
+      note_unknown(node, above, unknown);
       hand_over(node, *entry);
-      note_unknown(node, above);
     } else if (is_key(schema)) {
       return;  // read when its entry is entered
     } else if (schema != nullptr && is_on_the_way(mapping_.description(), direction::xo, schema, document_.modules())) {
       enter(node, schema);
     } else {
-      note_first(node, above, "is not mapped: no plug-in serves it");
+      note_first(node, above, schema != nullptr ? "is not mapped: no plug-in serves it" : not_known);
     }
   }
 
@@ -165,16 +168,25 @@ class reply_translation {
     return is_leaf ? const_cast<yfw_node_t *>(found) : nullptr;  // of the document, which is ours to change
   }
 
-  // A plug-in passes over tags that it does not know without a word.
-  void note_unknown(const yfw_node_t &node, const lysc_node *above) {
+  // A plug-in passes over tags that it does not know without a word. It takes a node for the one that it knows by that
+  // tag, whatever its namespace: such a node is set aside.
+  void note_unknown(yfw_node_t &node, const lysc_node *above, std::deque<set_aside> &unknown) {
     const lysc_node *schema = extra(node).schema;
     if (schema == nullptr) {
-      note_first(node, above, "is left out: the modules do not know it");
+      note_first(node, above, not_known);
+      if (above != nullptr && is_name_below(above, node.tag)) {
+        unknown.emplace_back(node);
+      }
       return;
     }
-    for (const yfw_node_t &below : children(node)) {
-      note_unknown(below, schema);
+    for (yfw_node_t &below : children(node)) {
+      note_unknown(below, schema, unknown);
     }
+  }
+
+  bool is_name_below(const lysc_node *above, std::string_view tag) const {
+    return std::ranges::any_of(document_.modules().children(above),
+                               [&](const lysc_node *below) { return name(below) == tag; });
   }
 
   void note(const yfw_node_t &node, const std::string &text) {

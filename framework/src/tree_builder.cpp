@@ -111,7 +111,7 @@ std::string path_step(const yfw_node_t &node, std::span<const yfw_node_t> childr
   std::string step = std::string("/") + (node.tag != nullptr ? node.tag : "?");
   for (const std::string_view key : keys(extra(node).schema)) {
     const auto found = std::ranges::find_if(children, [&](const yfw_node_t &each) {
-      return each.tag != nullptr && key == each.tag && each.value != nullptr;
+      return each.tag != nullptr && key == each.tag && each.value != nullptr && is_key(extra(each).schema);
     });
     if (found != children.end()) {
       step += '[' + std::string(key) + '=' + path_literal(found->value) + ']';

@@ -183,6 +183,10 @@ INSTANTIATE_TEST_SUITE_P(
                                                        "<e:statistic><!-- <e:interface-name>Gi1</e:interface-name> -->"
                                                        "<e:interface-name>Gi3</e:interface-name></e:statistic>" +
                                                        statistic("Gi&#50;")))},
+        TextRow{"ForeignKeys", envelope(configurations(configuration("Gi3", "100") + configuration("Gi1", "100")) +
+                                        statistics(statistic("Gi1") +
+                                                   "<e:statistic><interface-name xmlns='urn:other'>Gi1</interface-name>"
+                                                   "<e:interface-name>Gi3</e:interface-name></e:statistic>"))},
         TextRow{"KeysOfTwoSpellings", envelope(configurations(configuration("Gi&#51;", "100")) + statistics(three))},
         TextRow{"UnmappedTopNode", envelope(statistics(three) + "<hosts xmlns='urn:hosts'/>")},
         TextRow{"UnknownLeaves",

@@ -40,7 +40,7 @@ inline const node_extra &extra(const yfw_node_t &node) {
 std::span<yfw_node_t> children(yfw_node_t &node);
 std::span<const yfw_node_t> children(const yfw_node_t &node);
 
-// The first child with that tag (and namespace), or null.
+// The first child with that tag and namespace, the node's own one when none is given, or null.
 yfw_node_t *child(yfw_node_t &node, std::string_view tag);
 yfw_node_t *child(yfw_node_t &node, std::string_view tag, std::string_view ns);
 const yfw_node_t *child(const yfw_node_t &node, std::string_view tag);
