@@ -53,7 +53,7 @@ const auto name_of = [](const auto &row) { return std::string(row.param.name); }
 // Rows, each inside the one before, as deep as a line may be long.
 std::string nested_rows() {
   std::string rows;
-  for (unsigned depth = 0; depth < 2000; ++depth) {
+  for (size_t depth = 0; depth < 2000; ++depth) {
     rows += std::string(2 * depth, ' ') + "weather walk\n";
   }
   return rows;
