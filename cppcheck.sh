@@ -3,7 +3,7 @@
 set -eu
 cd "$(dirname "$0")"
 . cmake/prepare.sh
-command -v cppcheck >/dev/null || as_root apt-get install -y -qq --no-install-recommends cppcheck >/dev/null
+install_packages cppcheck
 cmake --preset dev >/dev/null
 work=build/dev/cppcheck
 mkdir -p "$work"

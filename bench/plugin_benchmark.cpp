@@ -123,7 +123,7 @@ void measure(benchmark::State &state, entry_function entry, uint32_t operation, 
 
   const size_t repetitions = std::max<size_t>(1, 20000 / calls.size());
   timing walks, floors, sorted_floors, readings;
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     walks.add(repetitions, [&] { return entry(&asked.ctx, &input.root, &asked.out); });
     floors.add(repetitions, replay(calls));
     sorted_floors.add(repetitions, replay(sorted));

@@ -35,7 +35,7 @@ void get(benchmark::State &state, const std::string &path) {
   yfw::trace_log silent;
   const yfw::engine engine(mapping(), silent);
   const yfw::device device = ports(state.range(0));
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     benchmark::DoNotOptimize(engine.find(device, path, yfw::client_operation::get, yfw::content::all));
   }
   state.SetItemsProcessed(state.iterations());
@@ -55,7 +55,7 @@ void set_leaf(benchmark::State &state) {
   yfw::device device = ports(state.range(0));
   const std::string path = std::string(ethernet) + "/config/duplex-mode";
   bool is_full = false;
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     benchmark::DoNotOptimize(engine.edit_node(device, path, is_full ? "FULL" : "HALF", YFW_OPERATION_MERGE));
     is_full = !is_full;
   }

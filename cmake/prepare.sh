@@ -9,16 +9,14 @@ as_root() {
   fi
 }
 
-missing_packages() {
-  for package in $(cat cmake/debian-packages.txt); do
-    dpkg-query -W -f '${Status}' "$package" 2>/dev/null | grep -q 'ok installed' || echo "$package"
+# install_packages PACKAGE...: those that are missing.
+install_packages() {
+  missing=
+  for package in "$@"; do
+    dpkg-query -W -f '${Status}' "$package" 2>/dev/null | grep -q 'ok installed' || missing="$missing $package"
   done
-}
-
-install_missing() {
-  missing=$(missing_packages)
-  [ -z "$missing" ] && return 0
-  echo "installing:" $missing >&2
+  [ -n "$missing" ] || return 0
+  echo "installing:$missing" >&2
   as_root apt-get update -qq
   as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends $missing >/dev/null
 }
@@ -37,4 +35,4 @@ sources() {
   done
 }
 
-install_missing
+install_packages $(cat cmake/debian-packages.txt)
