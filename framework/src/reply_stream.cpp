@@ -86,6 +86,7 @@ class reply_stream {
         modules_(modules),
         mapping_(mapping),
         options_(options),
+        piece_bytes_(std::max<size_t>(options.piece_bytes, 1)),
         jobs_(options.jobs != 0 ? options.jobs : std::max(1U, std::thread::hardware_concurrency())),
         log_(log),
         out_(out),
@@ -143,7 +144,7 @@ class reply_stream {
   pieces_end translate_in_order() {
     pieces_end end = pieces_end::good;
     while (end == pieces_end::good) {
-      const std::optional<piece> next = source_.next(options_.piece_bytes);
+      const std::optional<piece> next = source_.next(piece_bytes_);
       if (!next) {
         return add_all();
       }
@@ -163,7 +164,7 @@ class reply_stream {
       if (index.is_at_end()) {
         return add_all();
       }
-      end = submit(index.next(source_, options_.piece_bytes));
+      end = submit(index.next(source_, piece_bytes_));
     }
     return pieces_end::unfit;
   }
@@ -276,6 +277,7 @@ class reply_stream {
   const schema &modules_;
   const plugin &mapping_;
   const stream_options &options_;
+  size_t piece_bytes_;
   unsigned jobs_;
   trace_log &log_;
   std::ostream &out_;

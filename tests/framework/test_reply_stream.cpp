@@ -88,7 +88,7 @@ std::string in_pieces(const std::string &text, const yfw::stream_options &option
 // Each piece size, job count and kind of source gives the same as the whole.
 void expect_same(const std::string &text, yfw::stream_options options = {}) {
   const std::string whole = in_one_piece(text, options);
-  for (const size_t bytes : {1, 60, 200, 100'000}) {
+  for (const size_t bytes : {0, 1, 60, 200, 100'000}) {
     for (const unsigned jobs : {1U, 3U}) {
       for (const bool can_seek : {true, false}) {
         options.piece_bytes = bytes;

@@ -30,7 +30,7 @@ using note_taker = std::function<void(const std::vector<std::string> &notes)>;
 struct stream_options {
   reply_options reply;
   std::optional<data_format> to;  // none: as the text
-  size_t piece_bytes = 262'144;   // the least size of a piece
+  size_t piece_bytes = 262'144;   // the least size of a piece; 0 is as good as 1
   unsigned jobs = 0;              // pieces in work at the same time; 0: as many as there are processors
 };
 
