@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <regex>
 #include <sstream>
 #include <utility>
 
@@ -79,6 +80,13 @@ std::string parse_c_name(const line &head, const char *usage) {
   return head.words[1];
 }
 
+void expect_header_name(const std::string &name, const place &at) {
+  static const std::regex header_name("[A-Za-z0-9_./-]+");
+  if (!std::regex_match(name, header_name)) {
+    throw error(at, "'" + name + "' is not a name of a header: letters, digits, '_', '-', '.' and '/'");
+  }
+}
+
 void parse_head(table &result, const line &head) {
   const std::string &keyword = head.words[0];
   if (keyword == "plug-in") {
@@ -91,6 +99,7 @@ void parse_head(table &result, const line &head) {
     result.direction = parse_direction(head);
   } else if (keyword == "include") {
     expect_values(head, 1, "include HEADER");
+    expect_header_name(head.words[1], head.at);
     result.includes.push_back(head.words[1]);
   } else if (keyword == "target") {
     result.targets.push_back(parse_target(head));

@@ -21,9 +21,9 @@ emitter begin_file(const model &source) {
 void write_includes(emitter &out, const model &source, const std::vector<std::string> &more) {
   std::set<std::string> headers(more.begin(), more.end());
   headers.insert(source.direction == direction::xo ? "ymap_frame.h" : "ymap_request_walk.h");
-  out.put("#include \"" + source.stem + ".h\"\n\n");
+  out.put("#include \"$stem$.h\"\n\n", {{"stem", source.stem}});
   for (const std::string &header : headers) {
-    out.put("#include \"" + header + "\"\n");
+    out.put("#include \"$header$\"\n", {{"header", header}});
   }
   out.put("\nstatic_assert(YMAP_FRAME_VERSION == 1, \"generated for another version of the frame: regenerate\");\n");
 }

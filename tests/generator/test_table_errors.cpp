@@ -82,6 +82,8 @@ INSTANTIATE_TEST_SUITE_P(
         error_row{"NodesMissing", cfg, 9, "",
                   "10: 'scale' is not a keyword of the head: one of plug-in, module, "
                   "direction, include, target, wanted, nodes"},
+        error_row{"Include", cfg, 5, "include sky$hand.h",
+                  "5: 'sky$hand.h' is not a name of a header: letters, digits, '_', '-', '.' and '/'"},
         error_row{"Wanted", cfg, 7, "", "10: 'report' needs a line 'wanted FUNCTION' in the head"}),
     name_of);
 
