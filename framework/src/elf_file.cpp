@@ -1,11 +1,29 @@
 #include "elf_file.hpp"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
+#include <fstream>
+#include <sstream>
 
+#include "yfw.h"
 #include "yfw/error.hpp"
 
 namespace yfw {
+
+std::string_view machine_name(uint16_t machine) {
+  return machine == EM_X86_64 ? "x86-64" : "AArch64";
+}
+
+elf_file elf_file::read(const std::filesystem::path &file) {
+  std::ifstream stream(file, std::ios::binary);
+  if (!stream || std::filesystem::is_directory(file)) {
+    throw error(place{file.string()}, std::string("cannot be opened: ") + std::strerror(stream ? EISDIR : errno));
+  }
+  std::ostringstream bytes;
+  bytes << stream.rdbuf();
+  return elf_file(bytes.str(), file.string());
+}
 
 elf_file::elf_file(std::string bytes, std::string file) : bytes_(std::move(bytes)), file_(std::move(file)) {
   if (!bytes_.starts_with(ELFMAG)) {
@@ -20,6 +38,7 @@ elf_file::elf_file(std::string bytes, std::string file) : bytes_(std::move(bytes
   if (head.e_type != ET_DYN) {
     fail("is not a shared library");
   }
+  check_segments();
   if (head.e_shentsize != sizeof(Elf64_Shdr) || head.e_shnum == 0) {
     fail("has no section headers: nothing can be told of it");
   }
@@ -35,6 +54,17 @@ elf_file::elf_file(std::string bytes, std::string file) : bytes_(std::move(bytes
   const std::string_view names = content(sections_[head.e_shstrndx]);
   for (size_t i = 0; i < sections_.size(); ++i) {
     sections_[i].name = text_at(names, headers[i].sh_name);
+  }
+}
+
+// Whoever loads a library reads these parts of it without looking where the file ends.
+void elf_file::check_segments() const {
+  const auto head = at<Elf64_Ehdr>(0);
+  for (uint64_t i = 0; i < head.e_phnum; ++i) {
+    const auto each = at<Elf64_Phdr>(head.e_phoff + i * sizeof(Elf64_Phdr));
+    if (each.p_type == PT_LOAD && (each.p_offset > bytes_.size() || bytes_.size() - each.p_offset < each.p_filesz)) {
+      fail("is cut off: " + std::to_string(bytes_.size()) + " bytes are not all of it");
+    }
   }
 }
 
@@ -82,6 +112,20 @@ std::vector<record_t> elf_file::table(const elf_section &section) const {
 const elf_section *elf_file::section(std::string_view name) const {
   const auto found = std::ranges::find(sections_, name, &elf_section::name);
   return found == sections_.end() ? nullptr : &*found;
+}
+
+std::optional<std::string> elf_file::abi_version() const {
+  const elf_section *found = section("ymap.abi");
+  if (found == nullptr) {
+    return std::nullopt;
+  }
+  const std::string own = std::to_string(YFW_ABI_VERSION);
+  std::string version;
+  for (std::string_view rest = content(*found); !rest.empty() && (version.empty() || version == own);) {
+    version = rest.substr(0, rest.find('\0'));
+    rest.remove_prefix(std::min(version.size() + 1, rest.size()));
+  }
+  return version;
 }
 
 const elf_section *elf_file::of_type(uint32_t type) const {

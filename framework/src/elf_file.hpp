@@ -5,6 +5,7 @@
 #include <elf.h>
 
 #include <cstdint>
+#include <filesystem>
 #include <map>
 #include <optional>
 #include <set>
@@ -35,11 +36,17 @@ struct elf_section {
   uint32_t link = 0;
 };
 
+// "x86-64" or "AArch64", of a library's machine.
+std::string_view machine_name(uint16_t machine);
+
 class elf_file {
  public:
   // `bytes` is the content of `file`, which is for messages. Throws `error` for what is no 64-bit little-endian shared
   // library for x86-64 or AArch64, and for one that is cut off or contradicts itself.
   elf_file(std::string bytes, std::string file);
+
+  // Reads the file. Throws `error` when that is impossible, too.
+  static elf_file read(const std::filesystem::path &file);
 
   uint16_t machine() const {
     return machine_;
@@ -48,6 +55,10 @@ class elf_file {
     return sections_;
   }
   const elf_section *section(std::string_view name) const;
+
+  // The version of the ABI that a plug-in says it was built for, in a section of its own; none when it does not. Where
+  // its parts were built for several, one that is not this framework's.
+  std::optional<std::string> abi_version() const;
 
   // Of a section, empty for one without bytes in the file.
   std::string_view content(const elf_section &section) const;
@@ -73,6 +84,7 @@ class elf_file {
   std::vector<record_t> table(const elf_section &section) const;
   std::string text_at(std::string_view texts, uint64_t offset) const;
   const elf_section &linked(const elf_section &section) const;
+  void check_segments() const;
   const elf_section *of_type(uint32_t type) const;
   std::vector<elf_symbol> symbols(const elf_section &section) const;
   std::vector<std::string> version_names() const;

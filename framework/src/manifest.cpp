@@ -91,6 +91,10 @@ unsigned line_of(const std::string &text, size_t offset) {
 
 }  // namespace
 
+std::filesystem::path manifest::beside(std::filesystem::path library) {
+  return library.replace_extension(".manifest.json");
+}
+
 manifest manifest::read(const std::filesystem::path &file) {
   std::ifstream stream(file, std::ios::binary);
   if (!stream) {

@@ -4,13 +4,31 @@
 
 #include <utility>
 
+#include "elf_file.hpp"
+#include "yfw.h"
 #include "yfw/error.hpp"
 
 namespace yfw {
 namespace {
 
-std::filesystem::path manifest_of(std::filesystem::path library) {
-  return library.replace_extension(".manifest.json");
+#if defined(__aarch64__)
+constexpr uint16_t own_machine = EM_AARCH64;
+#else
+constexpr uint16_t own_machine = EM_X86_64;
+#endif
+
+// Refuses what the loader would run before anybody could ask for its version, would die of, or says nothing clear of.
+void check_library(const std::filesystem::path &library) {
+  const elf_file content = elf_file::read(library);
+  const auto refuse = [&](const std::string &text) { throw error(place{library.string()}, text); };
+  if (content.machine() != own_machine) {
+    refuse("is for " + std::string(machine_name(content.machine())) + ", and this program for " +
+           std::string(machine_name(own_machine)));
+  }
+  const std::string own = std::to_string(YFW_ABI_VERSION);
+  if (const std::string version = content.abi_version().value_or(own); version != own) {
+    refuse("built for record layout version " + yfw::quoted(version) + "; this framework has '" + own + "'");
+  }
 }
 
 // The loader's own words carry the library's path in front and its search in between: keep what tells the cause.
@@ -41,18 +59,23 @@ plugin::~plugin() {
 }
 
 plugin plugin::load_without_manifest(const std::filesystem::path &library) {
+  check_library(library);
+  return open(library, {});
+}
+
+plugin plugin::open(const std::filesystem::path &library, manifest description) {
   // A path without a slash would be looked for in the loader's directories.
   const std::filesystem::path file = std::filesystem::absolute(library);
   void *handle = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
   if (handle == nullptr) {
     throw error(place{}, "cannot load '" + library.string() + "': " + loader_message(file));
   }
-  return plugin(library, handle, {});
+  return plugin(library, handle, std::move(description));
 }
 
 plugin plugin::load(const std::filesystem::path &library) {
-  plugin result = load_without_manifest(library);
-  result.manifest_ = manifest::read(manifest_of(library));
+  check_library(library);
+  plugin result = open(library, manifest::read(manifest::beside(library)));
   for (const entry_point &entry : result.manifest_.entry_points) {
     (void)result.address(entry.function);
   }

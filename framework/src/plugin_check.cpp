@@ -5,8 +5,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <memory>
 #include <set>
 
@@ -21,14 +19,6 @@ namespace {
 constexpr finding_level ok = finding_level::ok;
 constexpr finding_level warning = finding_level::warning;
 constexpr finding_level error_level = finding_level::error;
-
-std::string read_bytes(const std::filesystem::path &file) {
-  std::ifstream stream(file, std::ios::binary);
-  if (!stream || std::filesystem::is_directory(file)) {
-    throw error(place{file.string()}, "cannot be opened");
-  }
-  return {std::istreambuf_iterator<char>(stream), {}};
-}
 
 // Whether this framework defines the name: where the plug-in would find it.
 bool framework_defines(const std::string &name) {
@@ -57,9 +47,9 @@ std::string readable(const std::string &name) {
 class plugin_check {
  public:
   explicit plugin_check(const std::filesystem::path &file)
-      : path_(file), library_(read_bytes(file), file.string()), names_(library_, report_) {
+      : path_(file), library_(elf_file::read(file)), names_(library_, report_) {
     report_.file = file.string();
-    report_.machine = library_.machine() == EM_X86_64 ? "x86-64" : "AArch64";
+    report_.machine = machine_name(library_.machine());
   }
 
   plugin_report run() {
@@ -81,21 +71,15 @@ class plugin_check {
 
   // A plug-in may tell the version of the layouts and calls that it was compiled for in a section of its own.
   void check_abi_version() {
-    const elf_section *section = library_.section("ymap.abi");
-    if (section == nullptr) {
+    report_.abi_version = library_.abi_version();
+    if (!report_.abi_version) {
       add(ok, "abi", "the version of the record layout that it was built for is not stated");
       return;
     }
     const std::string own = std::to_string(YFW_ABI_VERSION);
-    std::string_view rest = library_.content(*section);
-    while (!rest.empty()) {
-      const std::string version(rest.substr(0, rest.find('\0')));
-      rest.remove_prefix(std::min(version.size() + 1, rest.size()));
-      report_.abi_version = report_.abi_version && report_.abi_version != own ? report_.abi_version : version;
-    }
     const bool is_own = report_.abi_version == own;
     add(is_own ? ok : error_level, "abi",
-        "built for record layout version " + yfw::quoted(report_.abi_version.value_or("")) +
+        "built for record layout version " + yfw::quoted(*report_.abi_version) +
             (is_own ? "" : "; this framework has '" + own + "'"));
   }
 
@@ -169,7 +153,7 @@ class plugin_check {
   }
 
   void check_manifest() {
-    const std::filesystem::path file = std::filesystem::path(path_).replace_extension(".manifest.json");
+    const std::filesystem::path file = manifest::beside(path_);
     if (!std::filesystem::exists(file)) {
       add(warning, "manifest",
           "there is none beside it, " + yfw::quoted(file.filename().string()) +

@@ -6,6 +6,7 @@
 #include <fstream>
 #include <string>
 
+#include "library.hpp"
 #include "yfw/error.hpp"
 #include "yfw/manifest.hpp"
 
@@ -83,6 +84,70 @@ INSTANTIATE_TEST_SUITE_P(
         RefusedRow{"NoText", R"({"abi-version": 1, "lists": [{"high": "/a", "high-key": 1, "low": "/b"}]})", 0,
                    "/lists[0]", "needs the text 'high-key'"},
         RefusedRow{"Syntax", "{\n\"abi-version\": 1,\n]", 3, "", "not JSON: Missing a name for object member."}),
+    [](const auto &row) { return std::string(row.param.name); });
+
+// Both modules of the library have a node of the plain path /library.
+TEST(ManifestInModules, IsFound) {
+  const yfw::manifest sound = yfw::manifest::parse(R"({"abi-version": 1,
+    "entry-points": [{"direction": "ox", "module": "library", "at": "/", "function": "f"},
+                     {"direction": "ox", "module": "shop", "at": "/", "function": "f"},
+                     {"direction": "ox", "module": "shop", "at": "/library/book", "function": "f"}],
+    "lists": [{"high": "/library/book", "high-key": "edition", "low": "/library/visit", "low-key": "minutes"}],
+    "defaults": [{"direction": "ox", "at": "/library/visit", "function": "f"}]})",
+                                                   "m.json");
+  EXPECT_EQ("", thrown_by([&] { check_manifest(sound, library(), "m.json"); }));
+}
+
+struct MisplacedRow {
+  const char *name;
+  yfw::manifest description;
+  const char *message;
+};
+
+class MisplacedManifest : public testing::TestWithParam<MisplacedRow> {};
+
+TEST_P(MisplacedManifest, SaysWhereAndWhatIsRight) {
+  EXPECT_EQ(std::string("m.json: ") + GetParam().message,
+            thrown_by([] { check_manifest(GetParam().description, library(), "m.json"); }));
+}
+
+yfw::manifest entry(const std::string &module, const std::string &at) {
+  return {{{yfw::direction::ox, "shop", "/", "f"}, {yfw::direction::xo, module, at, "f"}}, {}, {}};
+}
+yfw::manifest pair(const std::string &high, const std::string &high_key, const std::string &low,
+                   const std::string &low_key) {
+  return {{}, {{high, high_key, low, low_key}}, {}};
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, MisplacedManifest,
+    testing::Values(
+        MisplacedRow{"Module", entry("libary", "/"),
+                     "/entry-points[1]/module: 'libary' is none of the modules; did you mean 'library'?"},
+        MisplacedRow{"OtherModule", entry("garden", "/"), "/entry-points[1]/module: 'garden' is none of the modules"},
+        MisplacedRow{"At", entry("shop", "/library/boo"),
+                     "/entry-points[1]/at: module 'shop' has no nodes below '/library/boo'; it has them below '/', "
+                     "'/library/book'"},
+        MisplacedRow{"AtTooDeep", entry("library", "/library/book/loan/reader"),
+                     "/entry-points[1]/at: module 'library' has no nodes below '/library/book/loan/reader'; it has "
+                     "them below '/'"},
+        MisplacedRow{"High", pair("/library/bok", "title", "/library/visit", "minutes"),
+                     "/lists[0]/high: '/library/bok' is not in the modules: there is no 'bok' below '/library'; did "
+                     "you mean 'book'?"},
+        MisplacedRow{"FirstOfHigh", pair("/garden/bed", "title", "/library/visit", "minutes"),
+                     "/lists[0]/high: '/garden/bed' is not in the modules: there is no 'garden' at the top"},
+        MisplacedRow{"NoSlash", pair("library/book", "title", "/library/visit", "minutes"),
+                     "/lists[0]/high: 'library/book' is not in the modules: it does not begin with '/'"},
+        MisplacedRow{"HighKey", pair("/library/book", "titel", "/library/visit", "minutes"),
+                     "/lists[0]/high-key: 'titel' is not a key of '/library/book', which has 'title', 'edition'"},
+        MisplacedRow{"NoList", pair("/library/book", "title", "/library", "name"),
+                     "/lists[0]/low: '/library' is not a list"},
+        MisplacedRow{"LowKey", pair("/library/book", "title", "/library/visit", "hours"),
+                     "/lists[0]/low-key: 'hours' is not a key of '/library/visit', which has 'minutes'"},
+        MisplacedRow{"LeafAsKey", pair("/library/book", "price", "/library/visit", "minutes"),
+                     "/lists[0]/high-key: 'price' is not a key of '/library/book', which has 'title', 'edition'"},
+        MisplacedRow{"Defaults", yfw::manifest{{}, {}, {{yfw::direction::xo, "/library/book/loan", "f"}}},
+                     "/defaults[0]/at: '/library/book/loan' is not a list"}),
     [](const auto &row) { return std::string(row.param.name); });
 
 }  // namespace

@@ -1,6 +1,7 @@
 // The reader of libraries, on damaged ones. What it says of whole ones is in the transcripts of the program.
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <fstream>
 #include <random>
 
@@ -33,6 +34,21 @@ TEST(ElfFile, RefusesWhatIsCutOff) {
   for (size_t size = 0; size < bytes.size(); size += 1 + bytes.size() / 50) {
     EXPECT_FALSE(is_readable(bytes.substr(0, size))) << size;
   }
+}
+
+// A library whose section headers are before the end is whole by them.
+TEST(ElfFile, RefusesWhatLacksAPartThatIsLoaded) {
+  std::string bytes = library_bytes();
+  Elf64_Ehdr head;
+  std::memcpy(&head, bytes.data(), sizeof head);
+  for (unsigned i = 0; i < head.e_phnum; ++i) {
+    const size_t at = head.e_phoff + i * sizeof(Elf64_Phdr);
+    Elf64_Phdr part;
+    std::memcpy(&part, bytes.data() + at, sizeof part);
+    part.p_filesz += part.p_type == PT_LOAD ? bytes.size() : 0;
+    std::memcpy(bytes.data() + at, &part, sizeof part);
+  }
+  EXPECT_FALSE(is_readable(bytes));
 }
 
 // The head, the section headers at the end, and the tables that they lead to.

@@ -7,6 +7,8 @@
 
 namespace yfw {
 
+class schema;
+
 // `ox` takes a tree of the high model (a client's request), `xo` a tree of a low model (native data).
 enum class direction { ox, xo };
 
@@ -38,6 +40,9 @@ struct manifest {
   std::vector<list_pair> lists;
   std::vector<default_function> defaults;
 
+  // Where the manifest of a library is: `NAME.manifest.json` for `NAME.so`.
+  static std::filesystem::path beside(std::filesystem::path library);
+
   // Reads a manifest. Throws `error` for a file that cannot be read, is not JSON, lacks a member, has an unknown one or
   // was written for another version of the ABI.
   static manifest read(const std::filesystem::path &file);
@@ -48,5 +53,9 @@ struct manifest {
   // The pair with that native list, or null.
   const list_pair *pair_of_low(std::string_view path) const;
 };
+
+// Throws `error` when a module, path or key of the manifest is not in the modules: each entry point serves nodes of its
+// module, lists and defaults are at lists, and keys are of those. `file` is for messages.
+void check_manifest(const manifest &description, const schema &modules, const std::filesystem::path &file);
 
 }  // namespace yfw

@@ -18,10 +18,12 @@ using create_defaults_function = uint32_t (*)(void *, yfw_ctx_t *, yfw_node_t *,
 class plugin {
  public:
   // Loads the library and the manifest beside it, `NAME.manifest.json` for `NAME.so`. Every function that the manifest
-  // names must be there. Throws `error` otherwise, and when the library needs a name that nothing defines.
+  // names must be there. Throws `error` otherwise, and when the library needs a name that nothing defines. What is cut
+  // off, is for another machine or was built for another version of the ABI is refused before anything in it runs.
   static plugin load(const std::filesystem::path &library);
 
-  // Loads the library alone, for callers that know the names of its functions. The description is empty.
+  // Loads the library alone in the same way, for callers that know the names of its functions. The description is
+  // empty.
   static plugin load_without_manifest(const std::filesystem::path &library);
 
   plugin(plugin &&other) noexcept;
@@ -45,6 +47,7 @@ class plugin {
 
  private:
   plugin(std::filesystem::path library, void *handle, manifest description);
+  static plugin open(const std::filesystem::path &library, manifest description);
   void *address(const std::string &name) const;
 
   std::filesystem::path library_;
