@@ -52,6 +52,7 @@ void context::reset() {
   output_root = {};
   compared = {};
   problems.clear();
+  passed_on.clear();
   failure.clear();
 }
 
@@ -62,6 +63,10 @@ uint32_t context::fail(std::string reason) {
 
 void context::report(std::string_view text) {
   problems.push_back({one_line(text), compared, hierarchy.empty() ? nullptr : hierarchy.back()});
+}
+
+void context::report_passed_on(std::string_view text) {
+  passed_on.push_back({one_line(text), compared, hierarchy.empty() ? nullptr : hierarchy.back()});
 }
 
 const yfw_node_t *context::open_entry(std::string_view path) const {

@@ -58,8 +58,9 @@ class context : public yfw_ctx_t {
   // Remembers why a framework call fails and returns the status for it.
   uint32_t fail(std::string reason);
 
-  // Remembers what is wrong with the input node that the plug-in is at.
+  // Remembers what is wrong with the input node that the plug-in is at: it is left out, or passed on all the same.
   void report(std::string_view text);
+  void report_passed_on(std::string_view text);
 
   // The entry of the list with schema path `path` that is open in the node hierarchy, or null.
   const yfw_node_t *open_entry(std::string_view path) const;
@@ -76,6 +77,7 @@ class context : public yfw_ctx_t {
 
   compared_texts compared{};
   std::vector<reported_problem> problems;
+  std::vector<reported_problem> passed_on;
   std::string failure;
 
   call_observer *observer = nullptr;  // sees the plug-in's calls and may answer them

@@ -34,7 +34,7 @@ std::string without_place(const std::string &note, const std::string &file) {
 reported report_of(document &native, content wanted, const plugin &mapping, trace_log &log) {
   reported result;
   try {
-    const reply translated = translate_reply(native, mapping, {.wanted = wanted, .entries = {}}, log);
+    const reply translated = translate_reply(native, mapping, {.wanted = wanted, .checks_values = false}, log);
     collect(translated.data.first(), result.leaves);
     result.refusal = translated.notes.empty() ? "" : without_place(translated.notes.back(), native.file());
   } catch (const error &refused) {

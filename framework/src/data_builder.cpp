@@ -1,11 +1,27 @@
 #include "data_builder.hpp"
 
+#include <libyang/libyang.h>
+
 #include <algorithm>
 
 #include "yfw/node.hpp"
 #include "ymap_frame.h"
 
 namespace yfw {
+
+static bool is_any_uint64(const lysc_node *leaf) {
+  const lysc_type *type = is_leaf(leaf) ? reinterpret_cast<const lysc_node_leaf *>(leaf)->type : nullptr;
+  return type != nullptr && type->basetype == LY_TYPE_UINT64 &&
+         reinterpret_cast<const lysc_type_num *>(type)->range == nullptr;
+}
+
+// Whether this is, without a question to libyang, the canonical text of a leaf of type uint64: most of a reply is.
+static bool is_counter_value(const lysc_node *leaf, std::string_view text) {
+  constexpr size_t always_fits = 19;
+  const bool is_number = !text.empty() && text.size() <= always_fits && (text[0] != '0' || text.size() == 1) &&
+                         std::ranges::all_of(text, [](char c) { return c >= '0' && c <= '9'; });
+  return is_number && is_any_uint64(leaf);
+}
 
 // The list nearest above step `count - 1`, or null.
 const lysc_node *data_builder::innermost_list(const schema_steps &steps, size_t count) {
@@ -51,9 +67,22 @@ uint32_t data_builder::add_path(context &ctx, std::string_view path, const char 
     node = is_leaf_list(*step) ? &tree_.item(node, yfw::ns(*step), name(*step), value) : &tree_.at(node, *step);
   }
   if (node != nullptr) {
-    tree_.set_value(*node, value);
+    set_value(ctx, *node, value);
   }
   return YMAP_OK;
+}
+
+// A value that the high model does not take is worth more to a client than none, but it is told.
+void data_builder::set_value(context &ctx, data_node &leaf, std::string_view value) {
+  if (!checks_values_ || is_counter_value(leaf.schema, value)) {
+    tree_.set_value(leaf, value);
+    return;
+  }
+  const checked_value checked = tree_.modules().check_value(leaf.schema, value);
+  tree_.set_value(leaf, checked.ok ? std::string_view(checked.canonical) : value);
+  if (!checked.ok) {
+    ctx.report_passed_on("is passed on, but '" + yfw::path(leaf.schema) + "' does not take it: " + checked.why);
+  }
 }
 
 uint32_t data_builder::enter_list(context &ctx, yfw_node_t **current_list, std::string_view path, const char *key_text,

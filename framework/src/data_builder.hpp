@@ -16,9 +16,9 @@ namespace yfw {
 class data_builder : public output_sink {
  public:
   // Adds to `tree`. With names in `wanted`, only list entries with one of them as key are entered. Both must outlive
-  // it.
-  data_builder(data_tree &tree, const std::vector<std::string> &wanted)
-      : tree_(tree), wanted_(wanted), paths_(tree.modules()) {}
+  // it. `checks_values`: see `reply_options`.
+  data_builder(data_tree &tree, const std::vector<std::string> &wanted, bool checks_values)
+      : tree_(tree), wanted_(wanted), checks_values_(checks_values), paths_(tree.modules()) {}
 
   uint32_t add_path(context &ctx, std::string_view path, const char *ns, const char *value, yfw_node_t *source,
                     yfw_node_t **created, uint32_t flag) override;
@@ -36,11 +36,13 @@ class data_builder : public output_sink {
     yfw_node_t node;
     data_node *data;
   };
+  void set_value(context &ctx, data_node &leaf, std::string_view value);
   data_node *enclosing(const context &ctx, const lysc_node *list) const;
   static const lysc_node *innermost_list(const schema_steps &steps, size_t count);
 
   data_tree &tree_;
   const std::vector<std::string> &wanted_;
+  const bool checks_values_;
   path_table paths_;
   std::set<std::string> met_;
   std::deque<entered> entered_;

@@ -157,9 +157,16 @@ class replacement {
 
 }  // namespace
 
-file_lock::file_lock(const fs::path &file) : file_(::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666)) {
+// Open for the lock alone, by which nothing is written. Who made the file may let others only read it, and that does;
+// a file system over a network, though, may want it open for writing.
+static int opened_lock(const fs::path &file) {
+  const int lock = ::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+  return lock < 0 && errno == EACCES ? ::open(file.c_str(), O_RDONLY | O_CLOEXEC) : lock;
+}
+
+file_lock::file_lock(const fs::path &file) : file_(opened_lock(file)) {
   if (file_ < 0) {
-    fail(file, "cannot be made, so that the device cannot be locked");
+    fail(file, "cannot be opened, so that the device cannot be locked");
   }
   while (::flock(file_, LOCK_EX) != 0) {
     if (const int why = errno; why != EINTR) {

@@ -32,8 +32,9 @@ struct document::parts {
 };
 
 // Refuses what pugixml would let pass or drop: document types, unknown entities, references to characters that YANG
-// has not, '<' in attribute values, "--" in comments, unfinished constructs.
-void check_markup(const document::parts &parts, size_t begin);
+// has not, '<' in attribute values, "--" in comments, unfinished constructs. Whether there are comments, CDATA sections
+// or processing instructions, which can split a text.
+bool check_markup(const document::parts &parts, size_t begin);
 
 // Fill `roots` from `text`, which begins at `begin` with '<' or '{' after blanks.
 void read_xml(document::parts &parts, size_t begin);

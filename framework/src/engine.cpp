@@ -124,9 +124,13 @@ reply engine::get(const device &native, document &request, const client_request 
     keys.add_below(*node);
   }
   std::erase_if(asked.notes, is_settled_by_filter);
+  if (!client.source.empty() && client.source != "running") {
+    asked.notes.push_back(request.file() + ": source " + yfw::quoted(client.source) +
+                          ": the device has one datastore, 'running', which is read");
+  }
   document selected = document::read(as_xml(native.select(asked.calls)), native.file(), native.modules());
   try {
-    reply translated = translate_reply(selected, mapping_, {wanted, {}}, log_);
+    reply translated = translate_reply(selected, mapping_, {.wanted = wanted}, log_);
     for (const std::string &note : translated.notes) {
       asked.notes.push_back(without_line(note, native.file()));
     }

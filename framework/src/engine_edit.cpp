@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "engine_parts.hpp"
+#include "plan_parts.hpp"
 #include "yfw/node.hpp"
 
 namespace yfw {
@@ -132,6 +133,13 @@ class edit_run {
     }
   }
 
+  // Whether a native edit comes of removing what is not there. A mapping may remove by setting something, and the
+  // device would make an entry for it.
+  bool is_void(const native_call &call, uint32_t default_operation) const {
+    return call.kind == call_kind::set && call.cause != nullptr &&
+           deletes(operation_in_force(*call.cause, default_operation)) && !is_present(*call.cause);
+  }
+
   // The native edits that remove what a replaced node holds.
   std::vector<native_call> removals(const yfw_node_t &replaced, const plugin &mapping, trace_log &log) const {
     document removal = request_for(steps_to(replaced), native_.modules(), YFW_OPERATION_REMOVE);
@@ -195,9 +203,16 @@ edit_outcome engine::edit(device &native, document &request, const client_reques
     }
   }
   for (const native_call &call : translated.calls) {
-    apply(edit, call, request);
+    if (!run.is_void(call, client.default_operation)) {
+      apply(edit, call, request);
+    }
   }
   edit_outcome outcome{edit.changes(), notes_on(request, client)};
+  refusals silent(request, refusals::habit::collects);
+  refuse_silent_ends(translated, silent);
+  for (const rpc_error &each : silent.take()) {
+    outcome.notes.emplace_back(error(each.where(), "causes no native edit").what());
+  }
   outcome.notes.insert(outcome.notes.end(), translated.notes.begin(), translated.notes.end());
   if (client.test_option != "test-only") {
     edit.commit();

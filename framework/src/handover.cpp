@@ -24,8 +24,11 @@ class planner {
     if (client_.everything) {
       read_below(nullptr, "everything");
     }
+    if (!client_.is_read()) {
+      refuse_repeated({client_.data.begin(), client_.data.end()}, refused_);
+    }
     for (yfw_node_t *node : client_.data) {
-      if (is_known_node(document_, *node, refused_)) {
+      if (!refused_.contains(*node) && is_known_node(document_, *node, refused_)) {
         place_node(*node, nullptr, client_.default_operation);
       }
     }
@@ -126,6 +129,9 @@ class planner {
       if (!client_.is_read() && (key == nullptr || key->value == nullptr)) {
         refused_.add(entry, "has no key " + quoted(name) + ", which an edit needs", error_tag::missing_element,
                      std::string(name));
+      }
+      if (key != nullptr && !client_.is_read()) {
+        refuse_operation_on_key(*key, refused_);
       }
       if (key != nullptr && key->value != nullptr) {
         if (const checked_value checked = document_.check(*key); !checked.ok) {

@@ -19,7 +19,7 @@ data_node &descend(data_tree &tree, data_node *parent, const path_step &step) {
   return entry;
 }
 
-void add_call(data_tree &tree, const native_call &call) {
+void add_call(data_tree &tree, const native_call &call, uint32_t default_operation) {
   data_node *node = nullptr;
   for (const path_step &step : call.steps) {
     node = &descend(tree, node, step);
@@ -37,7 +37,8 @@ void add_call(data_tree &tree, const native_call &call) {
   if (call.value) {
     tree.set_value(*node, *call.value);
   }
-  node->operation = call.operation == YFW_OPERATION_MERGE ? std::nullopt : std::optional(call.operation);
+  const bool is_default = call.operation == YFW_OPERATION_MERGE && default_operation == YFW_OPERATION_MERGE;
+  node->operation = is_default ? std::nullopt : std::optional(call.operation);
 }
 
 }  // namespace
@@ -61,7 +62,7 @@ std::string native_call::path() const {
 data_tree native_tree(const native_request &request, const schema &modules) {
   data_tree tree(modules);
   for (const native_call &call : request.calls) {
-    add_call(tree, call);
+    add_call(tree, call, request.client.default_operation);
   }
   return tree;
 }

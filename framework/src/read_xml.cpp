@@ -246,10 +246,11 @@ std::string words(pugi::xml_parse_status status, std::string_view text) {
   return quoted(found) + " is not well-formed XML";
 }
 
-void parse(document::parts &parts, size_t begin) {
-  constexpr unsigned options = pugi::parse_cdata | pugi::parse_escapes | pugi::parse_eol | pugi::parse_wconv_attribute |
-                               pugi::parse_declaration | pugi::parse_ws_pcdata_single | pugi::parse_fragment |
-                               pugi::parse_embed_pcdata;
+// Blanks between elements are layout, but where a text is in several pieces one of them may be blank.
+void parse(document::parts &parts, size_t begin, bool may_split_text) {
+  const unsigned blanks = may_split_text ? pugi::parse_ws_pcdata : pugi::parse_ws_pcdata_single;
+  const unsigned options = pugi::parse_cdata | pugi::parse_escapes | pugi::parse_eol | pugi::parse_wconv_attribute |
+                           pugi::parse_declaration | blanks | pugi::parse_fragment | pugi::parse_embed_pcdata;
   const size_t size = parts.text.size() - begin;  // and the terminating zero, which pugixml would else make room for
   const pugi::xml_parse_result result =
       parts.xml.load_buffer_inplace(parts.text.data() + begin, size + 1, options, pugi::encoding_utf8);
@@ -294,8 +295,7 @@ pugi::xml_node single_root(const document::parts &parts) {
 }  // namespace
 
 void read_xml(document::parts &parts, size_t begin) {
-  check_markup(parts, begin);
-  parse(parts, begin);
+  parse(parts, begin, check_markup(parts, begin));
   xml_reader(parts).read(single_root(parts));
 }
 

@@ -46,7 +46,7 @@ class reply_translation {
       : document_(native),
         mapping_(mapping),
         result_(result),
-        builder_(result_.data, options.entries),
+        builder_(result_.data, options.entries, options.checks_values),
         context_(mapping.description(), log, builder_, request_operation(options.wanted)) {
     if (options.wanted == content::nonconfig) {
       context_.record.selection_1172 = 0x01;
@@ -157,6 +157,7 @@ class reply_translation {
       }
       note(*leaf, "is left out: " + reason(status));
       context_.problems.clear();
+      context_.passed_on.clear();
       unmapped.emplace_back(*leaf);
     }
   }
@@ -254,12 +255,16 @@ class reply_translation {
       const yfw_node_t *culprit = node_compared(node, context_.compared);
       throw error(document_.where(culprit != nullptr ? *culprit : node), reason(status));
     }
-    for (const reported_problem &problem : context_.problems) {
+    note_each(std::exchange(context_.problems, {}), node, "is left out: ");
+    note_each(std::exchange(context_.passed_on, {}), node, "");
+  }
+
+  void note_each(const std::vector<reported_problem> &problems, const yfw_node_t &node, const std::string &before) {
+    for (const reported_problem &problem : problems) {
       const yfw_node_t *inside = problem.inside != nullptr ? problem.inside : &node;
       const yfw_node_t *culprit = node_compared(*inside, problem.compared);
-      note(culprit != nullptr ? *culprit : *inside, "is left out: " + problem.text);
+      note(culprit != nullptr ? *culprit : *inside, before + problem.text);
     }
-    context_.problems.clear();
   }
 
   std::string reason(uint32_t status) const {

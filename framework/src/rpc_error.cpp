@@ -61,11 +61,15 @@ dressed_error dress(const error &fault, const schema &modules, const manifest &d
   dressed_error dressed{tag == error_tag::malformed_message ? "rpc" : "application",
                         std::string(word(tag)),
                         {},
-                        fault.text(),
+                        {},
                         rpc != nullptr ? rpc->bad_element() : "",
                         {}};
   const bool is_unknown = tag == error_tag::unknown_element || tag == error_tag::unknown_namespace;
   dressed.path = instance_identifier(steps_of(fault.where().path, modules, description, is_unknown), format, dressed);
+  // As the program tells it, less a path that has a place of its own.
+  place where = fault.where();
+  where.path = dressed.path.empty() ? where.path : "";
+  dressed.message = error(where, fault.text()).what();
   return dressed;
 }
 

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "text.hpp"
+
 namespace yfw {
 namespace {
 
@@ -40,11 +42,21 @@ std::string identity(const yfw_node_t &node) {
   return text;
 }
 
+bool is_fit_for_its_kind(const yfw_node_t &node, refusals &refused) {
+  const lysc_node *schema = extra(node).schema;
+  const bool is_inner = is_container(schema) || is_list(schema);
+  if (is_inner && node.value != nullptr && !is_blank(std::string_view(node.value))) {
+    refused.add(node, "is no leaf and holds no text like " + quoted(node.value), error_tag::bad_element);
+    return false;
+  }
+  return true;
+}
+
 }  // namespace
 
 bool is_known_node(const document &request, const yfw_node_t &node, refusals &refused) {
   if (extra(node).schema != nullptr) {
-    return true;
+    return is_fit_for_its_kind(node, refused);
   }
   const yfw_node_t *above = extra(node).parent;
   const bool is_top = above == nullptr || is_envelope(*above);
@@ -65,13 +77,29 @@ bool is_known_node(const document &request, const yfw_node_t &node, refusals &re
   return false;
 }
 
-void refuse_repeated_children(const yfw_node_t &parent, refusals &refused) {
+void refuse_operation_on_key(const yfw_node_t &key, refusals &refused) {
+  const uint8_t given = extra(key).given_operation;
+  if (deletes(given) || given == YFW_OPERATION_CREATE) {
+    refused.add(key, "is a key; operation " + quoted(operation_word(given)) + " is given on its list entry",
+                error_tag::bad_element);
+  }
+}
+
+void refuse_repeated(const std::vector<const yfw_node_t *> &siblings, refusals &refused) {
   std::set<std::string> seen;
-  for (const yfw_node_t &node : children(parent)) {
-    if (!seen.insert(identity(node)).second) {
-      refused.add(node, quoted(node.tag) + " appears twice", error_tag::bad_element);
+  for (const yfw_node_t *node : siblings) {
+    if (!seen.insert(identity(*node)).second) {
+      refused.add(*node, quoted(node->tag) + " appears twice", error_tag::bad_element);
     }
   }
+}
+
+void refuse_repeated_children(const yfw_node_t &parent, refusals &refused) {
+  std::vector<const yfw_node_t *> siblings;
+  for (const yfw_node_t &node : children(parent)) {
+    siblings.push_back(&node);
+  }
+  refuse_repeated(siblings, refused);
 }
 
 yfw_node_t *walk_tree::copy(const yfw_node_t &from, uint32_t inherited, const std::set<const yfw_node_t *> &left_out) {
@@ -106,6 +134,9 @@ bool walk_tree::fill_leaf(yfw_node_t &to, const yfw_node_t &from, uint32_t opera
   if (client_.is_read()) {
     return true;
   }
+  if (is_checked_ && is_key(extra(from).schema)) {
+    refuse_operation_on_key(from, refused_);
+  }
   if (deletes(operation) || operation == no_operation) {
     return operation != no_operation;
   }
@@ -128,6 +159,7 @@ bool walk_tree::fill_children(yfw_node_t &to, const yfw_node_t &from, uint32_t o
     return client_.is_read() || operation != no_operation;
   }
   if (!client_.is_read() && deletes(operation)) {
+    check_deleted(from);
     return true;  // whatever is given below goes with it
   }
   if (!client_.is_read()) {
@@ -152,6 +184,21 @@ bool walk_tree::fill_children(yfw_node_t &to, const yfw_node_t &from, uint32_t o
     set_children(to, array, kept);
   }
   return kept > 0;
+}
+
+// What stands below a deleted node says nothing more, so it may not seem to.
+void walk_tree::check_deleted(const yfw_node_t &deleted) {
+  for (const yfw_node_t &below : children(deleted)) {
+    const uint8_t given = extra(below).given_operation;
+    if (!is_known_node(document_, below, refused_)) {
+      continue;
+    }
+    if (given != no_operation && !deletes(given)) {
+      refused_.add(below, "operation " + quoted(operation_word(given)) + " stands inside what is deleted",
+                   error_tag::bad_element);
+    }
+    check_deleted(below);
+  }
 }
 
 bool walk_tree::is_readable(const yfw_node_t &node) {

@@ -48,6 +48,7 @@ class walk_tree {
   bool fill(yfw_node_t &to, const yfw_node_t &from, uint32_t inherited);
   bool fill_leaf(yfw_node_t &to, const yfw_node_t &from, uint32_t operation);
   bool fill_children(yfw_node_t &to, const yfw_node_t &from, uint32_t operation);
+  void check_deleted(const yfw_node_t &deleted);
   bool is_readable(const yfw_node_t &node);
 
   const document &document_;
@@ -59,10 +60,14 @@ class walk_tree {
   std::set<const yfw_node_t *> content_matches_;
 };
 
-// Whether the modules have such a node there. Refuses it if not, and says which name is near.
+// Whether the modules have such a node there, and it is what they say. Refuses it if not, and says which name is near.
 bool is_known_node(const document &request, const yfw_node_t &node, refusals &refused);
 
-// Refuses children that are the same node as one before them: RFC 7950, section 7.6 ff., allows one each.
+// What becomes of an entry is said on the entry, not on its key.
+void refuse_operation_on_key(const yfw_node_t &key, refusals &refused);
+
+// Refuses siblings that are the same node as one before them: RFC 7950, section 7.6 ff., allows one each.
+void refuse_repeated(const std::vector<const yfw_node_t *> &siblings, refusals &refused);
 void refuse_repeated_children(const yfw_node_t &parent, refusals &refused);
 
 }  // namespace yfw

@@ -9,11 +9,14 @@ constexpr byte_set escaped_bytes("\"\\\t\n\r");
 class json_writer {
  public:
   json_writer(std::ostream &out, const data_tree &tree, const write_options &options)
-      : tree_(tree), is_pretty_(options.pretty), out_(out, options.pretty) {}
+      : tree_(tree),
+        is_pretty_(options.pretty),
+        default_operation_(options.default_operation),
+        out_(out, options.pretty) {}
 
   void write() {
     out_ << '{';
-    write_members(tree_.first(), 1, "", YFW_OPERATION_MERGE);
+    write_members(tree_.first(), 1, "", default_operation_);
     end(0, '}', tree_.first() == nullptr);
     if (is_pretty_) {
       out_ << '\n';
@@ -189,6 +192,7 @@ class json_writer {
 
   const data_tree &tree_;
   bool is_pretty_;
+  uint32_t default_operation_;
   write_buffer out_;
 };
 

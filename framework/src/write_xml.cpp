@@ -23,7 +23,7 @@ class xml_writer {
         write_element(before, depth, ns);
       }
     }
-    write_groups(tree_.first(), depth, ns, YFW_OPERATION_MERGE);
+    write_groups(tree_.first(), depth, ns, options_.default_operation);
     for (auto each = options_.wrappers.rbegin(); each != options_.wrappers.rend(); ++each) {
       end(--depth, each->tag);
     }
@@ -60,7 +60,7 @@ class xml_writer {
       escape(value);
       out_ << '"';
     }
-    if (&element == &options_.wrappers.front() && has_operation(tree_.first(), YFW_OPERATION_MERGE)) {
+    if (&element == &options_.wrappers.front() && has_operation(tree_.first(), options_.default_operation)) {
       declare_operations();
     }
   }

@@ -10,9 +10,10 @@ namespace {
 // Walks the markup of a text once, from one character of meaning to the next.
 class markup {
  public:
-  markup(const document::parts &parts, size_t begin) : parts_(parts), text_(parts.text), at_(begin) {}
+  markup(const document::parts &parts, size_t begin) : parts_(parts), text_(parts.text), begin_(begin), at_(begin) {}
 
-  void check() {
+  // Whether there is what can stand inside a text.
+  bool check() {
     while ((at_ += std::strcspn(parts_.text.c_str() + at_, "<&]")) < text_.size()) {
       if (text_[at_] == '&') {
         check_reference();
@@ -24,6 +25,7 @@ class markup {
         check_angle();
       }
     }
+    return can_split_text_;
   }
 
  private:
@@ -33,6 +35,7 @@ class markup {
 
   // Moves behind the next `end`, which closes the construct that begins here.
   void skip(size_t opening, std::string_view end, const char *what) {
+    can_split_text_ = can_split_text_ || at_ != begin_;  // there the declaration stands
     const size_t found = text_.find(end, at_ + opening);
     if (found == std::string_view::npos) {
       parts_.fail(at_, std::string(what) + " is not closed by '" + std::string(end) + "'");
@@ -127,13 +130,15 @@ class markup {
 
   const document::parts &parts_;
   std::string_view text_;
+  const size_t begin_;
   size_t at_;
+  bool can_split_text_ = false;
 };
 
 }  // namespace
 
-void check_markup(const document::parts &parts, size_t begin) {
-  markup(parts, begin).check();
+bool check_markup(const document::parts &parts, size_t begin) {
+  return markup(parts, begin).check();
 }
 
 }  // namespace yfw

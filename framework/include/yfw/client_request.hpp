@@ -18,6 +18,7 @@ struct client_request {
   bool everything = false;                           // a read without a filter
   std::vector<yfw_node_t *> data;                    // the top-level data nodes, of the document
   uint32_t default_operation = YFW_OPERATION_MERGE;  // no_operation for "none"
+  std::string source;                                // the datastore of a get-config; empty when not given
   // Parameters of an edit, passed on as they are; empty when not given.
   std::string target;
   std::string test_option;

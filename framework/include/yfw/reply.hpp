@@ -17,7 +17,8 @@ enum class content { all, config, nonconfig };
 
 struct reply_options {
   content wanted = content::all;
-  std::vector<std::string> entries;  // keys of the list entries that are wanted; empty: all
+  std::vector<std::string> entries = {};  // keys of the list entries that are wanted; empty: all
+  bool checks_values = true;              // makes values canonical, and notes those that the client's model lacks
 };
 
 struct reply {
@@ -26,8 +27,9 @@ struct reply {
 };
 
 // Lets the plug-in translate native data, with or without `rpc-reply` and `data` around. The data of a value that has
-// no counterpart is left out with a note. Throws `error`, with the place in the document, for top-level data that the
-// modules do not have, for a list entry without its key, for an rpc-error and for whatever the plug-in refuses.
+// no counterpart is left out with a note; one that the client's model does not take is passed on with a note. Throws
+// `error`, with the place in the document, for top-level data that the modules do not have, for a list entry without
+// its key, for an rpc-error and for whatever the plug-in refuses.
 reply translate_reply(document &native, const plugin &mapping, const reply_options &options, trace_log &log);
 
 }  // namespace yfw
