@@ -146,7 +146,7 @@ void add_check(CLI::App &app) {
   CLI::App &command = *app.add_subcommand("check", "Check a plug-in's library before anything in it is called.");
   command.footer(about_check);
   const auto options = std::make_shared<check_options>();
-  command.add_option("PLUGIN", options->library, "the plug-in's shared library")->required();
+  command.add_option("PLUGIN", options->library, "the plug-in's shared library")->required()->check(empty_name_fault);
   add_format(command, options->as_json);
   command.callback([options] { run(*options); });
 }

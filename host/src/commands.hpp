@@ -34,6 +34,12 @@ class usage_error : public std::runtime_error {
 // Thrown when the work failed and the result that was printed says so.
 class failure_reported : public std::exception {};
 
+// The check of options and arguments that name a file, a directory or something in the data, as CLI11 wants it. An
+// empty name, as an unset variable of a script leaves it, would be taken for an option that is not there.
+inline std::string empty_name_fault(const std::string &text) {
+  return text.empty() ? "its value is empty, and names nothing" : "";
+}
+
 // An option whose value is one of a few words.
 template <typename value_t>
 void add_choice(CLI::App &command, const std::string &name, const std::string &help,

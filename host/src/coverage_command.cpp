@@ -1,6 +1,8 @@
+#include <charconv>
 #include <cstdio>
 #include <memory>
 #include <optional>
+#include <system_error>
 
 #include "commands.hpp"
 #include "coverage_reports.hpp"
@@ -32,6 +34,16 @@ struct coverage_options {
   std::optional<double> least_percent;
   std::string older;
 };
+
+// Tells what is wrong with a value, as CLI11 wants it; nothing: it is in order.
+std::string percent_fault(const std::string &text) {
+  double percent = 0;
+  const auto [end, failure] = std::from_chars(text.data(), text.data() + text.size(), percent);
+  // What is not a number is not in the range either.
+  const bool is_percent =
+      failure == std::errc() && end == text.data() + text.size() && percent >= 0.0 && percent <= 100.0;
+  return is_percent ? "" : yfw::quoted(text) + " is not a number from 0 to 100";
+}
 
 std::string report(const coverage_view &view, report_format format) {
   switch (format) {
@@ -95,10 +107,10 @@ void add_coverage(CLI::App &app) {
   CLI::Option *missing = command.add_flag("--missing", options->only_missing, "only leaves that are not wholly mapped");
   command.add_option("--min", options->least_percent, "fail when less than this share of the high model is mapped")
       ->type_name("PERCENT")
-      ->check(CLI::Range(0.0, 100.0));
+      ->check(percent_fault);
   CLI::Option *diff = command.add_option("--diff", options->older,
                                          "print what changed since that JSON report; fail when something was lost");
-  diff->type_name("OLD.json")->excludes(missing);
+  diff->type_name("OLD.json")->excludes(missing)->check(empty_name_fault);
   add_choice<report_format>(
       command, "--format", "a table (default), JSON (docs/json.md) or a page for a browser",
       {{"text", report_format::text}, {"json", report_format::json}, {"html", report_format::html}},

@@ -1,21 +1,59 @@
 #include <rapidjson/document.h>
 
 #include <algorithm>
+#include <array>
 
 #include "coverage_reports.hpp"
+#include "input.hpp"
 #include "yfw/error.hpp"
 
 namespace ymap {
 namespace {
 
 using rapidjson::Value;
+using yfw::mapping_state;
+
+constexpr std::array all_states{mapping_state::mapped,
+                                mapping_state::mapped_to_several,
+                                mapping_state::refused_value,
+                                mapping_state::unmapped_with_error,
+                                mapping_state::unmapped_silently,
+                                mapping_state::not_probed};
 
 std::string entry_name(bool is_high, std::string_view operation, const std::string &path) {
   return (is_high ? "" : "reply ") + std::string(operation) + " " + path;
 }
 
+// The texts with commas between.
+template <typename texts_t>
+std::string listed(const texts_t &texts) {
+  std::string list;
+  for (const auto &text : texts) {
+    list.append(list.empty() ? "" : ", ").append(text);
+  }
+  return list;
+}
+
 bool is_mapped(std::string_view state) {
   return state == word(yfw::mapping_state::mapped) || state == word(yfw::mapping_state::mapped_to_several);
+}
+
+struct effect_text {
+  std::string kind, path;
+  std::optional<std::string> value;
+};
+
+void add_mapped_probe(coverage_entry &entry, const std::optional<std::string> &value,
+                      const std::vector<effect_text> &effects) {
+  if (value) {
+    entry.taken.insert(*value);
+  }
+  std::vector<std::string> results;
+  for (const effect_text &effect : effects) {
+    entry.paths.insert(effect.path);
+    results.push_back(effect.kind + " " + effect.path + (effect.value ? " " + yfw::quoted(*effect.value) : ""));
+  }
+  entry.results[value.value_or("")] = listed(results);
 }
 
 // Walks an older report; whatever has not the expected shape makes it refuse the whole.
@@ -80,6 +118,33 @@ class ledger_reader {
     return {value.GetString(), value.GetStringLength()};
   }
 
+  std::optional<std::string> text_if_any(const Value &object, const char *name) const {
+    return object.HasMember(name) ? std::optional(text(object, name)) : std::nullopt;
+  }
+
+  std::string read_state(const Value &operation, const std::string &name) const {
+    std::string stated = text(operation, "state");
+    std::vector<std::string> known;
+    std::ranges::transform(all_states, std::back_inserter(known),
+                           [](mapping_state each) { return yfw::quoted(word(each)); });
+    if (std::ranges::none_of(all_states, [&](mapping_state each) { return word(each) == stated; })) {
+      refuse("is not a coverage report: " + yfw::quoted(stated) + " of '" + name + "' is not a state, which are " +
+             listed(known));
+    }
+    return stated;
+  }
+
+  void read_probe(const Value &probe, coverage_entry &entry) const {
+    if (!member(probe, "mapped").IsTrue()) {
+      return;
+    }
+    std::vector<effect_text> effects;
+    for (const Value &effect : array(probe, "effects")) {
+      effects.push_back({text(effect, "kind"), text(effect, "path"), text_if_any(effect, "value")});
+    }
+    add_mapped_probe(entry, text_if_any(probe, "value"), effects);
+  }
+
   void read_row(const Value &row, bool is_high) {
     const std::string path = text(row, "path");
     const Value &operations = member(row, "operations");
@@ -87,13 +152,18 @@ class ledger_reader {
       refuse("is not a coverage report: 'operations' is not an object");
     }
     for (const auto &operation : operations.GetObject()) {
-      coverage_entry &entry = ledger_[entry_name(is_high, operation.name.GetString(), path)];
-      entry.state = text(operation.value, "state");
+      const std::string name = entry_name(is_high, operation.name.GetString(), path);
+      coverage_entry &entry = ledger_[name];
+      entry.state = read_state(operation.value, name);
       entry.is_mapped = is_mapped(entry.state);
-      for (const Value &probe : array(operation.value, "probes")) {
-        if (member(probe, "mapped").IsTrue() && probe.HasMember("value")) {
-          entry.taken.insert(text(probe, "value"));
+      for (const Value &reached : array(operation.value, "paths")) {
+        if (!reached.IsString()) {
+          refuse("is not a coverage report: 'paths' of '" + name + "' holds what is not a text");
         }
+        entry.paths.insert(reached.GetString());
+      }
+      for (const Value &probe : array(operation.value, "probes")) {
+        read_probe(probe, entry);
       }
     }
   }
@@ -103,26 +173,59 @@ class ledger_reader {
   coverage_ledger ledger_;
 };
 
+void add_probe(coverage_entry &entry, const yfw::leaf_probe &probe) {
+  std::vector<effect_text> effects;
+  for (const yfw::probe_effect &effect : probe.effects) {
+    effects.push_back({std::string(word(effect.kind)), yfw::qualified_path(effect.node), effect.value});
+  }
+  if (probe.is_mapped()) {
+    add_mapped_probe(entry, probe.value, effects);
+  }
+}
+
 void add_rows(coverage_ledger &ledger, const std::vector<yfw::coverage_row> &rows, bool is_high) {
   for (const yfw::coverage_row &row : rows) {
     for (const yfw::coverage_cell &cell : row.cells) {
-      coverage_entry entry{cell.is_mapped(), std::string(word(cell.state)), {}};
+      coverage_entry entry{cell.is_mapped(), std::string(word(cell.state)), {}, {}, {}};
       for (const yfw::leaf_probe &probe : cell.probes) {
-        if (probe.is_mapped() && probe.value) {
-          entry.taken.insert(*probe.value);
-        }
+        add_probe(entry, probe);
       }
       ledger.emplace(entry_name(is_high, word(cell.operation), yfw::qualified_path(row.leaf)), std::move(entry));
     }
   }
 }
 
-// The values of `all` that are not in `known`, in quotes.
+// Those of `all` that are not in `known`.
+std::vector<std::string> beside(const std::set<std::string> &all, const std::set<std::string> &known) {
+  std::vector<std::string> others;
+  std::ranges::set_difference(all, known, std::back_inserter(others));
+  return others;
+}
+
 std::string new_values(const std::set<std::string> &all, const std::set<std::string> &known) {
+  std::vector<std::string> values = beside(all, known);
+  std::ranges::transform(values, values.begin(), [](const std::string &value) { return yfw::quoted(value); });
+  return listed(values);
+}
+
+// How what was mapped before and still is differs: by the paths that are reached or, when these are the same, by what
+// values become there.
+std::string otherwise_mapped(const coverage_entry &older, const coverage_entry &newer) {
+  if (older.state != newer.state && (older.paths.empty() || newer.paths.empty())) {
+    return "";
+  }
+  const std::string left = listed(beside(older.paths, newer.paths));
+  const std::string reached = listed(beside(newer.paths, older.paths));
   std::string text;
-  for (const std::string &value : all) {
-    if (!known.contains(value)) {
-      text += (text.empty() ? "" : ", ") + yfw::quoted(value);
+  text += left.empty() ? "" : ", no longer reaches " + left;
+  text += reached.empty() ? "" : ", now reaches " + reached;
+  if (!text.empty()) {
+    return text;
+  }
+  for (const auto &[value, before] : older.results) {
+    if (const auto now = newer.results.find(value); now != newer.results.end() && now->second != before) {
+      text += (value.empty() ? ", now does " : ", " + yfw::quoted(value) + " now does ") + now->second +
+              " in place of " + before;
     }
   }
   return text;
@@ -134,14 +237,15 @@ void compare_entry(const std::string &name, const coverage_entry &older, const c
   const bool still_whole = older.is_mapped && newer.is_mapped;
   const std::string lost = still_whole ? "" : new_values(older.taken, newer.taken);
   const std::string gained = still_whole ? "" : new_values(newer.taken, older.taken);
-  if (older.state == newer.state && lost.empty() && gained.empty()) {
+  const std::string otherwise = otherwise_mapped(older, newer);
+  if (older.state == newer.state && lost.empty() && gained.empty() && otherwise.empty()) {
     return;
   }
   std::string line = name + ": ";
   line += older.state == newer.state ? newer.state : older.state + " -> " + newer.state;
   line += lost.empty() ? "" : ", no longer takes " + lost;
   line += gained.empty() ? "" : ", now takes " + gained;
-  changes.lines.push_back(line);
+  changes.lines.push_back(escaped(line + otherwise));
   changes.lost = changes.lost || (older.is_mapped && !newer.is_mapped) || !lost.empty();
 }
 
@@ -164,7 +268,7 @@ coverage_changes compare(const coverage_ledger &older, const coverage_ledger &ne
     if (const auto now = newer.find(name); now != newer.end()) {
       compare_entry(name, before, now->second, changes);
     } else {
-      changes.lines.push_back(name + ": " + before.state + " -> no longer in the modules");
+      changes.lines.push_back(escaped(name + ": " + before.state + " -> no longer in the modules"));
       changes.lost = changes.lost || before.is_mapped || !before.taken.empty();
     }
   }

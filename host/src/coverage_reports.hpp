@@ -33,18 +33,21 @@ struct coverage_entry {
   bool is_mapped;
   std::string state;
   std::set<std::string> taken;  // the values that reach a path; empty where no values are tried
+  std::set<std::string> paths;  // that are reached
+  // Of mapped probes, by value, or "" where none is tried: "set /path 'full'".
+  std::map<std::string, std::string> results;
 };
 using coverage_ledger = std::map<std::string, coverage_entry>;  // by "set /path" or "reply get /path"
 
 coverage_ledger ledger_of(const yfw::coverage &measured);
 
 // Reads what `coverage_as_json` wrote. `file` is for messages. Throws `yfw::error` for anything else, also for a report
-// of missing leaves only, which tells nothing of the others.
+// of missing leaves only, which tells nothing of the others, and for a state that no report has.
 coverage_ledger read_ledger(const std::string &text, const std::string &file);
 
 struct coverage_changes {
-  std::vector<std::string> lines;
-  bool lost = false;  // something that was mapped no longer is
+  std::vector<std::string> lines;  // also of what is mapped otherwise than before
+  bool lost = false;               // something that was mapped no longer is
 };
 
 coverage_changes compare(const coverage_ledger &older, const coverage_ledger &newer);

@@ -68,6 +68,18 @@ std::string default_name(const yfw::plugin &plugin) {
   throw yfw::error("the plug-in serves no requests, so that there is nothing to deviate from");
 }
 
+// A module with the name or namespace of one that is in force could not be loaded beside it.
+void require_new_module(const yfw::deviation_module_names &names, const yfw::schema &modules) {
+  if (!names.name.empty() && !modules.ns_of_module(names.name).empty()) {
+    throw usage_error("--name: a module " + yfw::quoted(names.name) + " is there already, and could not deviate from " +
+                      "itself; '" + names.name + "-deviations' would be a name");
+  }
+  if (const std::string_view module = modules.module_of_ns(names.ns); !module.empty()) {
+    throw usage_error("--namespace: " + yfw::quoted(names.ns) + " is that of the module '" + std::string(module) +
+                      "' already; '" + names.ns + "-deviations' would be one");
+  }
+}
+
 void require_no_refusal(const yfw::deviations &plan) {
   for (const std::string &refused : plan.refused) {
     std::cerr << "ymap: " << refused << '\n';
@@ -94,6 +106,7 @@ void require_no_drift(const deviations_options &options, const yfw::deviations &
 
 void run(const deviations_options &options) {
   setup with(options.setup);
+  require_new_module(options.names, with.schema());
   const yfw::coverage measured = measure(with);
   yfw::deviations plan = plan_deviations(measured, with.schema());
   if (options.leave_out) {
@@ -120,19 +133,24 @@ void add_deviations(CLI::App &app) {
   command.footer(about_deviations);
   const auto options = std::make_shared<deviations_options>();
   add_setup(command, options->setup);
-  command.add_option("--name", options->names.name, "of the module (default: that of the served one, -deviations)")
-      ->type_name("NAME")
-      ->check(identifier_fault);
-  command.add_option("--namespace", options->names.ns, "of the module (default: urn:ymap:NAME)")
-      ->type_name("URI")
-      ->check(uri_fault);
-  command
-      .add_option("--revision", options->names.revision,
-                  "of the module (default: the newest of the modules that it deviates)")
-      ->type_name("DATE")
-      ->check(date_fault);
+  CLI::Option *name =
+      command.add_option("--name", options->names.name, "of the module (default: that of the served one, -deviations)")
+          ->type_name("NAME")
+          ->check(identifier_fault);
+  CLI::Option *ns = command.add_option("--namespace", options->names.ns, "of the module (default: urn:ymap:NAME)")
+                        ->type_name("URI")
+                        ->check(uri_fault);
+  CLI::Option *revision = command
+                              .add_option("--revision", options->names.revision,
+                                          "of the module (default: the newest of the modules that it deviates)")
+                              ->type_name("DATE")
+                              ->check(date_fault);
   command.add_option("--check", options->check, "compare that module with what was measured; fail when it differs")
-      ->type_name("FILE");
+      ->type_name("FILE")
+      ->check(empty_name_fault)
+      ->excludes(name)
+      ->excludes(ns)
+      ->excludes(revision);
   command.add_flag("--leave-out", options->leave_out, "leave out what would break the model, and say so in the module");
   command.callback([options] { run(*options); });
 }

@@ -13,7 +13,8 @@ void add_device_options(CLI::App &command, device_options &options, const std::s
       .add_option("--device", options.device,
                   "the device: a file of native data, XML or JSON, configuration and operational")
       ->required()
-      ->type_name("FILE");
+      ->type_name("FILE")
+      ->check(empty_name_fault);
   add_setup(command, options.setup);
   add_choice<yfw::data_format>(command, "--to", about_to,
                                {{"xml", yfw::data_format::xml}, {"json", yfw::data_format::json}},
@@ -24,6 +25,8 @@ void work_on_device(const device_options &options, const std::function<void(setu
   setup with(options.setup);
   try {
     work(with);
+  } catch (const output_error &) {
+    throw;
   } catch (const yfw::error &fault) {
     if (!options.to) {
       throw;

@@ -40,21 +40,22 @@ struct edit_options {
   device_options on;
 };
 
-// "+ path value", "- path value", "~ path old -> new".
+// "+ path value", "- path value", "~ path old -> new", each in one line whatever they hold.
 std::string line(const yfw::device_change &change) {
   std::string text = (!change.before ? "+ " : !change.after ? "- " : "~ ") + change.path;
   text += change.before && !change.before->empty() ? " " + *change.before : "";
   text += change.before && change.after ? " ->" : "";
   text += change.after && !change.after->empty() ? " " + *change.after : "";
-  return text + '\n';
+  return escaped(text) + '\n';
 }
 
-void print(const std::vector<yfw::device_change> &changes) {
+// `done` is what is so even if they cannot be printed.
+void print(const std::vector<yfw::device_change> &changes, const std::string &done) {
   std::string text;
   for (const yfw::device_change &change : changes) {
     text += line(change);
   }
-  write_result(text);
+  write_result(text, done);
 }
 
 // Opens the device, lets `edit` work on it and keeps what comes of it. Locked, it is nobody else's meanwhile.
@@ -68,7 +69,7 @@ void edit_device(const edit_options &options, bool is_dry, const setup &with,
   }
   write_notes(outcome.notes);
   if (is_dry || options.is_verbose) {
-    print(outcome.changes);
+    print(outcome.changes, is_dry ? "" : "the device " + yfw::quoted(options.on.device) + " has been changed");
   }
 }
 
@@ -112,7 +113,7 @@ void add_set(CLI::App &app) {
   CLI::App &command = *app.add_subcommand("set", "Write a leaf of the client's model to the device.");
   command.footer(about_set);
   const auto options = std::make_shared<edit_options>();
-  command.add_option("PATH", options->what, "the leaf")->required()->type_name("");
+  command.add_option("PATH", options->what, "the leaf")->required()->type_name("")->check(empty_name_fault);
   command.add_option("VALUE", options->value, "its value")->required()->type_name("");
   add_operation(command, *options, "merge (default), replace, or create, which fails when the leaf is there",
                 {{"merge", YFW_OPERATION_MERGE}, {"replace", YFW_OPERATION_REPLACE}, {"create", YFW_OPERATION_CREATE}});
@@ -125,7 +126,10 @@ void add_delete(CLI::App &app) {
   command.footer(about_delete);
   const auto options = std::make_shared<edit_options>();
   options->operation = YFW_OPERATION_DELETE;
-  command.add_option("PATH", options->what, "the leaf or container")->required()->type_name("");
+  command.add_option("PATH", options->what, "the leaf or container")
+      ->required()
+      ->type_name("")
+      ->check(empty_name_fault);
   add_operation(command, *options, "delete (default), or remove, which does not mind when nothing is there",
                 {{"delete", YFW_OPERATION_DELETE}, {"remove", YFW_OPERATION_REMOVE}});
   add_edit_options(command, *options);
@@ -136,7 +140,7 @@ void add_edit(CLI::App &app) {
   CLI::App &command = *app.add_subcommand("edit", "Carry out an edit-config on the device.");
   command.footer(about_edit);
   const auto options = std::make_shared<edit_options>();
-  command.add_option("FILE", options->what, "the edit, '-' for standard input")->required();
+  command.add_option("FILE", options->what, "the edit, '-' for standard input")->required()->check(empty_name_fault);
   add_edit_options(command, *options);
   command.callback([options] { run_on_file(*options); });
 }

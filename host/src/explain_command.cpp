@@ -39,7 +39,7 @@ void add_explain(CLI::App &app) {
   CLI::App &command = *app.add_subcommand("explain", "Show what a mapping does with one leaf, and by which functions.");
   command.footer(about_explain);
   const auto options = std::make_shared<explain_command_options>();
-  command.add_option("PATH", options->path, "the leaf")->required();
+  command.add_option("PATH", options->path, "the leaf")->required()->check(empty_name_fault);
   add_setup(command, options->setup);
   add_choice<std::string_view>(command, "--op", "only this operation (default: all three)",
                                {{"get", "get"}, {"set", "set"}, {"delete", "delete"}},

@@ -2,6 +2,7 @@
 #include <sstream>
 
 #include "explain_reports.hpp"
+#include "input.hpp"
 #include "yfw/node.hpp"
 
 namespace ymap {
@@ -24,11 +25,11 @@ class text_report {
   explicit text_report(const yfw::explanation &told) : told_(told) {}
 
   std::string text() {
-    out_ << told_.path << '\n';
+    out_ << escaped(told_.path) << '\n';
     out_ << "  " << (yfw::is_config(told_.leaf) ? "configuration" : "operational state") << ", of module "
          << yfw::module_name(told_.leaf) << '\n';
     for (const std::string &key : told_.made_up_keys) {
-      out_ << "  made up: " << key << '\n';
+      out_ << "  made up: " << escaped(key) << '\n';
     }
     for (const yfw::explained_request &request : told_.requests) {
       add_request(request);
@@ -68,7 +69,8 @@ class text_report {
       out_ << "    but replies report it of " << leaf << '\n';
     }
     for (const yfw::native_call &call : request.calls) {
-      out_ << "  " << (request.refusal.empty() ? "native: " : "the walk gave: ") << word(call) << ' ' << call.path();
+      out_ << "  " << (request.refusal.empty() ? "native: " : "the walk gave: ") << word(call) << ' '
+           << escaped(call.path());
       if (call.value) {
         out_ << " = " << yfw::quoted(*call.value);
       }
@@ -122,11 +124,11 @@ class text_report {
     out_ << "  a client reads:" << (added.empty() && gone.empty() ? " nothing else than before\n" : "\n");
     for (const yfw::reported_leaf &leaf : gone) {
       const bool is_changed = std::ranges::find(added, leaf.path, &yfw::reported_leaf::path) != added.end();
-      out_ << "    " << (is_changed ? "no longer " : "no more ") << leaf.path << " = " << yfw::quoted(leaf.value)
-           << '\n';
+      out_ << "    " << (is_changed ? "no longer " : "no more ") << escaped(leaf.path) << " = "
+           << yfw::quoted(leaf.value) << '\n';
     }
     for (const yfw::reported_leaf &leaf : added) {
-      out_ << "    " << leaf.path << " = " << yfw::quoted(leaf.value) << '\n';
+      out_ << "    " << escaped(leaf.path) << " = " << yfw::quoted(leaf.value) << '\n';
     }
   }
 
@@ -136,7 +138,7 @@ class text_report {
       out_ << "  refused: " << reply.refusal << '\n';
     }
     for (const yfw::reported_leaf &leaf : reply.reported) {
-      out_ << "  " << leaf.path << " = " << yfw::quoted(leaf.value) << '\n';
+      out_ << "  " << escaped(leaf.path) << " = " << yfw::quoted(leaf.value) << '\n';
     }
     if (reply.reported.empty() && reply.refusal.empty()) {
       out_ << "  reports nothing\n";

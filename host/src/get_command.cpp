@@ -86,9 +86,10 @@ void add_get(CLI::App &app) {
   CLI::App &command = *app.add_subcommand("get", "Read from the device in the client's model.");
   command.footer(about_get);
   const auto options = std::make_shared<get_options>();
-  command.add_option("XPATH", options->xpath, "what to read")->type_name("");
+  command.add_option("XPATH", options->xpath, "what to read")->type_name("")->check(empty_name_fault);
   command.add_option("--filter", options->filter, "a subtree filter instead, '-' for standard input")
-      ->type_name("FILE");
+      ->type_name("FILE")
+      ->check(empty_name_fault);
   add_device_options(command, options->on, "format of the result (default: that of the filter, else xml)");
   add_choice<yfw::client_operation>(
       command, "--operation", "what is read (default: get)",

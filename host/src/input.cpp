@@ -90,10 +90,28 @@ bool text_file::seek(size_t offset) {
   return begin_ >= 0 && ::lseek(descriptor_, place, SEEK_SET) == place;
 }
 
-void write_result(const std::string &text) {
+std::string escaped(std::string_view text) {
+  constexpr std::string_view digits = "0123456789abcdef";
+  std::string result;
+  for (const char c : text) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (c == '\\') {
+      result += "\\\\";
+    } else if (c == '\t' || c == '\n' || c == '\r') {
+      result += c == '\t' ? "\\t" : c == '\n' ? "\\n" : "\\r";
+    } else if (byte < 0x20 || byte == 0x7f) {
+      result += {'\\', 'x', digits[byte / 16], digits[byte % 16]};
+    } else {
+      result += c;
+    }
+  }
+  return result;
+}
+
+void write_result(const std::string &text, const std::string &done) {
   std::cout.write(text.data(), static_cast<std::streamsize>(text.size())).flush();
   if (!std::cout) {
-    throw yfw::error("standard output cannot be written");
+    throw output_error("standard output cannot be written" + (done.empty() ? "" : "; " + done));
   }
 }
 

@@ -4,8 +4,10 @@
 #include <sys/types.h>
 
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "yfw/error.hpp"
 #include "yfw/progress.hpp"
 #include "yfw/reply_stream.hpp"
 
@@ -39,8 +41,18 @@ class text_file : public yfw::text_source {
 // How messages call it.
 std::string display_name(const std::string &file);
 
-// Writes a result to standard output. Throws `yfw::error` when that fails.
-void write_result(const std::string &text);
+// `text` with control characters as \t, \n, \r or \xHH and a backslash as two, so that it stays within its line and
+// column, and nothing else reads the same. For output that is told by lines; XML and JSON have their own way.
+std::string escaped(std::string_view text);
+
+// Thrown when standard output cannot be written, so that nothing more can be told there.
+class output_error : public yfw::error {
+ public:
+  using yfw::error::error;
+};
+
+// Writes a result to standard output. Throws `output_error` when that fails, which then tells what was `done` already.
+void write_result(const std::string &text, const std::string &done = {});
 
 // Writes one line a note to standard error.
 void write_notes(const std::vector<std::string> &notes);

@@ -46,7 +46,7 @@ class plan_report {
     size_t number = 0;
     for (const yfw::native_call &call : plan_.request.calls) {
       out << std::setw(2) << ++number << ". " << std::left << std::setw(8) << operation(call) << std::right
-          << call.path();
+          << escaped(call.path());
       if (call.value) {
         out << " = " << yfw::quoted(*call.value);
       }
@@ -55,7 +55,7 @@ class plan_report {
     out << (number == 0 ? "no native edits\n" : "");
     out << "native reads needed:" << (plan_.reads.empty() ? " none\n" : "\n");
     for (const yfw::needed_read &read : plan_.reads) {
-      out << "    read    " << read.path << "\n    for     " << reason(read) << '\n';
+      out << "    read    " << escaped(read.path) << "\n    for     " << escaped(reason(read)) << '\n';
     }
     return out.str();
   }
@@ -105,7 +105,7 @@ class plan_report {
       return "the request as a whole";
     }
     const plan_cause cause = cause_of(call);
-    std::string text = cause.where.path + (cause.value != nullptr ? " = " + yfw::quoted(cause.value) : "");
+    std::string text = escaped(cause.where.path) + (cause.value != nullptr ? " = " + yfw::quoted(cause.value) : "");
     text += (cause.is_whole ? "  (implied by " : "  (") + std::string(cause.operation) + ", ";
     return text + cause.where.file + ":" + std::to_string(cause.where.line) + ")";
   }
@@ -161,7 +161,7 @@ void add_plan(CLI::App &app) {
   CLI::App &command = *app.add_subcommand("plan", "Show the native edits that an edit causes, and all its problems.");
   command.footer(about_plan);
   const auto options = std::make_shared<plan_options>();
-  command.add_option("FILE", options->file, "the edit, '-' for standard input")->required();
+  command.add_option("FILE", options->file, "the edit, '-' for standard input")->required()->check(empty_name_fault);
   add_setup(command, options->setup);
   add_format(command, options->as_json);
   command.callback([options] { run(*options); });

@@ -61,7 +61,9 @@ void add_record(CLI::App &app) {
   CLI::App &command = *app.add_subcommand("record", "Run a command and capture what the plug-in does.");
   command.footer(about_record);
   const auto options = std::make_shared<record_options>();
-  command.add_option("DIR", options->directory, "where the captures go; made if missing")->required();
+  command.add_option("DIR", options->directory, "where the captures go; made if missing")
+      ->required()
+      ->check(empty_name_fault);
   command.add_flag("--anonymise", options->is_anonymous,
                    "replace names of list entries, MAC and IP addresses, everywhere alike");
   command.add_option("COMMAND", options->command, "after '--': a command of ymap with its arguments")

@@ -138,11 +138,16 @@ void add_replay(CLI::App &app) {
   CLI::App &command = *app.add_subcommand("replay", "Replay captures and name the first difference.");
   command.footer(about_replay);
   const auto options = std::make_shared<replay_options>();
-  command.add_option("DIR", options->from, "directories of captures, or single ones")->required();
+  command.add_option("DIR", options->from, "directories of captures, or single ones")
+      ->required()
+      ->check(empty_name_fault);
   command.add_option("--plugin", options->plugin, "the mapping's shared library instead of the built or installed one")
-      ->type_name("PATH");
-  command.add_option("--old", options->old_build, "a build to compare with another one")->type_name("PATH");
-  command.add_option("--new", options->new_build, "the other one")->type_name("PATH");
+      ->type_name("PATH")
+      ->check(empty_name_fault);
+  command.add_option("--old", options->old_build, "a build to compare with another one")
+      ->type_name("PATH")
+      ->check(empty_name_fault);
+  command.add_option("--new", options->new_build, "the other one")->type_name("PATH")->check(empty_name_fault);
   command.callback([options] { run(*options); });
 }
 

@@ -41,7 +41,9 @@ void add_reply(CLI::App &app) {
   CLI::App &command = *app.add_subcommand("reply", "Turn native data into OpenConfig data.");
   command.footer(about_reply);
   const auto options = std::make_shared<reply_command_options>();
-  command.add_option("FILE", options->file, "the native data, '-' for standard input")->required();
+  command.add_option("FILE", options->file, "the native data, '-' for standard input")
+      ->required()
+      ->check(empty_name_fault);
   add_setup(command, options->setup);
   add_choice<yfw::data_format>(command, "--to", "format of the result (default: that of the input)",
                                {{"xml", yfw::data_format::xml}, {"json", yfw::data_format::json}},
@@ -52,6 +54,7 @@ void add_reply(CLI::App &app) {
       [options](yfw::content content) { options->stream.reply.wanted = content; });
   command.add_option("--interface", options->stream.reply.entries, "only this interface; repeatable")
       ->type_name("NAME")
+      ->check(empty_name_fault)
       ->allow_extra_args(false);
   command
       .add_option("-j,--jobs", options->stream.jobs,

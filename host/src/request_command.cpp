@@ -13,7 +13,9 @@ namespace {
 
 constexpr const char *about_request =
     "FILE is XML or RFC 7951 JSON, '-' for standard input: a NETCONF <rpc> with <get>,\n"
-    "<get-config> (subtree filter) or <edit-config>, or a bare data tree with --operation.\n\n"
+    "<get-config> (subtree filter) or <edit-config>, or a bare data tree with --operation.\n"
+    "--to paths prints kind, path, namespace and value, if any, of a native node in a line, with\n"
+    "tabs between them. In these, control characters are \\t, \\n, \\r or \\xHH, and \\ is \\\\.\n\n"
     "Examples:\n"
     "  ymap request examples/set-speed.xml\n"
     "  ymap request --to paths --operation get examples/get-ethernet.json\n"
@@ -40,13 +42,13 @@ const char *word(yfw::call_kind kind) {
   return "read";
 }
 
-// Kind, path, namespace and value, if any, between tabs.
+// Kind, path, namespace and value, if any, between tabs, which none of them holds.
 std::string as_paths(const yfw::native_request &request) {
   std::ostringstream text;
   for (const yfw::native_call &call : request.calls) {
-    text << word(call.kind) << '\t' << call.path() << '\t' << yfw::ns(call.steps.back().node);
+    text << word(call.kind) << '\t' << escaped(call.path()) << '\t' << yfw::ns(call.steps.back().node);
     if (call.value) {
-      text << '\t' << *call.value;
+      text << '\t' << escaped(*call.value);
     }
     text << '\n';
   }
@@ -65,7 +67,10 @@ std::vector<yfw::wrapper> envelope(const yfw::client_request &client) {
   yfw::wrapper edit = netconf_element("edit-config");
   edit.before.push_back(netconf_element("target"));
   edit.before.back().before.push_back(netconf_element(client.target.empty() ? "running" : client.target));
-  // The default operation is used up: what it means for a leaf stands in that leaf's native edit.
+  // What "none" means for leaves is used up; for the entries around them it is not.
+  if (client.default_operation == yfw::no_operation) {
+    edit.before.push_back(netconf_element("default-operation", "none"));
+  }
   if (!client.test_option.empty()) {
     edit.before.push_back(netconf_element("test-option", client.test_option));
   }
@@ -78,10 +83,11 @@ std::vector<yfw::wrapper> envelope(const yfw::client_request &client) {
 std::string as_data(const yfw::native_request &request, const yfw::schema &schema, output_format format) {
   const yfw::data_tree tree = native_tree(request, schema);
   std::ostringstream text;
+  const uint32_t default_operation = request.client.default_operation;
   if (format == output_format::json) {
-    write_json(text, tree);
+    write_json(text, tree, {.default_operation = default_operation});
   } else {
-    write_xml(text, tree, {.wrappers = envelope(request.client)});
+    write_xml(text, tree, {.wrappers = envelope(request.client), .default_operation = default_operation});
   }
   return text.str();
 }
@@ -118,7 +124,7 @@ void add_request(CLI::App &app) {
   CLI::App &command = *app.add_subcommand("request", "Turn a client's request into native paths.");
   command.footer(about_request);
   const auto options = std::make_shared<request_options>();
-  command.add_option("FILE", options->file, "the request, '-' for standard input")->required();
+  command.add_option("FILE", options->file, "the request, '-' for standard input")->required()->check(empty_name_fault);
   add_setup(command, options->setup);
   add_choice<yfw::client_operation>(command, "--operation", "what a bare data tree asks for",
                                     {{"get", yfw::client_operation::get},

@@ -172,7 +172,9 @@ void add_roundtrip(CLI::App &app) {
   command.footer(about_roundtrip);
   const auto options = std::make_shared<roundtrip_options>();
   add_setup(command, options->setup);
-  command.add_option("--allow", options->allow, "known losses instead of those beside the plug-in")->type_name("FILE");
+  command.add_option("--allow", options->allow, "known losses instead of those beside the plug-in")
+      ->type_name("FILE")
+      ->check(empty_name_fault);
   add_format(command, options->as_json);
   command.callback([options] { run(*options); });
 }

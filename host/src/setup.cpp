@@ -5,6 +5,7 @@
 #include <iostream>
 #include <system_error>
 
+#include "commands.hpp"
 #include "terminal.hpp"
 #include "yfw/error.hpp"
 
@@ -47,9 +48,11 @@ fs::path plugin_library(const std::string &named) {
 
 void add_setup(CLI::App &command, setup_options &options) {
   command.add_option("--plugin", options.plugin, "the mapping's shared library instead of the built or installed one")
-      ->type_name("PATH");
+      ->type_name("PATH")
+      ->check(empty_name_fault);
   command.add_option("--yang", options.yang, "directory of YANG modules instead of the shipped ones; repeatable")
       ->type_name("DIR")
+      ->check(empty_name_fault)
       ->allow_extra_args(false);
   command.add_flag("--trace", options.trace, "print the mapping's short-form trace lines to standard error");
   command.add_flag("--ring", options.ring, "print its long-form lines, with function and line, to standard error");
@@ -58,7 +61,9 @@ void add_setup(CLI::App &command, setup_options &options) {
 setup::setup(const setup_options &options)
     : trace_(options.trace ? &std::cerr : nullptr, options.ring),
       schema_(yfw::schema::load(yang_directories(options))),
-      plugin_(yfw::plugin::load(plugin_library(options.plugin))) {}
+      plugin_(yfw::plugin::load(plugin_library(options.plugin))) {
+  check_manifest(plugin_.description(), schema_, yfw::manifest::beside(plugin_.library()));
+}
 
 setup::~setup() {
   trace_.print_ring(std::cerr);

@@ -30,8 +30,8 @@ std::filesystem::path plugin_library(const std::string &named);
 
 class setup {
  public:
-  // Loads what the options name. By default that is the plug-in and the modules beside this program's own installation
-  // or build.
+  // Loads what the options name, and checks that the plug-in's manifest goes with the modules. By default that is the
+  // plug-in and the modules beside this program's own installation or build.
   explicit setup(const setup_options &options);
   // Prints the ring.
   ~setup();
