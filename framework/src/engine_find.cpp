@@ -1,6 +1,7 @@
 // Evaluates XPath expressions with libyang.
 #include <libyang/libyang.h>
 
+#include <array>
 #include <memory>
 
 #include "engine_parts.hpp"
@@ -72,7 +73,7 @@ class lyd_copy {
     const std::string tag(node.tag);
     const lys_module *module = node.schema->module;
     if (is_list(node.schema)) {
-      return lyd_new_list2(parent, module, tag.c_str(), keys_of(node).c_str(), 0, copy);
+      return make_entry(node, parent, copy);
     }
     if (!is_leaf(node.schema) && !is_leaf_list(node.schema)) {
       return lyd_new_inner(parent, module, tag.c_str(), 0, copy);
@@ -91,14 +92,24 @@ class lyd_copy {
     return (module.empty() ? "" : std::string(module) + ":") + std::string(value);
   }
 
-  std::string keys_of(const data_node &entry) const {
-    std::string text;
-    for (const data_node *below = entry.first_child; below != nullptr; below = below->next) {
-      if (is_key(below->schema)) {
-        text += "[" + std::string(below->tag) + "=" + key_literal(value_of(*below)) + "]";
+  // libyang takes the values of as many keys as the list has. No predicate could hold a value with both kinds of
+  // quotes.
+  LY_ERR make_entry(const data_node &entry, lyd_node *parent, lyd_node **copy) const {
+    std::array<std::string, 8> values;
+    size_t count = 0;
+    for (const std::string_view key : keys(entry.schema)) {
+      for (const data_node *below = entry.first_child; below != nullptr; below = below->next) {
+        if (below->tag == key && is_key(below->schema) && count < values.size()) {
+          values[count++] = value_of(*below);
+        }
       }
     }
-    return text;
+    if (count != keys(entry.schema).size()) {
+      return LY_EINVAL;
+    }
+    return lyd_new_list(parent, entry.schema->module, std::string(entry.tag).c_str(), 0, copy, values[0].c_str(),
+                        values[1].c_str(), values[2].c_str(), values[3].c_str(), values[4].c_str(), values[5].c_str(),
+                        values[6].c_str(), values[7].c_str());
   }
 
   const schema &modules_;

@@ -21,6 +21,7 @@ struct open_element {
   pugi::xml_node next;        // the child to look at next
   size_t outer_declarations;  // how many declarations are in scope around the element
   const char *text = nullptr;
+  bool is_in_filter = false;  // a filter, or inside one
   bool has_elements = false;
 };
 
@@ -77,7 +78,8 @@ class xml_reader {
       read_attributes(element);
     }
     const char *value = element.value();
-    open_.push_back({element.first_child(), outer, *value != '\0' ? value : nullptr});
+    const bool is_filter = is_envelope(builder_.current()) && std::string_view(tag) == "filter";
+    open_.push_back({element.first_child(), outer, *value != '\0' ? value : nullptr, is_filter || is_in_filter()});
   }
 
   void close() {
@@ -176,10 +178,32 @@ class xml_reader {
       return namespace_of({element.name(), static_cast<size_t>(tag - element.name() - 1)}, offset);
     }
     const char *ns = in_scope("");
+    if ((ns == nullptr || *ns == '\0') && is_in_filter()) {
+      return any_namespace(tag, offset);
+    }
     if (ns == nullptr || *ns == '\0') {
       builder_.fail(offset, quoted(tag) + " is in no namespace" + declaration_hint(tag));
     }
     return ns;
+  }
+
+  bool is_in_filter() const {
+    return !open_.empty() && open_.back().is_in_filter;
+  }
+
+  // In a filter a name without namespace is that of any module (RFC 6241, section 6.2.1). It must be one's only.
+  const char *any_namespace(std::string_view tag, size_t offset) {
+    const yfw_node_t &above = builder_.current();
+    std::vector<const lysc_node *> known;
+    if (is_envelope(above) || extra(above).schema != nullptr) {
+      known = parts_.modules->children(extra(above).schema);
+    }
+    std::erase_if(known, [&](const lysc_node *node) { return name(node) != tag; });
+    if (known.size() != 1) {
+      builder_.fail(offset, quoted(tag) + " is in no namespace, and " +
+                                (known.empty() ? "no module has" : "several modules have") + " such a node there");
+    }
+    return ns(known.front()).data();
   }
 
   // What would have been right, when just one module has such a node at the top.
