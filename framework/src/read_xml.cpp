@@ -285,7 +285,14 @@ void parse(document::parts &parts, size_t begin, bool may_split_text) {
 }
 
 // A document is in UTF-8 whatever it says (RFC 6241, section 3); one that says something else is not meant so.
-void check_declaration(const document::parts &parts, pugi::xml_node declaration) {
+void check_declaration(const document::parts &parts, size_t begin, pugi::xml_node declaration) {
+  const auto offset = static_cast<size_t>(declaration.name() - parts.text.data());
+  if (offset != begin + std::strlen("<?")) {
+    parts.fail(offset, "an XML declaration stands at the very beginning");
+  }
+  if (const std::string version = declaration.attribute("version").as_string(); version != "1.0") {
+    parts.fail(offset, "XML version " + yfw::quoted(version) + " is not '1.0'");
+  }
   const std::string encoding = declaration.attribute("encoding").as_string("UTF-8");
   const auto is_same = [](char a, char b) { return (a | 0x20) == (b | 0x20); };
   if (!std::ranges::equal(encoding, std::string_view("utf-8"), is_same)) {
@@ -293,11 +300,11 @@ void check_declaration(const document::parts &parts, pugi::xml_node declaration)
   }
 }
 
-pugi::xml_node single_root(const document::parts &parts) {
+pugi::xml_node single_root(const document::parts &parts, size_t begin) {
   pugi::xml_node root;
   for (const pugi::xml_node node : parts.xml.children()) {
     if (node.type() == pugi::node_declaration) {
-      check_declaration(parts, node);
+      check_declaration(parts, begin, node);
     } else if (node.type() != pugi::node_element) {
       if (!is_blank(std::string_view(node.value()))) {
         parts.fail(static_cast<size_t>(node.value() - parts.text.data()),
@@ -320,7 +327,7 @@ pugi::xml_node single_root(const document::parts &parts) {
 
 void read_xml(document::parts &parts, size_t begin) {
   parse(parts, begin, check_markup(parts, begin));
-  xml_reader(parts).read(single_root(parts));
+  xml_reader(parts).read(single_root(parts, begin));
 }
 
 }  // namespace yfw
