@@ -57,7 +57,7 @@ std::map<std::string, module_file> module_files(const std::vector<fs::path> &dir
       throw error({directory.string()}, "cannot be read as a directory of YANG modules: " + code.message());
     }
     for (const fs::directory_entry &file : files) {
-      if (file.path().extension() != ".yang" || is_submodule(file.path())) {
+      if (file.path().extension() != ".yang" || file.is_directory() || is_submodule(file.path())) {
         continue;
       }
       const std::string stem = file.path().stem().string();
@@ -108,6 +108,24 @@ unsigned line_in(std::string_view text) {
   throw error(where, is_path ? text + " (" + plain_words(found_at) + ")" : text);
 }
 
+std::unique_ptr<ly_ctx, context_deleter> new_context(const std::vector<fs::path> &directories) {
+  ly_ctx *context = nullptr;
+  const uint16_t options = LY_CTX_NO_YANGLIBRARY | LY_CTX_DISABLE_SEARCHDIR_CWD | LY_CTX_EXPLICIT_COMPILE;
+  if (ly_ctx_new(nullptr, options, &context) != LY_SUCCESS) {
+    throw error("libyang has no memory for a context");
+  }
+  for (const fs::path &directory : directories) {
+    ly_ctx_set_searchdir(context, directory.c_str());
+  }
+  return std::unique_ptr<ly_ctx, context_deleter>(context);
+}
+
+bool load_module(ly_ctx *context, const std::string &module, const module_file &file) {
+  const char *revision = file.revision.empty() ? nullptr : file.revision.c_str();
+  const char *all_features[] = {"*", nullptr};
+  return ly_ctx_load_module(context, module.c_str(), revision, all_features) != nullptr;
+}
+
 }  // namespace
 
 schema::schema(std::unique_ptr<parts> inside) : parts_(std::move(inside)) {}
@@ -119,20 +137,13 @@ schema schema::load(const std::vector<fs::path> &directories) {
   const auto files = module_files(directories);
   ly_log_options(LY_LOSTORE);
   auto result = std::make_unique<parts>();
-  ly_ctx *context = nullptr;
-  const uint16_t options = LY_CTX_NO_YANGLIBRARY | LY_CTX_DISABLE_SEARCHDIR_CWD | LY_CTX_EXPLICIT_COMPILE;
-  if (ly_ctx_new(nullptr, options, &context) != LY_SUCCESS) {
-    throw error("libyang has no memory for a context");
-  }
-  result->context.reset(context);
-  for (const fs::path &directory : directories) {
-    ly_ctx_set_searchdir(context, directory.c_str());
-  }
-  const char *all_features[] = {"*", nullptr};
+  result->context = new_context(directories);
+  ly_ctx *context = result->context.get();
   for (const auto &[module, file] : files) {
-    const char *revision = file.revision.empty() ? nullptr : file.revision.c_str();
-    if (ly_ctx_load_module(context, module.c_str(), revision, all_features) == nullptr) {
-      throw_first_error(context, files, module);
+    if (!load_module(context, module, file)) {
+      // After others, libyang may know neither the line nor the file of the fault.
+      const auto alone = new_context(directories);
+      throw_first_error(load_module(alone.get(), module, file) ? context : alone.get(), files, module);
     }
     const lys_module *loaded = ly_ctx_get_module_implemented(context, module.c_str());
     result->modules.emplace_back(loaded->name);
