@@ -197,12 +197,13 @@ class reply_translation {
   // Of the nodes with one schema path only the first gets the note.
   void note_first(const yfw_node_t &node, const lysc_node *above, const char *text) {
     std::string schema_path = (above == nullptr ? std::string() : path(above)) + "/" + node.ns + ":" + node.tag;
-    if (!result_.notes.has(schema_path)) {
-      add_note(node, text, std::move(schema_path));
-    }
+    add_note(node, text, std::move(schema_path));
   }
 
   void add_note(const yfw_node_t &node, const std::string &text, std::string once) {
+    if (result_.notes.has(once)) {
+      return;
+    }
     const place where = document_.where(node);
     result_.notes.add({where.line, error(where, text).what(), std::move(once)});
   }
@@ -255,16 +256,20 @@ class reply_translation {
       const yfw_node_t *culprit = node_compared(node, context_.compared);
       throw error(document_.where(culprit != nullptr ? *culprit : node), reason(status));
     }
-    note_each(std::exchange(context_.problems, {}), node, "is left out: ");
-    note_each(std::exchange(context_.passed_on, {}), node, "");
+    for (const reported_problem &problem : std::exchange(context_.problems, {})) {
+      note(culprit_of(problem, node), "is left out: " + problem.text);
+    }
+    // Nothing is lost of these: of one leaf the first is enough.
+    for (const reported_problem &problem : std::exchange(context_.passed_on, {})) {
+      const yfw_node_t &culprit = culprit_of(problem, node);
+      add_note(culprit, problem.text, path(extra(culprit).schema) + " is passed on");
+    }
   }
 
-  void note_each(const std::vector<reported_problem> &problems, const yfw_node_t &node, const std::string &before) {
-    for (const reported_problem &problem : problems) {
-      const yfw_node_t *inside = problem.inside != nullptr ? problem.inside : &node;
-      const yfw_node_t *culprit = node_compared(*inside, problem.compared);
-      note(culprit != nullptr ? *culprit : *inside, before + problem.text);
-    }
+  static const yfw_node_t &culprit_of(const reported_problem &problem, const yfw_node_t &walked) {
+    const yfw_node_t *inside = problem.inside != nullptr ? problem.inside : &walked;
+    const yfw_node_t *culprit = node_compared(*inside, problem.compared);
+    return culprit != nullptr ? *culprit : *inside;
   }
 
   std::string reason(uint32_t status) const {

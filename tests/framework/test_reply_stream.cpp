@@ -192,6 +192,12 @@ INSTANTIATE_TEST_SUITE_P(
         TextRow{"UnknownLeaves",
                 envelope(statistics(statistic("Gi1", "<e:x>1</e:x>") + statistic("Gi2", "<e:x>1</e:x>") +
                                     statistic("Gi3", "<e:y>1</e:y>")))},
+        TextRow{
+            "ValuesThatClientsDoNotTake",
+            envelope(statistics(statistic("Gi1", "<e:received8021q-frames>x</e:received8021q-frames>") +
+                                statistic("Gi2",
+                                          "<e:received8021q-frames>y</e:received8021q-frames><e:received-good-bytes>z"
+                                          "</e:received-good-bytes>")))},
         TextRow{"DeviceError", envelope("<rpc-error><error-message>busy</error-message></rpc-error>")},
         TextRow{"TextBetweenEntries", envelope(statistics(three + "loose"))},
         TextRow{"NotClosed", "<rpc-reply xmlns='urn:ietf:params:xml:ns:netconf:base:1.0'><data>" + statistics(three)},

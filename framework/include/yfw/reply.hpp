@@ -27,9 +27,9 @@ struct reply {
 };
 
 // Lets the plug-in translate native data, with or without `rpc-reply` and `data` around. The data of a value that has
-// no counterpart is left out with a note; one that the client's model does not take is passed on with a note. Throws
-// `error`, with the place in the document, for top-level data that the modules do not have, for a list entry without
-// its key, for an rpc-error and for whatever the plug-in refuses.
+// no counterpart is left out with a note; a value that the client's model does not take is passed on, with a note on
+// the first one of its leaf. Throws `error`, with the place in the document, for top-level data that the modules do not
+// have, for a list entry without its key, for an rpc-error and for whatever the plug-in refuses.
 reply translate_reply(document &native, const plugin &mapping, const reply_options &options, trace_log &log);
 
 }  // namespace yfw
