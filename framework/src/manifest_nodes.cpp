@@ -1,157 +1,9 @@
 #include "manifest_nodes.hpp"
 
 #include <algorithm>
-#include <iterator>
-#include <set>
-#include <string>
-#include <vector>
-
-#include "yfw/error.hpp"
 
 namespace yfw {
 namespace {
-
-// "'a', 'b'"
-template <typename names_t>
-std::string listed(const names_t &names) {
-  std::string text;
-  for (const auto &name : names) {
-    text.append(text.empty() ? "'" : ", '").append(name).append("'");
-  }
-  return text;
-}
-
-std::string did_you_mean(const std::vector<std::string_view> &names, std::string_view word) {
-  const std::string_view near = closest(names, word);
-  return near.empty() ? "" : "; did you mean " + quoted(near) + "?";
-}
-
-class manifest_check {
- public:
-  manifest_check(const manifest &description, const schema &modules, const std::filesystem::path &file)
-      : manifest_(description), modules_(modules), file_(file) {}
-
-  void run() const {
-    for (size_t i = 0; i < manifest_.entry_points.size(); ++i) {
-      check_entry_point(manifest_.entry_points[i], member("entry-points", i));
-    }
-    for (size_t i = 0; i < manifest_.lists.size(); ++i) {
-      const list_pair &pair = manifest_.lists[i];
-      check_key(lists_at(pair.high, member("lists", i) + "/high"), pair.high_key, member("lists", i) + "/high-key");
-      check_key(lists_at(pair.low, member("lists", i) + "/low"), pair.low_key, member("lists", i) + "/low-key");
-    }
-    for (size_t i = 0; i < manifest_.defaults.size(); ++i) {
-      (void)lists_at(manifest_.defaults[i].at, member("defaults", i) + "/at");
-    }
-  }
-
- private:
-  static std::string member(const char *array, size_t index) {
-    return std::string("/") + array + "[" + std::to_string(index) + "]";
-  }
-
-  [[noreturn]] void refuse(const std::string &where, const std::string &text) const {
-    throw error(place{file_.string(), 0, where}, text);
-  }
-
-  void check_entry_point(const entry_point &entry, const std::string &where) const {
-    const std::vector<std::string_view> known = modules_.modules();
-    if (std::ranges::find(known, entry.module) == known.end()) {
-      refuse(where + "/module",
-             yfw::quoted(entry.module) + " is none of the modules" + did_you_mean(known, entry.module));
-    }
-    const std::vector<const lysc_node *> above =
-        entry.at == "/" ? std::vector<const lysc_node *>{nullptr} : modules_.find_all(entry.at);
-    if (std::ranges::none_of(above, [&](const lysc_node *node) { return has_below(node, entry.module); })) {
-      std::set<std::string> right;
-      add_places(nullptr, entry.module, right);
-      refuse(where + "/at", "module " + yfw::quoted(entry.module) + " has no nodes below " + yfw::quoted(entry.at) +
-                                (right.empty() ? ", nor anywhere else" : "; it has them below " + listed(right)));
-    }
-  }
-
-  bool has_below(const lysc_node *above, std::string_view module) const {
-    return std::ranges::any_of(modules_.children(above),
-                               [&](const lysc_node *below) { return module_name(below) == module; });
-  }
-
-  // The paths below which the nodes of a module stand.
-  void add_places(const lysc_node *above, std::string_view module, std::set<std::string> &places) const {
-    for (const lysc_node *below : modules_.children(above)) {
-      if (module_name(below) == module) {
-        places.insert(above == nullptr ? "/" : path(above));
-      } else {
-        add_places(below, module, places);
-      }
-    }
-  }
-
-  // The lists of that path, of which there is one at least.
-  std::vector<const lysc_node *> lists_at(std::string_view at, const std::string &where) const {
-    std::vector<const lysc_node *> found = modules_.find_all(at);
-    if (found.empty()) {
-      refuse(where, quoted(at) + " is not in the modules" + first_fault(at));
-    }
-    if (const lysc_node *meant = manifest_node(manifest_, at, modules_); meant != nullptr) {
-      found = {meant};
-    }
-    std::erase_if(found, [](const lysc_node *node) { return !is_list(node); });
-    if (found.empty()) {
-      refuse(where, quoted(at) + " is not a list");
-    }
-    return found;
-  }
-
-  // What is wrong with a path that is not in the modules: its first name that is no node.
-  std::string first_fault(std::string_view at) const {
-    if (!at.starts_with('/')) {
-      return ": it does not begin with '/'";
-    }
-    std::vector<const lysc_node *> above{nullptr};
-    size_t begin = 0;
-    size_t end = at.find('/', 1);
-    for (; end != std::string_view::npos && !modules_.find_all(at.substr(0, end)).empty();
-         end = at.find('/', end + 1)) {
-      above = modules_.find_all(at.substr(0, end));
-      begin = end;
-    }
-    std::vector<std::string_view> names;
-    for (const lysc_node *node : above) {
-      std::ranges::transform(modules_.children(node), std::back_inserter(names), name);
-    }
-    const std::string_view wrong = at.substr(begin + 1, end == std::string_view::npos ? end : end - begin - 1);
-    return ": there is no " + quoted(wrong) + (begin == 0 ? " at the top" : " below " + quoted(at.substr(0, begin))) +
-           did_you_mean(names, wrong);
-  }
-
-  void check_key(const std::vector<const lysc_node *> &lists, std::string_view key, const std::string &where) const {
-    std::vector<std::string_view> right;
-    for (const lysc_node *list : lists) {
-      std::ranges::copy(key_names(list), std::back_inserter(right));
-    }
-    if (std::ranges::find(right, key) == right.end()) {
-      refuse(where, quoted(key) + " is not a key of '" + path(lists.front()) + "', which has " +
-                        (right.empty() ? "none" : listed(right)));
-    }
-  }
-
-  // Where a list has no keys, any leaf of it may tell its entries apart.
-  std::vector<std::string_view> key_names(const lysc_node *list) const {
-    std::vector<std::string_view> names = keys(list);
-    if (names.empty()) {
-      for (const lysc_node *below : modules_.children(list)) {
-        if (is_leaf(below)) {
-          names.push_back(name(below));
-        }
-      }
-    }
-    return names;
-  }
-
-  const manifest &manifest_;
-  const schema &modules_;
-  const std::filesystem::path &file_;
-};
 
 bool is_served(const entry_point &entry, const lysc_node *node, const schema &modules) {
   if (entry.at == "/") {
@@ -192,10 +44,6 @@ const lysc_node *manifest_node(const manifest &description, std::string_view pat
     });
   }
   return all.size() == 1 ? all.front() : nullptr;
-}
-
-void check_manifest(const manifest &description, const schema &modules, const std::filesystem::path &file) {
-  manifest_check(description, modules, file).run();
 }
 
 }  // namespace yfw
