@@ -16,7 +16,7 @@ install(DIRECTORY yang/ DESTINATION share/ymap/yang COMPONENT plugin)
 
 # The framework and the program.
 install(TARGETS ymap RUNTIME COMPONENT tool)
-install(TARGETS yfw yfw_abi EXPORT ymapTargets
+install(TARGETS yfw yfw_abi ymap_frame EXPORT ymapTargets
   LIBRARY COMPONENT tool NAMELINK_COMPONENT devel
   INCLUDES DESTINATION ${ymap_header_dir})
 install(FILES docs/ymap.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tool)
@@ -28,7 +28,7 @@ install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT tool PA
 
 # What the author of another plug-in needs, and who embeds the framework: find_package(ymap).
 install(TARGETS ymapgen EXPORT ymapTargets RUNTIME COMPONENT devel)
-install(DIRECTORY mapping/ethernet/include/ framework/include/ DESTINATION ${ymap_header_dir} COMPONENT devel)
+install(DIRECTORY abi/include/ mapping/ethernet/include/ framework/include/ DESTINATION ${ymap_header_dir} COMPONENT devel)
 install(EXPORT ymapTargets NAMESPACE ymap:: DESTINATION ${ymap_package_dir} COMPONENT devel)
 configure_package_config_file(cmake/ymapConfig.cmake.in ymapConfig.cmake INSTALL_DESTINATION ${ymap_package_dir})
 write_basic_package_version_file(ymapConfigVersion.cmake COMPATIBILITY SameMinorVersion)

@@ -5,7 +5,7 @@
 # no writable data of the compiler's start files. It appears in lib/ymap of the build; its manifest stands beside it,
 # and so do its known losses, if any.
 function(ymap_plugin name manifest)
-  target_link_libraries(${name} PRIVATE ymap::yfw_abi)
+  target_link_libraries(${name} PRIVATE ymap::ymap_frame)
   target_include_directories(${name} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR}/include)
   target_compile_options(${name} PRIVATE -fno-exceptions -fno-rtti)
   set_target_properties(${name} PROPERTIES CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON

@@ -1,5 +1,5 @@
 #!/bin/sh
-# usage: abi.sh check|update COMPILER INCLUDE PLUGIN FRAMEWORK DATA SANITIZED
+# usage: abi.sh check|update COMPILER ABI FRAME PLUGIN FRAMEWORK DATA SANITIZED
 # The binary interface as built, in two descriptions with a version each:
 #   DATA/abi.txt             records with offset and size of each member, constants, calls with their signatures
 #   DATA/exports.txt         the plug-in's signatures; its names are in DATA/exported_names.txt ("T name": strong, "W
@@ -7,7 +7,7 @@
 # `check` fails with the difference when they are not what is built. `update` writes them anew, but only with a new
 # version.
 set -eu
-mode=$1 compiler=$2 include=$3 plugin=$4 framework=$5 data=$6 sanitized=$7
+mode=$1 compiler=$2 abi=$3 frame=$4 plugin=$5 framework=$6 data=$7 sanitized=$8
 export LC_ALL=C
 
 if [ "$sanitized" = 1 ]; then
@@ -19,7 +19,7 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
 nm -D --defined-only "$plugin" | awk '{ print $2, $3 }' | sort >"$work/exported_names.txt"
-sed 's://.*::' "$include/yfw.h" >"$work/declarations"
+sed 's://.*::' "$abi/yfw.h" >"$work/declarations"
 # A call begins a line in the header, and its name is the first that is followed by a parenthesis.
 sed -n '/^extern "C" {/,/^}  *$/p' "$work/declarations" |
   sed -n 's/^[a-z][a-z0-9_]* .*[ *]*\b\(_*[a-z][a-z0-9_]*\)(.*/&/p' |
@@ -29,7 +29,7 @@ sed -n '/^extern "C" {/,/^}  *$/p' "$work/declarations" |
 {
   echo '#include <cstdio>'
   echo '#include <string>'
-  for header in "$include"/*.h; do
+  for header in "$abi"/*.h "$frame"/*.h; do
     echo "#include \"$(basename "$header")\""
   done
   cat <<'END'
@@ -58,7 +58,7 @@ END
     }' "$work/declarations"
   echo '    std::puts("");'
   echo '    std::puts("constants");'
-  cat "$work/declarations" "$include/ymap_frame.h" |
+  cat "$work/declarations" "$abi/ymap_status.h" |
     sed -n 's/^#define \(YFW_[A-Z0-9_]*\|YMAP_OK\|YMAP_NOT_MAPPED\|YMAP_ERR_[A-Z_]*[A-Z]\) .*/    CONSTANT(\1);/p' |
     grep -v ABI_VERSION
   echo '    return 0;'
@@ -68,7 +68,7 @@ END
   sed 's/..\(.*\)/  FUNCTION("export", \1);/' "$work/exported_names.txt"
   echo '}'
 } >"$work/describe.cpp"
-"$compiler" -std=c++20 -w -I "$include" -o "$work/describe" "$work/describe.cpp"
+"$compiler" -std=c++20 -w -I "$abi" -I "$frame" -o "$work/describe" "$work/describe.cpp"
 
 "$work/describe" >"$work/abi.txt"
 "$work/describe" functions >"$work/functions"

@@ -1,6 +1,7 @@
-// Stand-ins for the plug-ins that are loaded beside the mapped one on a device.
+// The entry point of the plug-in for openconfig-if-aggregate, which is loaded beside others on a device and which yfw.h
+// makes part of the contract. This stub stands in for it where that plug-in is not loaded.
 #include "context.hpp"
-#include "ymap_frame.h"
+#include "ymap_status.h"
 
 // Maps nothing and says so: a read names the leaf as not mapped, a write is refused.
 uint32_t ymap_ox_ocif_openconfigifaggregate_augment_lvla_config(yfw_ctx_t *ctx, yfw_node_t *node, yfw_node_t *out) {
@@ -8,6 +9,6 @@ uint32_t ymap_ox_ocif_openconfigifaggregate_augment_lvla_config(yfw_ctx_t *ctx, 
   return yfw::observed(
       yfw::context_of(ctx), [] { return YMAP_NOT_MAPPED; },
       [&] {
-        return yfw::abi_call{name, {{"node", node}, {"out", out}}};
+        return yfw::abi_call{yfw::abi_function::stub, name, {{"node", node}, {"out", out}}};
       });
 }
