@@ -2,6 +2,7 @@
 set(YFW_FORMAT_SOURCES
   src/error.cpp
   src/node.cpp
+  src/instance_path.cpp
   src/text.cpp
   src/schema_load.cpp
   src/schema.cpp
@@ -13,5 +14,6 @@ set(YFW_FORMAT_SOURCES
   src/read_xml.cpp
   src/read_json.cpp
   src/data_tree.cpp
+  src/path_document.cpp
   src/write_xml.cpp
   src/write_json.cpp)

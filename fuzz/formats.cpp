@@ -2,7 +2,7 @@
 #include <functional>
 
 #include "fuzz.hpp"
-#include "yfw/client_request.hpp"
+#include "yfw/message.hpp"
 #include "yfw/native_request.hpp"
 #include "yfw/reply.hpp"
 

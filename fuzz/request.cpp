@@ -1,6 +1,6 @@
 // A client's request, read and translated in each way in which it could be meant, and what comes of it written.
 #include "fuzz.hpp"
-#include "yfw/client_request.hpp"
+#include "yfw/message.hpp"
 #include "yfw/native_request.hpp"
 #include "yfw/plan.hpp"
 

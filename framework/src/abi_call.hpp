@@ -16,8 +16,24 @@ namespace yfw {
 // An argument: a text or a node, either of which may be null, or a number.
 using abi_argument = std::variant<const char *, const yfw_node_t *, uint32_t>;
 
+// Which call it is; `stub` for those that only stand in for another plug-in.
+enum class abi_function {
+  add_to_node_hierarchy,
+  remove_from_node_hierarchy,
+  get_node_info,
+  find_list_item,  // yfw_map_get_node_info_mpls_static
+  peek_tree_stack,
+  add_path,
+  enter_list,
+  update_current_list,
+  add_to_output_list,
+  remove_from_output_list,
+  stub,
+};
+
 struct abi_call {
-  const char *function;
+  abi_function id;
+  const char *function;                                          // its exported name
   std::vector<std::pair<const char *, abi_argument>> arguments;  // name and value, in order
   // Where the call leaves what it finds; at most one of them is not null.
   const char **text_out = nullptr;

@@ -5,6 +5,7 @@
 #include "context.hpp"
 
 using yfw::abi_call;
+using yfw::abi_function;
 using yfw::context;
 using yfw::context_of;
 using yfw::observed;
@@ -18,7 +19,8 @@ uint32_t yfw_map_datatree_add_path_flagged(yfw_ctx_t *ctx, yfw_node_t *out, cons
       self, [&] { return self.sink.add_path(self, path, ns, value, source, created, flag); },
       [&] {
         const uint32_t is_wanted = created != nullptr ? 1 : 0;
-        return abi_call{name,
+        return abi_call{abi_function::add_path,
+                        name,
                         {{"out", out},
                          {"path", path},
                          {"ns", ns},
@@ -43,7 +45,8 @@ uint32_t yfw_map_search_or_add_list(yfw_ctx_t *ctx, yfw_node_t *out, yfw_node_t 
     return self.sink.enter_list(self, current_list, list_path, key_value, key_name);
   };
   return observed(self, answer, [&] {
-    return abi_call{name,
+    return abi_call{abi_function::enter_list,
+                    name,
                     {{"out", out}, {"list", list_path}, {"key-value", key_value}, {"key-name", key_name}, {"ns", ns}},
                     nullptr,
                     current_list};
@@ -57,7 +60,9 @@ uint32_t yfw_map_update_current_list_node(yfw_ctx_t *ctx, const char *schema_pat
     const bool is_open = self.open_entry(schema_path) != nullptr;
     return is_open ? 0 : self.fail("no entry of list '" + std::string(schema_path) + "' is open");
   };
-  return observed(self, answer, [&] { return abi_call{name, {{"list", schema_path}}}; });
+  return observed(self, answer, [&] {
+    return abi_call{abi_function::update_current_list, name, {{"list", schema_path}}};
+  });
 }
 
 void yfw_add_to_output_list_ctx(yfw_ctx_t *ctx, yfw_node_t *node, yfw_node_t *out) {
@@ -67,7 +72,9 @@ void yfw_add_to_output_list_ctx(yfw_ctx_t *ctx, yfw_node_t *node, yfw_node_t *ou
     ++self.record.output_list_count;
     return 0U;
   };
-  observed(self, answer, [&] { return abi_call{name, {{"node", node}, {"out", out}}}; });
+  observed(self, answer, [&] {
+    return abi_call{abi_function::add_to_output_list, name, {{"node", node}, {"out", out}}};
+  });
 }
 
 void yfw_remove_from_output_list_ctx(yfw_ctx_t *ctx, yfw_node_t *node, yfw_node_t *out) {
@@ -77,7 +84,9 @@ void yfw_remove_from_output_list_ctx(yfw_ctx_t *ctx, yfw_node_t *node, yfw_node_
     --self.record.output_list_count;
     return 0U;
   };
-  observed(self, answer, [&] { return abi_call{name, {{"node", node}, {"out", out}}}; });
+  observed(self, answer, [&] {
+    return abi_call{abi_function::remove_from_output_list, name, {{"node", node}, {"out", out}}};
+  });
 }
 
 char *yfw_strdup(const char *string, const char * /*owner*/) {

@@ -6,6 +6,7 @@
 #include "yfw/node.hpp"
 
 using yfw::abi_call;
+using yfw::abi_function;
 using yfw::active_context;
 using yfw::context;
 using yfw::context_of;
@@ -77,7 +78,9 @@ void yfw_map_add_to_node_hierarchy(yfw_ctx_t *ctx, yfw_node_t *node, uint32_t le
     self.hierarchy.push_back(node);
     return 0U;
   };
-  observed(self, answer, [&] { return abi_call{name, {{"node", node}, {"level", level}}}; });
+  observed(self, answer, [&] {
+    return abi_call{abi_function::add_to_node_hierarchy, name, {{"node", node}, {"level", level}}};
+  });
 }
 
 void yfw_map_remove_from_node_hierarchy(yfw_ctx_t *ctx, yfw_node_t *node) {
@@ -90,7 +93,7 @@ void yfw_map_remove_from_node_hierarchy(yfw_ctx_t *ctx, yfw_node_t *node) {
     }
     return 0U;
   };
-  observed(self, answer, [&] { return abi_call{name, {{"node", node}}}; });
+  observed(self, answer, [&] { return abi_call{abi_function::remove_from_node_hierarchy, name, {{"node", node}}}; });
 }
 
 uint32_t yfw_map_is_request_add(const yfw_node_t *node) {
@@ -107,7 +110,7 @@ uint32_t yfw_map_get_node_info(yfw_ctx_t *ctx, const char *list_path, const char
   return observed(
       self, [&] { return key_of_open_entry(self, list_path, key_name, value); },
       [&] {
-        return abi_call{name, {{"list", list_path}, {"key-name", key_name}}, value};
+        return abi_call{abi_function::get_node_info, name, {{"list", list_path}, {"key-name", key_name}}, value};
       });
 }
 
@@ -118,7 +121,8 @@ uint32_t yfw_map_get_node_info_mpls_static(yfw_ctx_t *ctx, const char *list_path
   return observed(
       self, [&] { return item_of_native_entry(self, container, leaf, value); },
       [&] {
-        return abi_call{name, {{"list", list_path}, {"container", container}, {"leaf", leaf}}, value};
+        return abi_call{
+            abi_function::find_list_item, name, {{"list", list_path}, {"container", container}, {"leaf", leaf}}, value};
       });
 }
 
@@ -132,5 +136,7 @@ uint32_t yfw_map_util_itree_stack_peak_level(yfw_ctx_t *ctx, uint32_t level, yfw
     *entry = &self.tree_stack[level];
     return 0U;
   };
-  return observed(self, answer, [&] { return abi_call{name, {{"level", level}}, nullptr, nullptr, entry}; });
+  return observed(self, answer, [&] {
+    return abi_call{abi_function::peek_tree_stack, name, {{"level", level}}, nullptr, nullptr, entry};
+  });
 }

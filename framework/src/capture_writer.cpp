@@ -10,8 +10,6 @@
 namespace yfw {
 namespace {
 
-capture_session::parts *running_session = nullptr;
-
 bool holds_captures(const std::filesystem::path &directory) {
   for (const auto &entry : std::filesystem::directory_iterator(directory)) {
     if (entry.path().extension() == ".capture") {
@@ -50,11 +48,11 @@ capture_session::capture_session(std::filesystem::path directory, bool is_anonym
   }
   parts_->directory = std::move(directory);
   parts_->names = is_anonymous ? std::make_unique<anonymiser>() : nullptr;
-  running_session = parts_.get();
+  install_call_tap(parts_.get());
 }
 
 capture_session::~capture_session() {
-  running_session = nullptr;
+  install_call_tap(nullptr);
 }
 
 unsigned capture_session::count() const {
@@ -79,29 +77,22 @@ void capture_session::parts::learn_keys(const context &ctx, const yfw_node_t *no
   }
 }
 
-std::unique_ptr<capture_writer> capture_writer::begin(context &ctx, call_form form, const std::string &function,
-                                                      yfw_node_t *node) {
-  if (running_session == nullptr) {
-    return nullptr;
+std::unique_ptr<tapped_call> capture_session::parts::begin(context &ctx, call_form form, const std::string &function,
+                                                           yfw_node_t *node) {
+  if (names != nullptr) {
+    learn_keys(ctx, node);
   }
-  if (running_session->names != nullptr) {
-    running_session->learn_keys(ctx, node);
-  }
-  std::unique_ptr<capture_writer> writer(new capture_writer(ctx, *running_session, function));
-  writer->write_head(form, function, node);
-  return writer;
+  return std::make_unique<capture_writer>(ctx, *this, form, function, node);
 }
 
-bool capture_writer::is_running() {
-  return running_session != nullptr;
-}
-
-capture_writer::capture_writer(context &ctx, capture_session::parts &session, const std::string &function)
+capture_writer::capture_writer(context &ctx, capture_session::parts &session, call_form form,
+                               const std::string &function, yfw_node_t *node)
     : ctx_(ctx),
       file_((session.directory / (numbered(++session.count) + "-" + function + ".capture")).string()),
       out_(file_, std::ios::binary),
       state_(ctx.record, ctx.output_root, filter_of(session)) {
   ctx_.observer = this;
+  write_head(form, function, node);
 }
 
 capture_writer::~capture_writer() {

@@ -14,23 +14,22 @@
 
 namespace yfw {
 
-struct capture_session::parts {
+struct capture_session::parts : call_tap {
   std::filesystem::path directory;
   unsigned count = 0;
   std::unique_ptr<anonymiser> names;  // null: texts are written as they are
   std::set<const yfw_node_t *> learned;
 
+  std::unique_ptr<tapped_call> begin(context &ctx, call_form form, const std::string &function,
+                                     yfw_node_t *node) override;
   void learn_keys(const context &ctx, const yfw_node_t *node);
 };
 
-class capture_writer : public call_observer {
+class capture_writer : public call_observer, public tapped_call {
  public:
-  // Begins the capture of a call that is about to be made, if captures are being taken; null otherwise.
-  static std::unique_ptr<capture_writer> begin(context &ctx, call_form form, const std::string &function,
-                                               yfw_node_t *node);
-  // Whether captures are being taken.
-  static bool is_running();
-
+  // Begins the capture of a call that is about to be made.
+  capture_writer(context &ctx, capture_session::parts &session, call_form form, const std::string &function,
+                 yfw_node_t *node);
   ~capture_writer() override;
   capture_writer(const capture_writer &) = delete;
   capture_writer &operator=(const capture_writer &) = delete;
@@ -38,10 +37,9 @@ class capture_writer : public call_observer {
   uint32_t pass(const abi_call &call, const std::function<uint32_t()> &answer) override;
 
   // Ends it. Without this the capture tells that the plug-in did not return.
-  void finish(uint32_t status);
+  void finish(uint32_t status) override;
 
  private:
-  capture_writer(context &ctx, capture_session::parts &session, const std::string &function);
   void write_head(call_form form, const std::string &function, yfw_node_t *node);
   void write_record();
   void write_above();

@@ -5,7 +5,7 @@
 #include "coverage_probes.hpp"
 #include "coverage_values.hpp"
 #include "yfw/node.hpp"
-#include "ymap_frame.h"
+#include "ymap_status.h"
 
 namespace yfw {
 namespace {
@@ -48,7 +48,7 @@ leaf_probe probe(one_leaf_document &made, leaf_operation operation, const std::o
                  const plugin &mapping, trace_log &log) {
   made.set_value(value);
   made.set_operation(operation == leaf_operation::remove ? YFW_OPERATION_DELETE : no_operation);
-  client_request client = read_client_request(made.text(), request_of(operation));
+  client_request client = bare_request(made.text(), request_of(operation));
   const probe_outcome outcome = probe_request(made.text(), std::move(client), mapping, log);
   leaf_probe result{value, {}, answer_text(outcome)};
   for (const native_call &call : outcome.calls) {

@@ -5,7 +5,7 @@
 #include <algorithm>
 
 #include "yfw/node.hpp"
-#include "ymap_frame.h"
+#include "ymap_status.h"
 
 namespace yfw {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "tree_builder.hpp"
+#include "yfw/instance_path.hpp"
 
 namespace yfw {
 
@@ -139,7 +139,7 @@ void data_tree::clear() {
   index_.clear();
 }
 
-static std::string path_step(const data_node &node) {
+static std::string step_text(const data_node &node) {
   std::string step = "/" + std::string(node.tag);
   for (const std::string_view key : keys(node.schema)) {
     for (const data_node *each = node.first_child; each != nullptr; each = each->next) {
@@ -152,7 +152,7 @@ static std::string path_step(const data_node &node) {
 }
 
 std::string path(const data_node &node) {
-  return (node.parent == nullptr ? "" : path(*node.parent)) + path_step(node);
+  return (node.parent == nullptr ? "" : path(*node.parent)) + step_text(node);
 }
 
 }  // namespace yfw

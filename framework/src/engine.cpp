@@ -79,36 +79,7 @@ class key_reads {
   std::vector<native_call> &calls_;
 };
 
-// The last one of the steps' nodes, all of which are in the tree then; null for none.
-data_node *add_path(data_tree &tree, const std::vector<path_step> &steps) {
-  data_node *node = nullptr;
-  for (const path_step &step : steps) {
-    const std::vector<key_value> keys(step.keys.begin(), step.keys.end());
-    node = is_list(step.node) ? &tree.entry(node, ns(step.node), name(step.node), keys) : &tree.at(node, step.node);
-  }
-  return node;
-}
-
 }  // namespace
-
-std::string text_for(const std::vector<path_step> &steps, const schema &modules, uint32_t operation,
-                     const std::optional<std::string> &value) {
-  data_tree tree(modules);
-  if (data_node *last = add_path(tree, steps); last != nullptr) {
-    last->operation = operation == no_operation ? std::nullopt : std::optional(operation);
-    if (value) {
-      tree.set_value(*last, *value);
-    }
-  }
-  std::ostringstream text;
-  write_json(text, tree);
-  return text.str();
-}
-
-document request_for(const std::vector<path_step> &steps, const schema &modules, uint32_t operation,
-                     const std::optional<std::string> &value) {
-  return document::read(text_for(steps, modules, operation, value), "", modules);
-}
 
 rpc_error without_line(const rpc_error &fault) {
   return {place{fault.where().file, 0, fault.where().path}, fault.text(), fault.tag(), fault.bad_element()};
@@ -134,7 +105,9 @@ reply engine::get(const device &native, document &request, const client_request 
     for (const std::string &note : translated.notes) {
       asked.notes.push_back(without_line(note, native.file()));
     }
-    return {filtered(translated.data, request, client, wanted), std::move(asked.notes)};
+    return {client.everything ? selected_content(translated.data, wanted)
+                              : filtered(translated.data, request, client.data, wanted),
+            std::move(asked.notes)};
   } catch (const error &fault) {
     // The path is the device's, where an error's place is the client's.
     throw rpc_error({native.file(), 0, {}}, fault.where().path + ": " + fault.text(), error_tag::operation_failed);
@@ -142,13 +115,14 @@ reply engine::get(const device &native, document &request, const client_request 
 }
 
 reply engine::find(const device &native, std::string_view xpath, client_operation operation, content wanted) const {
-  read_xpath expression = read_expression(xpath, native.modules(), &mapping_.description());
+  read_xpath expression =
+      read_expression(xpath, native.modules(), client_nodes(mapping_.description(), native.modules()));
   std::vector<path_step> &steps = expression.steps;
   if (steps.size() > 1 && is_key(steps.back().node)) {
     steps[steps.size() - 2].keys.clear();  // with a key's value in it, the filter would select the whole entry
   }
   document request = request_for(steps, native.modules());
-  client_request client = read_client_request(request, operation);
+  client_request client = bare_request(request, operation);
   client.everything = steps.empty();
   try {
     reply answer = get(native, request, client, wanted);

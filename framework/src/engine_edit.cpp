@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "engine_parts.hpp"
+#include "manifest_nodes.hpp"
 #include "plan_parts.hpp"
 #include "yfw/node.hpp"
 
@@ -144,7 +145,7 @@ class edit_run {
   std::vector<native_call> removals(const yfw_node_t &replaced, const plugin &mapping, trace_log &log) const {
     document removal = request_for(steps_to(replaced), native_.modules(), YFW_OPERATION_REMOVE);
     std::vector<native_call> calls =
-        translate_request(removal, read_client_request(removal, client_operation::edit), mapping, log).calls;
+        translate_request(removal, bare_request(removal, client_operation::edit), mapping, log).calls;
     for (native_call &call : calls) {
       call.cause = &replaced;
     }
@@ -155,7 +156,7 @@ class edit_run {
   // Whether the client would read the node's configuration as present.
   bool is_present(const yfw_node_t &node) const {
     document question = request_for(steps_to(node), native_.modules());
-    const client_request asked = read_client_request(question, client_operation::get_config);
+    const client_request asked = bare_request(question, client_operation::get_config);
     return found_in(self_.get(native_, question, asked, content::config).data, node) != nullptr;
   }
 
@@ -177,18 +178,6 @@ std::vector<std::string> notes_on(const document &request, const client_request 
 }
 
 }  // namespace
-
-std::vector<path_step> steps_to(const yfw_node_t &node) {
-  const yfw_node_t *above = extra(node).parent;
-  std::vector<path_step> steps = above == nullptr || is_envelope(*above) ? std::vector<path_step>() : steps_to(*above);
-  path_step &step = steps.emplace_back(path_step{extra(node).schema, {}});
-  for (const std::string_view key : keys(step.node)) {
-    if (const yfw_node_t *leaf = child(node, key); leaf != nullptr && leaf->value != nullptr) {
-      step.keys.emplace_back(key, leaf->value);
-    }
-  }
-  return steps;
-}
 
 edit_outcome engine::edit(device &native, document &request, const client_request &client) const {
   require_edit(request, client);
@@ -222,7 +211,8 @@ edit_outcome engine::edit(device &native, document &request, const client_reques
 
 edit_outcome engine::edit_node(device &native, std::string_view path, const std::optional<std::string> &value,
                                uint32_t operation) const {
-  const std::vector<path_step> steps = read_instance_path(path, native.modules(), &mapping_.description());
+  const std::vector<path_step> steps =
+      read_instance_path(path, native.modules(), client_nodes(mapping_.description(), native.modules()));
   const lysc_node *node = steps.back().node;
   if (is_key(node)) {
     throw rpc_error({"", 0, std::string(path)}, "is a key, which comes and goes with its list entry",
@@ -233,7 +223,7 @@ edit_outcome engine::edit_node(device &native, std::string_view path, const std:
   }
   try {
     document request = request_for(steps, native.modules(), operation, value);
-    return edit(native, request, read_client_request(request, client_operation::edit));
+    return edit(native, request, bare_request(request, client_operation::edit));
   } catch (const rpc_error &fault) {
     throw without_line(fault);
   }

@@ -1,7 +1,7 @@
 #include <algorithm>
 
-#include "engine_parts.hpp"
 #include "yfw/node.hpp"
+#include "yfw/query.hpp"
 
 namespace yfw {
 namespace {
@@ -116,15 +116,20 @@ bool tree_selection::is_wanted(const lysc_node *leaf) const {
   return wanted_ == content::all || is_key(leaf) || is_config(leaf) == (wanted_ == content::config);
 }
 
-data_tree filtered(const data_tree &data, const document &request, const client_request &client, content wanted) {
+data_tree selected_content(const data_tree &data, content wanted) {
   data_tree result(data.modules());
   tree_selection selected(result, wanted);
-  if (client.everything) {
-    each_node(data.first(), [&](const data_node &node) { selected.add_subtree(node); });
-  }
-  subtree_filter filter(request, selected);
-  for (const yfw_node_t *node : client.data) {
-    filter.apply(data.first(), *node);
+  each_node(data.first(), [&](const data_node &node) { selected.add_subtree(node); });
+  return result;
+}
+
+data_tree filtered(const data_tree &data, const document &request, std::span<yfw_node_t *const> filter,
+                   content wanted) {
+  data_tree result(data.modules());
+  tree_selection selected(result, wanted);
+  subtree_filter applied(request, selected);
+  for (const yfw_node_t *node : filter) {
+    applied.apply(data.first(), *node);
   }
   return result;
 }

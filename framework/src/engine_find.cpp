@@ -4,8 +4,8 @@
 #include <array>
 #include <memory>
 
-#include "engine_parts.hpp"
 #include "text.hpp"
+#include "yfw/query.hpp"
 
 namespace yfw {
 namespace {
@@ -125,10 +125,6 @@ class lyd_copy {
 }
 
 }  // namespace
-
-std::string_view module_prefix(const lysc_node *node) {
-  return node->module->prefix;
-}
 
 std::vector<const data_node *> selected_nodes(const data_tree &data, const std::string &qualified_xpath) {
   const ly_ctx *context = data.modules().children(nullptr).front()->module->ctx;

@@ -3,9 +3,8 @@
 #include <iterator>
 #include <set>
 
-#include "engine_parts.hpp"
-#include "manifest_nodes.hpp"
 #include "xpath_tokens.hpp"
+#include "yfw/query.hpp"
 
 namespace yfw {
 namespace {
@@ -14,8 +13,12 @@ using nodes = std::vector<const lysc_node *>;  // null stands for the root
 
 class resolver {
  public:
-  resolver(std::string_view text, const schema &modules, const manifest *description)
-      : text_(text), modules_(modules), manifest_(description), tokens_(xpath_tokens(text)), single_(tokens_.size()) {
+  resolver(std::string_view text, const schema &modules, const client_node_test &is_clients)
+      : text_(text),
+        modules_(modules),
+        is_clients_test_(is_clients),
+        tokens_(xpath_tokens(text)),
+        single_(tokens_.size()) {
     if (tokens_.size() == 2 && tokens_.front().kind == xpath_kind::slash) {
       tokens_.insert(tokens_.begin() + 1, {xpath_kind::star, "*"});  // the root is no data node; all below it are
       single_.resize(tokens_.size());
@@ -143,9 +146,8 @@ class resolver {
     return all;
   }
 
-  // Whether a node is of the client's model and on the way to what is mapped, as far as that is known.
   bool is_clients(const lysc_node *node) const {
-    return manifest_ == nullptr || is_on_the_way(*manifest_, direction::ox, node, modules_);
+    return !is_clients_test_ || is_clients_test_(node);
   }
 
   void step_to_name(const xpath_token &token) {
@@ -238,7 +240,7 @@ class resolver {
 
   std::string_view text_;
   const schema &modules_;
-  const manifest *manifest_;
+  const client_node_test &is_clients_test_;
   std::vector<xpath_token> tokens_;
   nodes single_;  // of each token the one node that it names, or null
   size_t at_ = 0;
@@ -250,12 +252,13 @@ class resolver {
 
 }  // namespace
 
-read_xpath read_expression(std::string_view xpath, const schema &modules, const manifest *description) {
-  return resolver(xpath, modules, description).run();
+read_xpath read_expression(std::string_view xpath, const schema &modules, const client_node_test &is_clients) {
+  return resolver(xpath, modules, is_clients).run();
 }
 
-std::vector<path_step> read_instance_path(std::string_view path, const schema &modules, const manifest *description) {
-  const read_xpath read = read_expression(path, modules, description);
+std::vector<path_step> read_instance_path(std::string_view path, const schema &modules,
+                                          const client_node_test &is_clients) {
+  const read_xpath read = read_expression(path, modules, is_clients);
   if (!read.is_plain) {
     throw rpc_error({}, quoted(path) + " is not the path of one node: names and keys, /list[key='value']/leaf",
                     error_tag::invalid_value);

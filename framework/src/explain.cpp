@@ -1,10 +1,10 @@
 #include "yfw/explain.hpp"
+#include "yfw/path_document.hpp"
 
 #include <algorithm>
 
 #include "coverage_probes.hpp"
 #include "coverage_values.hpp"
-#include "engine_parts.hpp"
 #include "explain_parts.hpp"
 #include "manifest_nodes.hpp"
 #include "yfw/engine.hpp"
@@ -108,7 +108,7 @@ class request_explainer {
     native_request native;
     result.refusal = refusal_of([&] {
       trace_log silent;
-      native = translate_request(request, read_client_request(request, kind), mapping_, silent);
+      native = translate_request(request, bare_request(request, kind), mapping_, silent);
     });
     for (const std::string &note : native.notes) {
       result.refusal += (result.refusal.empty() ? "" : "; ") + without_place(note);
@@ -119,9 +119,8 @@ class request_explainer {
     document again = request_text(netconf, value);
     probe_outcome outcome;
     (void)refusal_of([&] {
-      result.walk = traced(log_, [&](trace_log &own) {
-        outcome = probe_request(again, read_client_request(again, kind), mapping_, own);
-      });
+      result.walk = traced(
+          log_, [&](trace_log &own) { outcome = probe_request(again, bare_request(again, kind), mapping_, own); });
     });
     add_untraced(result.walk, leaf(), [&](const std::string &name) { return has_function(mapping_, name); });
     result.answer = result.refusal.empty() ? "" : answer_text(outcome);
@@ -171,7 +170,7 @@ class request_explainer {
     trace_log silent;
     const std::string refusal = refusal_of([&] {
       const native_request native =
-          translate_request(request, read_client_request(request, client_operation::edit), mapping_, silent);
+          translate_request(request, bare_request(request, client_operation::edit), mapping_, silent);
       for (const native_call &call : native.calls) {
         const std::string name(yfw::name(call.steps.back().node));
         result.results.push_back(call.value ? *call.value : "no " + name);

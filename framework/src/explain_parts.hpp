@@ -28,9 +28,6 @@ full_path complete_path(const lysc_node *node, const schema &modules);
 bool serves_model_of(const manifest &description, direction dir, const lysc_node *node, const schema &modules);
 bool serves_model_of(const manifest &description, const lysc_node *node, const schema &modules);
 
-// /list[key='x']/leaf
-std::string path_text(const std::vector<path_step> &steps);
-
 // Does some work with a trace log of its own, and passes on to `log` what it wrote.
 std::vector<traced_function> traced(trace_log &log, const std::function<void(trace_log &)> &work);
 

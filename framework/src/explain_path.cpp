@@ -5,7 +5,7 @@
 #include "coverage_values.hpp"
 #include "explain_parts.hpp"
 #include "xpath_tokens.hpp"
-#include "yfw/engine.hpp"
+#include "yfw/query.hpp"
 
 namespace yfw {
 namespace {
@@ -144,10 +144,6 @@ full_path complete_path(std::string_view path, const schema &modules, const mani
 
 full_path complete_path(const lysc_node *node, const schema &modules) {
   return complete_steps(node, modules, {});
-}
-
-std::string path_text(const std::vector<path_step> &steps) {
-  return native_call{call_kind::read, steps, {}, 0, nullptr}.path();
 }
 
 }  // namespace yfw

@@ -1,5 +1,5 @@
-#include "engine_parts.hpp"
 #include "explain_parts.hpp"
+#include "yfw/path_document.hpp"
 #include "yfw/reply.hpp"
 
 namespace yfw {

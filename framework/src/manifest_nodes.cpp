@@ -35,6 +35,10 @@ bool is_on_the_way(const manifest &description, direction dir, const lysc_node *
   });
 }
 
+std::function<bool(const lysc_node *)> client_nodes(const manifest &description, const schema &modules) {
+  return [&](const lysc_node *node) { return is_on_the_way(description, direction::ox, node, modules); };
+}
+
 const lysc_node *manifest_node(const manifest &description, std::string_view path, const schema &modules) {
   std::vector<const lysc_node *> all = modules.find_all(path);
   if (all.size() > 1) {

@@ -2,6 +2,7 @@
 // than one '/interfaces/interface' in the world. What the entry points serve tells which of them is meant.
 #pragma once
 
+#include <functional>
 #include <string_view>
 
 #include "yfw/manifest.hpp"
@@ -14,6 +15,10 @@ const lysc_node *served_parent(const entry_point &entry, const schema &modules);
 
 // Whether an entry point of that direction serves the node, or something below it.
 bool is_on_the_way(const manifest &description, direction dir, const lysc_node *node, const schema &modules);
+
+// The test whether a node is of the client's model and leads to what is mapped: whether an entry point for requests
+// serves it, or something below it. Manifest and modules must outlive the result.
+std::function<bool(const lysc_node *)> client_nodes(const manifest &description, const schema &modules);
 
 // The node of a path of the manifest. Null when there is none, or when several may be meant.
 const lysc_node *manifest_node(const manifest &description, std::string_view path, const schema &modules);

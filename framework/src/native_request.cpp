@@ -43,22 +43,6 @@ void add_call(data_tree &tree, const native_call &call, uint32_t default_operati
 
 }  // namespace
 
-std::string key_literal(const std::string &text) {
-  const char quote = text.find('\'') == std::string::npos ? '\'' : '"';
-  return quote + text + quote;
-}
-
-std::string native_call::path() const {
-  std::string text;
-  for (const path_step &step : steps) {
-    text.append("/").append(name(step.node));
-    for (const auto &[key, key_text] : step.keys) {
-      text.append("[").append(key).append("=").append(key_literal(key_text)).append("]");
-    }
-  }
-  return text;
-}
-
 data_tree native_tree(const native_request &request, const schema &modules) {
   data_tree tree(modules);
   for (const native_call &call : request.calls) {

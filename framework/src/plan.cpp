@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <set>
 
-#include "engine_parts.hpp"
 #include "plan_parts.hpp"
 #include "yfw/node.hpp"
+#include "yfw/path_document.hpp"
 
 namespace yfw {
 namespace {
@@ -77,7 +77,7 @@ class condition_reads {
     try {
       trace_log silent;
       document question = request_for(steps_to(node), modules_);
-      client_request asked = read_client_request(question, client_operation::get_config);
+      client_request asked = bare_request(question, client_operation::get_config);
       for (const native_call &call : translate_request(question, std::move(asked), mapping_, silent).calls) {
         std::string path = call.path();
         if (paths_.insert(path).second) {
@@ -102,7 +102,7 @@ const char *text_argument(const abi_call &call, size_t index) {
 }  // namespace
 
 uint32_t lookup_observer::pass(const abi_call &call, const std::function<uint32_t()> &answer) {
-  if (std::string_view(call.function) == "yfw_map_get_node_info_mpls_static") {
+  if (call.id == abi_function::find_list_item) {
     std::string path = text_argument(call, 0);
     path.append("/").append(text_argument(call, 1)).append("/").append(text_argument(call, 2));
     if (paths_.insert(path).second) {

@@ -1,8 +1,16 @@
 #include "plugin_call.hpp"
 
-#include "capture_writer.hpp"
-
 namespace yfw {
+
+static call_tap *installed = nullptr;
+
+void install_call_tap(call_tap *tap) {
+  installed = tap;
+}
+
+call_tap *installed_call_tap() {
+  return installed;
+}
 
 std::string_view word(call_form form) {
   switch (form) {
@@ -32,10 +40,10 @@ uint32_t call_directly(context &ctx, const plugin &mapping, call_form form, cons
 
 uint32_t call_plugin(context &ctx, const plugin &mapping, call_form form, const std::string &function,
                      yfw_node_t *node) {
-  const auto capture = capture_writer::begin(ctx, form, function, node);
+  const auto tapped = installed != nullptr ? installed->begin(ctx, form, function, node) : nullptr;
   const uint32_t status = call_directly(ctx, mapping, form, function, node);
-  if (capture != nullptr) {
-    capture->finish(status);
+  if (tapped != nullptr) {
+    tapped->finish(status);
   }
   return status;
 }

@@ -13,7 +13,7 @@
 #include "plugin_call.hpp"
 #include "reply_part.hpp"
 #include "yfw/node.hpp"
-#include "ymap_frame.h"
+#include "ymap_status.h"
 
 namespace yfw {
 namespace {

@@ -10,7 +10,7 @@
 #include <unordered_set>
 #include <utility>
 
-#include "capture_writer.hpp"
+#include "call_tap.hpp"
 #include "reply_index.hpp"
 #include "reply_part.hpp"
 #include "reply_pieces.hpp"
@@ -94,7 +94,7 @@ class reply_stream {
         around_{data_tree(modules), {}, {}, {}} {}
 
   void run() {
-    const bool is_watched = log_.wants_short_form() || log_.wants_long_form() || capture_writer::is_running();
+    const bool is_watched = log_.wants_short_form() || log_.wants_long_form() || installed_call_tap() != nullptr;
     pieces_end end = is_watched ? pieces_end::unfit : translate_in_order();
     if (end == pieces_end::scattered) {
       forget();

@@ -10,7 +10,7 @@
 #include "plugin_call.hpp"
 #include "refusals.hpp"
 #include "yfw/native_request.hpp"
-#include "ymap_frame.h"
+#include "ymap_status.h"
 
 namespace yfw {
 namespace {

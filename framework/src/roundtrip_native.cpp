@@ -56,7 +56,7 @@ class native_check {
       std::ostringstream text;
       write_json(text, reported.data);
       document edit = document::read(text.str(), "", bench_.modules);
-      (void)bench_.work.edit(again, edit, read_client_request(edit, client_operation::edit));
+      (void)bench_.work.edit(again, edit, bare_request(edit, client_operation::edit));
     }
     const std::vector<std::string> got = stored(again);
     if (got != std::vector{bench_.modules.check_value(leaf_, value).canonical}) {

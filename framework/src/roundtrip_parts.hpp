@@ -6,9 +6,10 @@
 #include <utility>
 #include <vector>
 
-#include "engine_parts.hpp"
 #include "explain_parts.hpp"
 #include "yfw/coverage.hpp"
+#include "yfw/engine.hpp"
+#include "yfw/path_document.hpp"
 #include "yfw/roundtrip.hpp"
 
 namespace yfw {

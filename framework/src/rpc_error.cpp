@@ -7,8 +7,9 @@
 #include <set>
 #include <utility>
 
-#include "engine_parts.hpp"
-#include "yfw/node.hpp"
+#include "manifest_nodes.hpp"
+#include "yfw/message.hpp"
+#include "yfw/query.hpp"
 
 namespace yfw {
 namespace {
@@ -30,7 +31,7 @@ std::vector<path_step> steps_of(const std::string &path, const schema &modules, 
     return {};
   }
   try {
-    return read_expression(known, modules, &description).steps;
+    return read_expression(known, modules, client_nodes(description, modules)).steps;
   } catch (const rpc_error &) {
     return {};
   }

@@ -4,7 +4,7 @@
 #include <numeric>
 
 #include "schema_parts.hpp"
-#include "yfw/node.hpp"
+#include "yfw/namespaces.hpp"
 
 namespace yfw {
 
@@ -99,6 +99,10 @@ std::string_view ns(const lysc_node *node) {
 }
 std::string_view module_name(const lysc_node *node) {
   return node->module->name;
+}
+
+std::string_view module_prefix(const lysc_node *node) {
+  return node->module->prefix;
 }
 
 const lysc_node *parent(const lysc_node *node) {

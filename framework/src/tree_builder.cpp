@@ -93,45 +93,13 @@ void tree_builder::fail(size_t offset, const std::string &text) {
     const size_t end = i + 1 < open_.size() ? open_[i + 1] : pending_.size();
     const auto below = std::span(pending_).subspan(open_[i] + 1, end - open_[i] - 1);
     const bool is_message = is_envelope(pending_[open_[i]]);
-    path += is_message ? "" : path_step(pending_[open_[i]], below);
+    path += is_message ? "" : step_text(pending_[open_[i]], below);
   }
   parts_.fail(offset, text, path);
 }
 
 std::string not_an_operation(std::string_view word) {
   return quoted(word) + " is not an operation, which are 'merge', 'replace', 'create', 'delete', 'remove'";
-}
-
-std::string path_literal(std::string_view text) {
-  const char mark = text.find('"') == std::string_view::npos ? '"' : '\'';
-  return mark + std::string(text) + mark;
-}
-
-std::string path_step(const yfw_node_t &node, std::span<const yfw_node_t> children) {
-  std::string step = std::string("/") + (node.tag != nullptr ? node.tag : "?");
-  for (const std::string_view key : keys(extra(node).schema)) {
-    const auto found = std::ranges::find_if(children, [&](const yfw_node_t &each) {
-      return each.tag != nullptr && key == each.tag && each.value != nullptr && is_key(extra(each).schema);
-    });
-    if (found != children.end()) {
-      step += '[' + std::string(key) + '=' + path_literal(found->value) + ']';
-    }
-  }
-  return step;
-}
-
-std::string path(const yfw_node_t &node) {
-  std::vector<const yfw_node_t *> steps;
-  for (const yfw_node_t *each = &node; each != nullptr; each = extra(*each).parent) {
-    steps.push_back(each);
-  }
-  std::string text;
-  for (auto each = steps.rbegin(); each != steps.rend(); ++each) {
-    if (is_envelope(node) || !is_envelope(**each)) {
-      text += path_step(**each, children(**each));
-    }
-  }
-  return text;
 }
 
 }  // namespace yfw

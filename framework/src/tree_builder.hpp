@@ -49,12 +49,6 @@ class tree_builder {
   size_t count_ = 0;          // of all nodes
 };
 
-// One step of a path, "/book[title="Emma"]"; keys are looked for among `children`.
-std::string path_step(const yfw_node_t &node, std::span<const yfw_node_t> children);
-
-// `text` in double quotes, or in single ones when it holds a double quote.
-std::string path_literal(std::string_view text);
-
 // "'erase' is not an operation, which are 'merge', …"
 std::string not_an_operation(std::string_view word);
 

@@ -5,6 +5,7 @@
 #include "commands.hpp"
 #include "input.hpp"
 #include "yfw/engine.hpp"
+#include "yfw/message.hpp"
 
 namespace ymap {
 

@@ -6,6 +6,7 @@
 #include "device_options.hpp"
 #include "input.hpp"
 #include "yfw/engine.hpp"
+#include "yfw/message.hpp"
 
 namespace ymap {
 namespace {

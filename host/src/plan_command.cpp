@@ -7,6 +7,7 @@
 #include "input.hpp"
 #include "json_report.hpp"
 #include "setup.hpp"
+#include "yfw/message.hpp"
 #include "yfw/node.hpp"
 #include "yfw/plan.hpp"
 

@@ -5,6 +5,7 @@
 #include "commands.hpp"
 #include "input.hpp"
 #include "setup.hpp"
+#include "yfw/message.hpp"
 #include "yfw/native_request.hpp"
 #include "yfw/writer.hpp"
 

@@ -15,7 +15,7 @@
 
 #include "library.hpp"
 #include "yfw/device.hpp"
-#include "yfw/engine.hpp"
+#include "yfw/query.hpp"
 #include "yfw/writer.hpp"
 
 namespace {

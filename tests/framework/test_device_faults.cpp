@@ -18,7 +18,7 @@
 
 #include "library.hpp"
 #include "yfw/device.hpp"
-#include "yfw/engine.hpp"
+#include "yfw/query.hpp"
 
 namespace {
 

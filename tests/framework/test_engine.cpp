@@ -5,6 +5,7 @@
 
 #include "ethernet.hpp"
 #include "yfw/engine.hpp"
+#include "yfw/message.hpp"
 #include "yfw/writer.hpp"
 
 namespace {

@@ -20,7 +20,7 @@
 #include <thread>
 
 #include "yfw/device.hpp"
-#include "yfw/engine.hpp"
+#include "yfw/query.hpp"
 
 namespace {
 

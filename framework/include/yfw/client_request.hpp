@@ -1,4 +1,4 @@
-// What a client asks for: a NETCONF message (RFC 6241) or a bare data tree, taken apart.
+// What a client asks for, and how a bare data tree says it.
 #pragma once
 
 #include <cstdint>
@@ -32,8 +32,13 @@ struct client_request {
 // Whether the document is a bare data tree, which does not say what is to be done with it.
 bool is_bare(const document &request);
 
-// Takes the request apart. `bare_operation` says what is asked with a bare data tree and is not looked at otherwise.
-// The result points into the document. Throws `error` for messages, filters and parameters that are not supported.
-client_request read_client_request(document &request, std::optional<client_operation> bare_operation);
+// The request that a bare data tree makes with that operation. The result points into the document. Throws `error` for
+// filters that are not supported and for operations on the elements around the data.
+client_request bare_request(document &request, client_operation operation);
+
+// What a message with data and one with an operation have in common; of readers of messages.
+void refuse_operations(const document &request, const yfw_node_t &node);
+void require_subtree(const document &request, const yfw_node_t &filter);
+void trim_filter(const document &request, client_request &read);
 
 }  // namespace yfw

@@ -12,7 +12,7 @@
 
 #include "yfw/data_tree.hpp"
 #include "yfw/document.hpp"
-#include "yfw/native_request.hpp"
+#include "yfw/native_operation.hpp"
 #include "yfw/writer.hpp"
 
 namespace yfw {

@@ -10,6 +10,7 @@
 
 #include "yfw.h"
 #include "yfw/error.hpp"
+#include "yfw/instance_path.hpp"
 #include "yfw/schema.hpp"
 
 namespace yfw {
@@ -79,9 +80,5 @@ class document {
   explicit document(std::unique_ptr<parts> inside);
   std::unique_ptr<parts> parts_;
 };
-
-// The path of a node with plain names and the keys that it has: /library/book[title="Emma"]/price. Envelopes around
-// data are left out.
-std::string path(const yfw_node_t &node);
 
 }  // namespace yfw

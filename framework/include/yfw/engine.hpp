@@ -51,13 +51,4 @@ class engine {
   trace_log &log_;
 };
 
-// The data node of a path like /library/book[title='Emma']/price, with all keys; names as for `engine::find`. Throws
-// `rpc_error` when it is none.
-std::vector<path_step> read_instance_path(std::string_view path, const schema &modules,
-                                          const manifest *description = nullptr);
-
-// The error as `rpc-error` in an `rpc-reply` (RFC 6241, section 4.3), or in JSON as `errors` of RFC 8040, section 7.1.
-void write_rpc_error(std::ostream &out, const error &fault, const schema &modules, const manifest &description,
-                     data_format format);
-
 }  // namespace yfw

@@ -10,35 +10,12 @@
 
 #include "yfw/client_request.hpp"
 #include "yfw/data_tree.hpp"
+#include "yfw/native_operation.hpp"
 #include "yfw/plugin.hpp"
 #include "yfw/schema.hpp"
 #include "yfw/trace.hpp"
 
 namespace yfw {
-
-enum class call_kind { set, remove, read };
-
-// One step of a native path. Keys that are not known select all entries of a list.
-struct path_step {
-  const lysc_node *node;
-  std::vector<std::pair<std::string_view, std::string>> keys;
-};
-
-// A key's value in a path: in single quotes, or in double ones if the text holds a single one.
-std::string key_literal(const std::string &text);
-
-// One path that the plug-in emitted. Schema nodes belong to the schema, the rest to the call.
-struct native_call {
-  call_kind kind;
-  std::vector<path_step> steps;
-  std::optional<std::string> value;  // of a set; in a read, the key that selects an entry
-  uint32_t operation;                // YFW_OPERATION_…, of a set or delete
-  const yfw_node_t *cause;           // the client's node that it was made for, of the request's document; may be null
-  uint32_t flag = 0;                 // the last argument of yfw_map_datatree_add_path_flagged
-
-  // /list[key='x']/leaf with plain names, in the form of an instance-identifier (RFC 7950, section 9.13).
-  std::string path() const;
-};
 
 struct native_request {
   client_request client;

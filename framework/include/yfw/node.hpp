@@ -9,13 +9,11 @@
 #include <vector>
 
 #include "yfw.h"
+#include "yfw/namespaces.hpp"
 
 struct lysc_node;
 
 namespace yfw {
-
-inline constexpr const char *netconf_ns = "urn:ietf:params:xml:ns:netconf:base:1.0";     // RFC 6241
-inline constexpr const char *restconf_ns = "urn:ietf:params:xml:ns:yang:ietf-restconf";  // RFC 8040
 
 inline constexpr uint8_t no_operation = 0xff;
 

@@ -5,15 +5,13 @@
 #include <string>
 #include <vector>
 
+#include "yfw/content.hpp"
 #include "yfw/data_tree.hpp"
 #include "yfw/document.hpp"
 #include "yfw/plugin.hpp"
 #include "yfw/trace.hpp"
 
 namespace yfw {
-
-// The `content` query parameter of RESTCONF (RFC 8040, section 4.8.1).
-enum class content { all, config, nonconfig };
 
 struct reply_options {
   content wanted = content::all;

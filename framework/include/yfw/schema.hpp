@@ -91,6 +91,7 @@ bool is_key(const lysc_node *node);
 std::string_view name(const lysc_node *node);
 std::string_view ns(const lysc_node *node);
 std::string_view module_name(const lysc_node *node);
+std::string_view module_prefix(const lysc_node *node);  // that the module gives itself
 
 // The data node above, or null.
 const lysc_node *parent(const lysc_node *node);

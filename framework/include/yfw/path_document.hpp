@@ -1,0 +1,23 @@
+// Documents of one path, for requests that no client wrote.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "yfw/document.hpp"
+#include "yfw/instance_path.hpp"
+#include "yfw/node.hpp"
+
+namespace yfw {
+
+// A tree of one path as JSON, with an operation on its last node unless that is no_operation.
+std::string text_for(const std::vector<path_step> &steps, const schema &modules, uint32_t operation = no_operation,
+                     const std::optional<std::string> &value = {});
+
+// A request that asks for one path, or, unless that is no_operation, carries out an operation on it. No file has it.
+document request_for(const std::vector<path_step> &steps, const schema &modules, uint32_t operation = no_operation,
+                     const std::optional<std::string> &value = {});
+
+}  // namespace yfw
