@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "text.hpp"
+#include "yfw/internal/text.hpp"
 
 namespace yfw {
 namespace {

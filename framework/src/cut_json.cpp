@@ -2,7 +2,7 @@
 #include <array>
 
 #include "document_cutter.hpp"
-#include "text.hpp"
+#include "yfw/internal/text.hpp"
 
 namespace yfw {
 namespace {

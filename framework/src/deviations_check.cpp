@@ -6,8 +6,8 @@
 
 #include "deviations_parts.hpp"
 #include "schema_types.hpp"
-#include "text.hpp"
 #include "yfw/error.hpp"
+#include "yfw/internal/text.hpp"
 
 namespace yfw {
 namespace {

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "document_parts.hpp"
-#include "text.hpp"
+#include "yfw/internal/text.hpp"
 
 namespace yfw {
 

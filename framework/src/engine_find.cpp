@@ -4,7 +4,7 @@
 #include <array>
 #include <memory>
 
-#include "text.hpp"
+#include "yfw/internal/text.hpp"
 #include "yfw/query.hpp"
 
 namespace yfw {

@@ -5,9 +5,9 @@
 #include <tuple>
 
 #include "document_parts.hpp"
-#include "text.hpp"
 #include "tree_builder.hpp"
 #include "yfw/error.hpp"
+#include "yfw/internal/text.hpp"
 
 namespace yfw {
 

@@ -2,9 +2,9 @@
 #include <cstring>
 
 #include "document_parts.hpp"
-#include "text.hpp"
 #include "tree_builder.hpp"
 #include "yfw/error.hpp"
+#include "yfw/internal/text.hpp"
 
 namespace yfw {
 

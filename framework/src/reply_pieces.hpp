@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "document_cutter.hpp"
-#include "spool.hpp"
+#include "yfw/internal/temporary_file.hpp"
 #include "yfw/reply_stream.hpp"
 
 namespace yfw {

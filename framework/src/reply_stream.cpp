@@ -14,7 +14,7 @@
 #include "reply_index.hpp"
 #include "reply_part.hpp"
 #include "reply_pieces.hpp"
-#include "spool.hpp"
+#include "yfw/internal/temporary_file.hpp"
 #include "yfw/node.hpp"
 #include "yfw/writer.hpp"
 

@@ -5,8 +5,8 @@
 #include <map>
 
 #include "schema_parts.hpp"
-#include "text.hpp"
 #include "yfw/error.hpp"
+#include "yfw/internal/text.hpp"
 
 namespace yfw {
 

@@ -5,8 +5,8 @@
 
 #include "schema_parts.hpp"
 #include "schema_types.hpp"
-#include "text.hpp"
 #include "yfw/error.hpp"
+#include "yfw/internal/text.hpp"
 
 namespace yfw {
 

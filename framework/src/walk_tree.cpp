@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "text.hpp"
+#include "yfw/internal/text.hpp"
 
 namespace yfw {
 namespace {

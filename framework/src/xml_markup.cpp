@@ -1,7 +1,7 @@
 #include <cstring>
 
 #include "document_parts.hpp"
-#include "text.hpp"
+#include "yfw/internal/text.hpp"
 
 namespace yfw {
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <array>
 
-#include "text.hpp"
 #include "yfw/error.hpp"
+#include "yfw/internal/text.hpp"
 
 namespace yfw {
 namespace {

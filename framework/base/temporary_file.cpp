@@ -1,4 +1,4 @@
-#include "spool.hpp"
+#include "yfw/internal/temporary_file.hpp"
 
 #include <cerrno>
 #include <cstring>

@@ -1,4 +1,4 @@
-#include "text.hpp"
+#include "yfw/internal/text.hpp"
 
 #include <algorithm>
 #include <cstring>
