@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "schema_parts.hpp"
-#include "schema_types.hpp"
+#include "yfw/internal/schema_internal.hpp"
+#include "yfw/internal/schema_types.hpp"
 
 namespace yfw {
 namespace {

@@ -2,8 +2,8 @@
 #include <map>
 
 #include "deviations_parts.hpp"
-#include "schema_types.hpp"
 #include "yfw/error.hpp"
+#include "yfw/internal/schema_types.hpp"
 
 namespace yfw {
 namespace {

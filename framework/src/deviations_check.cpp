@@ -5,8 +5,8 @@
 #include <sstream>
 
 #include "deviations_parts.hpp"
-#include "schema_types.hpp"
 #include "yfw/error.hpp"
+#include "yfw/internal/schema_types.hpp"
 #include "yfw/internal/text.hpp"
 
 namespace yfw {

@@ -3,8 +3,8 @@
 #include <sstream>
 
 #include "deviations_parts.hpp"
-#include "schema_types.hpp"
 #include "yfw/error.hpp"
+#include "yfw/internal/schema_types.hpp"
 
 namespace yfw {
 namespace {

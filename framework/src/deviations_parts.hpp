@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "schema_parts.hpp"
 #include "yfw/deviations.hpp"
+#include "yfw/internal/schema_internal.hpp"
 
 namespace yfw {
 

@@ -1,8 +1,8 @@
 #include <algorithm>
 
 #include "deviations_parts.hpp"
-#include "schema_types.hpp"
 #include "yfw/error.hpp"
+#include "yfw/internal/schema_types.hpp"
 
 namespace yfw {
 namespace {

@@ -3,7 +3,7 @@
 
 #include "coverage_values.hpp"
 #include "roundtrip_parts.hpp"
-#include "schema_types.hpp"
+#include "yfw/internal/schema_types.hpp"
 
 namespace yfw {
 namespace {

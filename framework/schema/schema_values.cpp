@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <limits>
 
-#include "schema_parts.hpp"
-#include "schema_types.hpp"
 #include "yfw/error.hpp"
+#include "yfw/internal/schema_internal.hpp"
+#include "yfw/internal/schema_types.hpp"
 #include "yfw/internal/text.hpp"
 
 namespace yfw {

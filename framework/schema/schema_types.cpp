@@ -1,8 +1,8 @@
-#include "schema_types.hpp"
+#include "yfw/internal/schema_types.hpp"
 
 #include <algorithm>
 
-#include "schema_parts.hpp"
+#include "yfw/internal/schema_internal.hpp"
 
 namespace yfw {
 

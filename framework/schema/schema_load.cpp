@@ -4,8 +4,8 @@
 #include <iterator>
 #include <map>
 
-#include "schema_parts.hpp"
 #include "yfw/error.hpp"
+#include "yfw/internal/schema_internal.hpp"
 #include "yfw/internal/text.hpp"
 
 namespace yfw {

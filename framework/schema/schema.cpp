@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <numeric>
 
-#include "schema_parts.hpp"
+#include "yfw/internal/schema_internal.hpp"
 #include "yfw/namespaces.hpp"
 
 namespace yfw {
