@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "document_cutter.hpp"
+#include "yfw/internal/document_cutter.hpp"
 #include "yfw/internal/temporary_file.hpp"
 #include "yfw/reply_stream.hpp"
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "document_parts.hpp"
+#include "document_internal.hpp"
 #include "yfw/internal/text.hpp"
 
 namespace yfw {

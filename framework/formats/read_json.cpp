@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <tuple>
 
-#include "document_parts.hpp"
+#include "document_internal.hpp"
 #include "tree_builder.hpp"
 #include "yfw/error.hpp"
 #include "yfw/internal/text.hpp"

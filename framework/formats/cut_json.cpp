@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <array>
 
-#include "document_cutter.hpp"
+#include "yfw/internal/document_cutter.hpp"
 #include "yfw/internal/text.hpp"
 
 namespace yfw {

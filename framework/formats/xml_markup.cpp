@@ -1,6 +1,6 @@
 #include <cstring>
 
-#include "document_parts.hpp"
+#include "document_internal.hpp"
 #include "yfw/internal/text.hpp"
 
 namespace yfw {

@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <set>
 
-#include "document_cutter.hpp"
+#include "yfw/internal/document_cutter.hpp"
 
 namespace yfw {
 namespace {

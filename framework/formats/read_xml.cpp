@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "document_parts.hpp"
+#include "document_internal.hpp"
 #include "tree_builder.hpp"
 #include "yfw/error.hpp"
 #include "yfw/internal/text.hpp"

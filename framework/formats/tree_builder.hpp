@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "document_parts.hpp"
+#include "document_internal.hpp"
 
 namespace yfw {
 
