@@ -4,7 +4,7 @@
 
 #include "coverage_values.hpp"
 #include "explain_parts.hpp"
-#include "xpath_tokens.hpp"
+#include "yfw/internal/xpath_tokens.hpp"
 #include "yfw/query.hpp"
 
 namespace yfw {

@@ -1,4 +1,4 @@
-#include "xpath_tokens.hpp"
+#include "yfw/internal/xpath_tokens.hpp"
 
 #include <algorithm>
 #include <array>

@@ -3,7 +3,7 @@
 #include <iterator>
 #include <set>
 
-#include "xpath_tokens.hpp"
+#include "yfw/internal/xpath_tokens.hpp"
 #include "yfw/query.hpp"
 
 namespace yfw {
