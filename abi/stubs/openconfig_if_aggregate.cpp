@@ -1,6 +1,6 @@
 // The entry point of the plug-in for openconfig-if-aggregate, which is loaded beside others on a device and which yfw.h
 // makes part of the contract. This stub stands in for it where that plug-in is not loaded.
-#include "context.hpp"
+#include "yfw/internal/context.hpp"
 #include "ymap_status.h"
 
 // Maps nothing and says so: a read names the leaf as not mapped, a write is refused.

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "context.hpp"
-#include "schema_steps.hpp"
+#include "yfw/internal/context.hpp"
+#include "yfw/internal/schema_steps.hpp"
 #include "yfw/native_request.hpp"
 
 namespace yfw {

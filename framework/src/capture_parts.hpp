@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "capture_text.hpp"
-#include "plugin_call.hpp"
 #include "yfw/capture.hpp"
+#include "yfw/internal/plugin_call.hpp"
 
 namespace yfw {
 

@@ -9,7 +9,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "abi_call.hpp"
+#include "yfw/internal/abi_call.hpp"
 
 namespace yfw {
 

@@ -9,8 +9,8 @@
 
 #include "capture_anonymiser.hpp"
 #include "capture_state.hpp"
-#include "plugin_call.hpp"
 #include "yfw/capture.hpp"
+#include "yfw/internal/plugin_call.hpp"
 
 namespace yfw {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "coverage_probes.hpp"
-#include "manifest_nodes.hpp"
+#include "yfw/internal/manifest_nodes.hpp"
 #include "yfw/node.hpp"
 
 namespace yfw {

@@ -7,9 +7,9 @@
 #include <unordered_map>
 #include <vector>
 
-#include "context.hpp"
-#include "schema_steps.hpp"
 #include "yfw/data_tree.hpp"
+#include "yfw/internal/context.hpp"
+#include "yfw/internal/schema_steps.hpp"
 
 namespace yfw {
 

@@ -7,7 +7,7 @@
 
 #include "engine_parts.hpp"
 #include "handover.hpp"
-#include "manifest_nodes.hpp"
+#include "yfw/internal/manifest_nodes.hpp"
 #include "yfw/node.hpp"
 #include "yfw/writer.hpp"
 

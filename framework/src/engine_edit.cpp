@@ -3,8 +3,8 @@
 #include <utility>
 
 #include "engine_parts.hpp"
-#include "manifest_nodes.hpp"
 #include "plan_parts.hpp"
+#include "yfw/internal/manifest_nodes.hpp"
 #include "yfw/node.hpp"
 
 namespace yfw {

@@ -6,8 +6,8 @@
 #include "coverage_probes.hpp"
 #include "coverage_values.hpp"
 #include "explain_parts.hpp"
-#include "manifest_nodes.hpp"
 #include "yfw/engine.hpp"
+#include "yfw/internal/manifest_nodes.hpp"
 
 namespace yfw {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "manifest_nodes.hpp"
+#include "yfw/internal/manifest_nodes.hpp"
 
 namespace yfw {
 namespace {

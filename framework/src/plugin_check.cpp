@@ -8,10 +8,10 @@
 #include <memory>
 #include <set>
 
-#include "elf_file.hpp"
 #include "plugin_check_names.hpp"
 #include "yfw.h"
 #include "yfw/error.hpp"
+#include "yfw/internal/elf_file.hpp"
 
 namespace yfw {
 namespace {

@@ -7,8 +7,8 @@
 #include <utility>
 #include <vector>
 
-#include "elf_file.hpp"
 #include "mapping_name.hpp"
+#include "yfw/internal/elf_file.hpp"
 #include "yfw/plugin_check.hpp"
 
 namespace yfw {

@@ -7,11 +7,11 @@
 #include <unordered_map>
 #include <utility>
 
-#include "context.hpp"
 #include "data_builder.hpp"
-#include "manifest_nodes.hpp"
-#include "plugin_call.hpp"
 #include "reply_part.hpp"
+#include "yfw/internal/context.hpp"
+#include "yfw/internal/manifest_nodes.hpp"
+#include "yfw/internal/plugin_call.hpp"
 #include "yfw/node.hpp"
 #include "ymap_status.h"
 

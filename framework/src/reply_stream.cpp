@@ -10,10 +10,10 @@
 #include <unordered_set>
 #include <utility>
 
-#include "call_tap.hpp"
 #include "reply_index.hpp"
 #include "reply_part.hpp"
 #include "reply_pieces.hpp"
+#include "yfw/internal/call_tap.hpp"
 #include "yfw/internal/temporary_file.hpp"
 #include "yfw/node.hpp"
 #include "yfw/writer.hpp"

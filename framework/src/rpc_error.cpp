@@ -7,7 +7,7 @@
 #include <set>
 #include <utility>
 
-#include "manifest_nodes.hpp"
+#include "yfw/internal/manifest_nodes.hpp"
 #include "yfw/message.hpp"
 #include "yfw/query.hpp"
 

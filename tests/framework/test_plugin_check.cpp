@@ -5,9 +5,9 @@
 #include <fstream>
 #include <random>
 
-#include "elf_file.hpp"
 #include "mapping_name.hpp"
 #include "yfw/error.hpp"
+#include "yfw/internal/elf_file.hpp"
 
 namespace {
 

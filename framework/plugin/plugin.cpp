@@ -4,9 +4,9 @@
 
 #include <utility>
 
-#include "elf_file.hpp"
 #include "yfw.h"
 #include "yfw/error.hpp"
+#include "yfw/internal/elf_file.hpp"
 
 namespace yfw {
 namespace {

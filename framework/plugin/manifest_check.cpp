@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "manifest_nodes.hpp"
 #include "yfw/error.hpp"
+#include "yfw/internal/manifest_nodes.hpp"
 
 namespace yfw {
 namespace {

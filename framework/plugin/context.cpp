@@ -1,4 +1,4 @@
-#include "context.hpp"
+#include "yfw/internal/context.hpp"
 
 #include <cstdlib>
 #include <utility>

@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <string>
 
-#include "context.hpp"
+#include "yfw/internal/context.hpp"
 
 using yfw::context;
 

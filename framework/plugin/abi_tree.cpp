@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "context.hpp"
+#include "yfw/internal/context.hpp"
 #include "yfw/node.hpp"
 
 using yfw::abi_call;

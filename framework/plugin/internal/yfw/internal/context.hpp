@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
-#include "abi_call.hpp"
 #include "yfw.h"
+#include "yfw/internal/abi_call.hpp"
 #include "yfw/manifest.hpp"
 #include "yfw/trace.hpp"
 

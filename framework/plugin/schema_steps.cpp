@@ -1,8 +1,8 @@
-#include "schema_steps.hpp"
+#include "yfw/internal/schema_steps.hpp"
 
 #include <algorithm>
 
-#include "manifest_nodes.hpp"
+#include "yfw/internal/manifest_nodes.hpp"
 
 namespace yfw {
 

@@ -1,4 +1,4 @@
-#include "plugin_call.hpp"
+#include "yfw/internal/plugin_call.hpp"
 
 namespace yfw {
 

@@ -2,7 +2,7 @@
 #include <cerrno>
 #include <cstring>
 
-#include "context.hpp"
+#include "yfw/internal/context.hpp"
 
 using yfw::abi_call;
 using yfw::abi_function;

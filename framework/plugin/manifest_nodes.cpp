@@ -1,4 +1,4 @@
-#include "manifest_nodes.hpp"
+#include "yfw/internal/manifest_nodes.hpp"
 
 #include <algorithm>
 

@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
-#include "call_tap.hpp"
-#include "context.hpp"
+#include "yfw/internal/call_tap.hpp"
+#include "yfw/internal/context.hpp"
 #include "yfw/plugin.hpp"
 
 namespace yfw {

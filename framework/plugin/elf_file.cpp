@@ -1,4 +1,4 @@
-#include "elf_file.hpp"
+#include "yfw/internal/elf_file.hpp"
 
 #include <algorithm>
 #include <cerrno>
