@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "capture_parts.hpp"
+#include "capture_internal.hpp"
 #include "capture_state.hpp"
 #include "yfw/error.hpp"
 #include "yfw/node.hpp"

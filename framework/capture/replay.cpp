@@ -4,7 +4,7 @@
 #include <cstring>
 #include <deque>
 
-#include "capture_parts.hpp"
+#include "capture_internal.hpp"
 #include "capture_state.hpp"
 #include "yfw/error.hpp"
 #include "yfw/node.hpp"
