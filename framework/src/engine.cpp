@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "engine_parts.hpp"
-#include "handover.hpp"
+#include "yfw/internal/handover.hpp"
 #include "yfw/internal/manifest_nodes.hpp"
 #include "yfw/node.hpp"
 #include "yfw/writer.hpp"

@@ -3,8 +3,8 @@
 #include <utility>
 
 #include "engine_parts.hpp"
-#include "plan_parts.hpp"
 #include "yfw/internal/manifest_nodes.hpp"
+#include "yfw/internal/plan_internal.hpp"
 #include "yfw/node.hpp"
 
 namespace yfw {

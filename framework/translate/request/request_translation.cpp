@@ -4,11 +4,11 @@
 #include <set>
 
 #include "call_recorder.hpp"
-#include "handover.hpp"
-#include "plan_parts.hpp"
-#include "refusals.hpp"
 #include "yfw/internal/context.hpp"
+#include "yfw/internal/handover.hpp"
+#include "yfw/internal/plan_internal.hpp"
 #include "yfw/internal/plugin_call.hpp"
+#include "yfw/internal/refusals.hpp"
 #include "yfw/native_request.hpp"
 #include "ymap_status.h"
 

@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "refusals.hpp"
 #include "yfw/client_request.hpp"
 #include "yfw/document.hpp"
+#include "yfw/internal/refusals.hpp"
 #include "yfw/node.hpp"
 
 namespace yfw {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <set>
 
-#include "plan_parts.hpp"
+#include "yfw/internal/plan_internal.hpp"
 #include "yfw/node.hpp"
 #include "yfw/path_document.hpp"
 

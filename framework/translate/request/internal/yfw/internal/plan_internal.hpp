@@ -5,8 +5,8 @@
 #include <unordered_set>
 #include <vector>
 
-#include "refusals.hpp"
 #include "yfw/internal/abi_call.hpp"
+#include "yfw/internal/refusals.hpp"
 #include "yfw/plan.hpp"
 
 namespace yfw {

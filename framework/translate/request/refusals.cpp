@@ -1,4 +1,4 @@
-#include "refusals.hpp"
+#include "yfw/internal/refusals.hpp"
 
 #include <algorithm>
 

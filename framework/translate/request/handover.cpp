@@ -1,4 +1,4 @@
-#include "handover.hpp"
+#include "yfw/internal/handover.hpp"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "walk_tree.hpp"
+#include "yfw/internal/walk_tree.hpp"
 
 #include <algorithm>
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "walk_tree.hpp"
+#include "yfw/internal/walk_tree.hpp"
 #include "yfw/plugin.hpp"
 
 namespace yfw {
