@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "engine_parts.hpp"
+#include "engine_internal.hpp"
 #include "yfw/internal/manifest_nodes.hpp"
 #include "yfw/internal/plan_internal.hpp"
 #include "yfw/node.hpp"

@@ -5,7 +5,7 @@
 #include <sstream>
 #include <utility>
 
-#include "engine_parts.hpp"
+#include "engine_internal.hpp"
 #include "yfw/internal/handover.hpp"
 #include "yfw/internal/manifest_nodes.hpp"
 #include "yfw/node.hpp"
