@@ -1,9 +1,9 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "coverage_document.hpp"
 #include "coverage_probes.hpp"
-#include "coverage_values.hpp"
+#include "yfw/internal/coverage_document.hpp"
+#include "yfw/internal/coverage_values.hpp"
 #include "yfw/node.hpp"
 #include "ymap_status.h"
 

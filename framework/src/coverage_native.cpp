@@ -1,8 +1,8 @@
 #include <algorithm>
 
-#include "coverage_document.hpp"
 #include "coverage_probes.hpp"
-#include "coverage_values.hpp"
+#include "yfw/internal/coverage_document.hpp"
+#include "yfw/internal/coverage_values.hpp"
 #include "yfw/reply.hpp"
 
 namespace yfw {

@@ -4,8 +4,8 @@
 #include <iterator>
 #include <sstream>
 
-#include "coverage_values.hpp"
 #include "roundtrip_parts.hpp"
+#include "yfw/internal/coverage_values.hpp"
 
 namespace yfw {
 namespace {

@@ -1,8 +1,8 @@
 // From the client's model to the device and back.
 #include <algorithm>
 
-#include "coverage_values.hpp"
 #include "roundtrip_parts.hpp"
+#include "yfw/internal/coverage_values.hpp"
 #include "yfw/internal/schema_types.hpp"
 
 namespace yfw {

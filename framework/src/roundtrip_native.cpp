@@ -1,8 +1,8 @@
 // From native data to the client's model and back.
 #include <sstream>
 
-#include "coverage_values.hpp"
 #include "roundtrip_parts.hpp"
+#include "yfw/internal/coverage_values.hpp"
 #include "yfw/reply.hpp"
 #include "yfw/writer.hpp"
 

@@ -6,11 +6,11 @@
 #include <string>
 #include <vector>
 
-#include "coverage_values.hpp"
 #include "ethernet.hpp"
 #include "yfw/coverage.hpp"
 #include "yfw/deviations.hpp"
 #include "yfw/error.hpp"
+#include "yfw/internal/coverage_values.hpp"
 
 namespace {
 

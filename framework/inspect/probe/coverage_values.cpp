@@ -1,4 +1,4 @@
-#include "coverage_values.hpp"
+#include "yfw/internal/coverage_values.hpp"
 
 #include <algorithm>
 

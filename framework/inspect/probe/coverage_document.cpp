@@ -1,11 +1,11 @@
-#include "coverage_document.hpp"
+#include "yfw/internal/coverage_document.hpp"
 
 #include <algorithm>
 #include <deque>
 #include <sstream>
 
-#include "coverage_values.hpp"
 #include "yfw/data_tree.hpp"
+#include "yfw/internal/coverage_values.hpp"
 #include "yfw/node.hpp"
 #include "yfw/writer.hpp"
 

@@ -2,7 +2,7 @@
 #include <charconv>
 #include <cstring>
 
-#include "coverage_values.hpp"
+#include "yfw/internal/coverage_values.hpp"
 
 namespace yfw {
 namespace {
