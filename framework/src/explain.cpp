@@ -3,9 +3,9 @@
 
 #include <algorithm>
 
-#include "coverage_probes.hpp"
 #include "explain_parts.hpp"
 #include "yfw/engine.hpp"
+#include "yfw/internal/coverage_probes.hpp"
 #include "yfw/internal/coverage_values.hpp"
 #include "yfw/internal/manifest_nodes.hpp"
 

@@ -1,7 +1,7 @@
 #include <algorithm>
 
-#include "coverage_probes.hpp"
 #include "yfw/internal/coverage_document.hpp"
+#include "yfw/internal/coverage_probes.hpp"
 #include "yfw/internal/coverage_values.hpp"
 #include "yfw/reply.hpp"
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "coverage_probes.hpp"
+#include "yfw/internal/coverage_probes.hpp"
 #include "yfw/internal/manifest_nodes.hpp"
 #include "yfw/node.hpp"
 

@@ -1,8 +1,8 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "coverage_probes.hpp"
 #include "yfw/internal/coverage_document.hpp"
+#include "yfw/internal/coverage_probes.hpp"
 #include "yfw/internal/coverage_values.hpp"
 #include "yfw/node.hpp"
 #include "ymap_status.h"
