@@ -2,7 +2,7 @@
 #include <map>
 #include <sstream>
 
-#include "deviations_parts.hpp"
+#include "deviations_internal.hpp"
 #include "yfw/error.hpp"
 #include "yfw/internal/schema_types.hpp"
 

@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <map>
 
-#include "deviations_parts.hpp"
+#include "deviations_internal.hpp"
 #include "yfw/error.hpp"
 #include "yfw/internal/schema_types.hpp"
 

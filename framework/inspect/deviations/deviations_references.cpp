@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "deviations_parts.hpp"
+#include "deviations_internal.hpp"
 #include "yfw/error.hpp"
 #include "yfw/internal/schema_types.hpp"
 
