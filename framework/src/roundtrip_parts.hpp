@@ -6,9 +6,9 @@
 #include <utility>
 #include <vector>
 
-#include "explain_parts.hpp"
 #include "yfw/coverage.hpp"
 #include "yfw/engine.hpp"
+#include "yfw/internal/explain_internal.hpp"
 #include "yfw/path_document.hpp"
 #include "yfw/roundtrip.hpp"
 

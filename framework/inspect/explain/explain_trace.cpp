@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <charconv>
 
-#include "explain_parts.hpp"
+#include "yfw/internal/explain_internal.hpp"
 
 namespace yfw {
 namespace {

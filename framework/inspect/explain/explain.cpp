@@ -3,10 +3,10 @@
 
 #include <algorithm>
 
-#include "explain_parts.hpp"
 #include "yfw/engine.hpp"
 #include "yfw/internal/coverage_probes.hpp"
 #include "yfw/internal/coverage_values.hpp"
+#include "yfw/internal/explain_internal.hpp"
 #include "yfw/internal/manifest_nodes.hpp"
 
 namespace yfw {

@@ -1,4 +1,4 @@
-#include "explain_parts.hpp"
+#include "yfw/internal/explain_internal.hpp"
 #include "yfw/path_document.hpp"
 #include "yfw/reply.hpp"
 

@@ -2,8 +2,8 @@
 #include <algorithm>
 #include <iterator>
 
-#include "explain_parts.hpp"
 #include "yfw/internal/coverage_values.hpp"
+#include "yfw/internal/explain_internal.hpp"
 #include "yfw/internal/xpath_tokens.hpp"
 #include "yfw/query.hpp"
 
