@@ -1,7 +1,7 @@
 // From the client's model to the device and back.
 #include <algorithm>
 
-#include "roundtrip_parts.hpp"
+#include "roundtrip_internal.hpp"
 #include "yfw/internal/coverage_values.hpp"
 #include "yfw/internal/schema_types.hpp"
 

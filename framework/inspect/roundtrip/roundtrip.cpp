@@ -4,7 +4,7 @@
 #include <iterator>
 #include <sstream>
 
-#include "roundtrip_parts.hpp"
+#include "roundtrip_internal.hpp"
 #include "yfw/internal/coverage_values.hpp"
 
 namespace yfw {

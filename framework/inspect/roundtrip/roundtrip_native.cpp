@@ -1,7 +1,7 @@
 // From native data to the client's model and back.
 #include <sstream>
 
-#include "roundtrip_parts.hpp"
+#include "roundtrip_internal.hpp"
 #include "yfw/internal/coverage_values.hpp"
 #include "yfw/reply.hpp"
 #include "yfw/writer.hpp"
