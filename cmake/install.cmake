@@ -28,7 +28,10 @@ install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT tool PA
 
 # What the author of another plug-in needs, and who embeds the framework: find_package(ymap).
 install(TARGETS ymapgen EXPORT ymapTargets RUNTIME COMPONENT devel)
-install(DIRECTORY abi/include/ mapping/ethernet/include/ framework/include/ DESTINATION ${ymap_header_dir} COMPONENT devel)
+get_property(ymap_header_folders GLOBAL PROPERTY YFW_include)
+list(TRANSFORM ymap_header_folders APPEND /)
+install(DIRECTORY abi/include/ mapping/ethernet/include/ ${ymap_header_folders}
+  DESTINATION ${ymap_header_dir} COMPONENT devel)
 install(EXPORT ymapTargets NAMESPACE ymap:: DESTINATION ${ymap_package_dir} COMPONENT devel)
 configure_package_config_file(cmake/ymapConfig.cmake.in ymapConfig.cmake INSTALL_DESTINATION ${ymap_package_dir})
 write_basic_package_version_file(ymapConfigVersion.cmake COMPATIBILITY SameMinorVersion)
