@@ -23,7 +23,7 @@ install(FILES docs/ymap.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT too
 install(FILES host/completion/ymap.bash RENAME ymap
   DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT tool)
 install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT tool)
-install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT tool FILES_MATCHING PATTERN *.md)
+install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT tool FILES_MATCHING PATTERN *.md PATTERN ymap.1)
 install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT tool PATTERN *.lock EXCLUDE)
 
 # What the author of another plug-in needs, and who embeds the framework: find_package(ymap).
