@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <random>
@@ -32,12 +33,25 @@ std::string replaced(std::string text, const std::string &what, const std::strin
   return at == std::string::npos ? text : text.replace(at, what.size(), with);
 }
 
+// The lines of a capture that say what the plug-in did.
+std::vector<std::string> acts_in(const std::string &capture) {
+  std::vector<std::string> acts;
+  std::istringstream stream(capture);
+  for (std::string line; std::getline(stream, line);) {
+    if (line.starts_with("call ") || line.starts_with("wrote ") || line.starts_with("return ")) {
+      acts.push_back(line);
+    }
+  }
+  return acts;
+}
+
 TEST(Capture, ReplaysWithoutADifference) {
   const yfw::capture recorded = yfw::capture::read(sample(), "sample");
   const std::vector<yfw::plugin_act> acts = yfw::replay(recorded, mapping());
   EXPECT_TRUE(recorded.has_returned());
-  EXPECT_EQ(18U, acts.size());
-  EXPECT_EQ("return 0x0", acts.back().text);
+  std::vector<std::string> replayed;
+  std::ranges::transform(acts, std::back_inserter(replayed), &yfw::plugin_act::text);
+  EXPECT_EQ(acts_in(sample()), replayed);
   EXPECT_FALSE(yfw::first_parting(recorded.acts(), acts).has_value());
 }
 
@@ -182,15 +196,16 @@ TEST_P(Anonymous, KeepsTheForm) {
 
 INSTANTIATE_TEST_SUITE_P(
     Text, Anonymous,
-    testing::Values(AnonymousRow{"Key", "Emma", "Xxxb"}, AnonymousRow{"InText", "link to Emma.", "link to Xxxb."},
-                    AnonymousRow{"PartOfAWord", "Emmas dilEmma", "Emmas dilEmma"}, AnonymousRow{"Number", "42", "42"},
-                    AnonymousRow{"Colons", "00:1B:2c:00:00:01", "02:00:00:00:00:01"},
-                    AnonymousRow{"Dots", "001b.2c00.0001 and 00:1b:2c:00:00:01",
-                                 "0200.0000.0001 and 02:00:00:00:00:01"},
-                    AnonymousRow{"Ip4Key", "10.1.0.7/24", "198.18.0.1/24"},
-                    AnonymousRow{"Ip4", "from 10.9.8.7.", "from 198.18.0.2."},
-                    AnonymousRow{"Ip6", "fe80::1 fe80::1 fe80::2", "2001:db8::0:2 2001:db8::0:2 2001:db8::0:3"},
-                    AnonymousRow{"NoAddress", "12:30:45 1.2.3 SPEED_10MB a:b", "12:30:45 1.2.3 SPEED_10MB a:b"}),
+    testing::Values(
+        AnonymousRow{"Key", "Emma", "Xxxb"}, AnonymousRow{"InText", "link to Emma.", "link to Xxxb."},
+        AnonymousRow{"PartOfAWord", "Emmas dilEmma", "Emmas dilEmma"}, AnonymousRow{"Number", "42", "42"},
+        AnonymousRow{"Colons", "00:1B:2c:00:00:01", "02:00:00:00:00:01"},
+        AnonymousRow{"AnyCase", "0A:1B:2C:00:00:01 0a:1b:2c:00:00:01", "02:00:00:00:00:01 02:00:00:00:00:01"},
+        AnonymousRow{"Dots", "001b.2c00.0001 and 00:1b:2c:00:00:01", "0200.0000.0001 and 02:00:00:00:00:01"},
+        AnonymousRow{"Ip4Key", "10.1.0.7/24", "198.18.0.1/24"},
+        AnonymousRow{"Ip4", "from 10.9.8.7.", "from 198.18.0.2."},
+        AnonymousRow{"Ip6", "fe80::1 fe80::1 fe80::2", "2001:db8::0:2 2001:db8::0:2 2001:db8::0:3"},
+        AnonymousRow{"NoAddress", "12:30:45 1.2.3 SPEED_10MB a:b", "12:30:45 1.2.3 SPEED_10MB a:b"}),
     [](const auto &row) { return std::string(row.param.name); });
 
 TEST(Capture, SessionsDoNotMix) {

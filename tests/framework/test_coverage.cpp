@@ -180,7 +180,7 @@ yfw::coverage_cell made_cell(leaf_operation operation, bool is_mapped) {
 yfw::coverage garden_with(const std::map<std::string, std::string> &exceptions,
                           const std::vector<std::string> &refused = {}) {
   yfw::coverage made;
-  for (const char *leaf : {"name", "soil", "cover", "width", "heated", "warmth", "neighbour", "water/rate",
+  for (const char *leaf : {"name", "soil", "cover", "width", "heated", "warmth", "neighbour", "hut", "water/rate",
                            "water/timer", "water/tank/litres"}) {
     const auto found = exceptions.find(leaf);
     const std::string what = found == exceptions.end() ? "rs" : found->second;
@@ -261,6 +261,10 @@ INSTANTIATE_TEST_SUITE_P(
                 {{"heated", ""}},
                 {},
                 "refused /garden/bed/heated: cannot be removed: the when of '/garden/bed/warmth' looks at it; "},
+        PlanRow{"TargetOfWhenOfChoice",
+                {{"cover", ""}},
+                {},
+                "refused /garden/bed/cover: cannot be removed: the when of '/garden/bed/shelter' looks at it; "},
         PlanRow{"WhenGoesToo", {{"heated", ""}, {"warmth", ""}}, {}, "no heated; no warmth; "}),
     [](const auto &each) { return std::string(each.param.name); });
 

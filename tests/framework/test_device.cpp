@@ -286,6 +286,28 @@ TEST(DeviceEdit, DoesTheSameInOneEditAsInMany) {
   EXPECT_GT(std::ranges::count(one.text(), '\n'), 100);
 }
 
+// The entries move up when the leaf before them goes.
+TEST(DeviceEdit, FindsEntriesAfterACaseOfAChoiceIsGone) {
+  const std::string heated = "<library xmlns=\"urn:test:library\"><gas-meter>7</gas-meter></library>";
+  yfw::device one = device_of(heated);
+  yfw::device many = device_of(heated);
+  yfw::device_edit whole(one);
+  const auto set = [&](const std::string &path, const std::string &value) {
+    yfw::device_edit single(many);
+    single.apply(call(call_kind::set, "/library:library/" + path, value));
+    single.commit();
+    whole.apply(call(call_kind::set, "/library:library/" + path, value));
+  };
+  for (const std::string reader : {"Ann", "Bo"}) {
+    for (int i = 0; i < 40; ++i) {
+      set("book[title='" + std::to_string(i) + "'][edition='1']/loan/reader", reader);
+    }
+    set("stove", "true");
+  }
+  whole.commit();
+  EXPECT_EQ(many.text(), one.text());
+}
+
 // ---- what a device is read from and written as
 
 struct TextRow {

@@ -1,9 +1,11 @@
-// The whole way with the Ethernet mapping: what clients get, and what RFC 6241 says of their edits.
+// The whole way with the Ethernet mapping, and one of a leaf-list: what clients get, and what RFC 6241 says of their
+// edits.
 #include <gtest/gtest.h>
 
 #include <sstream>
 
 #include "ethernet.hpp"
+#include "library.hpp"
 #include "yfw/engine.hpp"
 #include "yfw/message.hpp"
 #include "yfw/writer.hpp"
@@ -33,6 +35,12 @@ std::string message(const std::string &parameters, const std::string &interfaces
          "xmlns:nc=\"urn:ietf:params:xml:ns:netconf:base:1.0\">" +
          parameters + "<config><interfaces xmlns=\"http://openconfig.net/yang/interfaces\">" + interfaces +
          "</interfaces></config></edit-config>";
+}
+
+std::string compact(const yfw::data_tree &tree) {
+  std::ostringstream text;
+  write_json(text, tree, {.pretty = false});
+  return text.str();
 }
 
 // ---- edits
@@ -179,13 +187,60 @@ TEST(EngineEdit, ChangesNothingWithTestOnly) {
   EXPECT_EQ(before, device.text());
 }
 
-// ---- reads
+// With a mapping that has a leaf-list: its entries 1 and 2 are there.
+struct LeafListRow {
+  const char *name, *value;
+  uint32_t operation;
+  const char *result;
+};
 
-std::string compact(const yfw::data_tree &tree) {
-  std::ostringstream text;
-  write_json(text, tree, {.pretty = false});
-  return text.str();
+class LeafListEdit : public testing::TestWithParam<LeafListRow> {};
+
+TEST_P(LeafListEdit, LooksForTheEntryOfThatValue) {
+  yfw::device device =
+      yfw::device::read(yfw::document::read(R"({"library:library":{"shelf":[1,2]}})", "device", library()));
+  const yfw::plugin shelves = yfw::plugin::load(YFW_TEST_SHELVES);
+  yfw::trace_log log;
+  std::string result;
+  try {
+    const yfw::engine engine(shelves, log);
+    for (const yfw::device_change &change :
+         engine.edit_node(device, "/library:library/shelf", GetParam().value, GetParam().operation).changes) {
+      result += words(change);
+    }
+  } catch (const yfw::rpc_error &fault) {
+    result = word(fault.tag());
+  }
+  EXPECT_EQ(GetParam().result, result);
 }
+
+INSTANTIATE_TEST_SUITE_P(Rows, LeafListEdit,
+                         testing::Values(LeafListRow{"CreateAbsent", "3", YFW_OPERATION_CREATE,
+                                                     "shelf[.='3']: none -> 3; "},
+                                         LeafListRow{"CreatePresent", "2", YFW_OPERATION_CREATE, "data-exists"},
+                                         LeafListRow{"DeleteAbsent", "3", YFW_OPERATION_DELETE, "data-missing"}),
+                         [](const auto &each) { return std::string(each.param.name); });
+
+// Each value that is refused ends a walk, and the next one goes without it: with very many of them that would take
+// long.
+TEST(Reply, WalksAgainWithoutARefusedValueButNotForever) {
+  const auto notes_on = [](unsigned refused) {
+    std::string text = "<library xmlns='urn:test:library'>";
+    for (unsigned i = 0; i < refused; ++i) {
+      text += "<shelf>13</shelf>";
+    }
+    yfw::document native = yfw::document::read(text + "<shelf>1</shelf></library>", "device", library());
+    const yfw::plugin shelves = yfw::plugin::load(YFW_TEST_SHELVES);
+    yfw::trace_log log;
+    const yfw::reply reply = translate_reply(native, shelves, {}, log);
+    EXPECT_EQ(R"({"library:library":{"shelf":[1]}})", compact(reply.data));
+    return reply.notes.size();
+  };
+  EXPECT_EQ(1U, notes_on(256));  // one line says all of them
+  EXPECT_EQ("device:1: /library/shelf: the plug-in refuses it", thrown_by([&] { (void)notes_on(257); }));
+}
+
+// ---- reads
 
 struct EngineGetRow {
   const char *name, *filter, *answer;  // JSON: the interfaces that are asked for, and that are found
@@ -230,6 +285,11 @@ INSTANTIATE_TEST_SUITE_P(
                      R"([{"openconfig-if-ethernet:ethernet":{"config":{"duplex-mode":"FULL","port-speed":null}}}])",
                      R"([{"name":"Gi1","openconfig-if-ethernet:ethernet":)"
                      R"({"config":{"duplex-mode":"FULL","port-speed":"SPEED_100MB"}}}])"},
+        EngineGetRow{"ByValueInAnotherForm",
+                     R"([{"openconfig-if-ethernet:ethernet":)"
+                     R"({"config":{"port-speed":"openconfig-if-ethernet:SPEED_100MB","duplex-mode":null}}}])",
+                     R"([{"name":"Gi1","openconfig-if-ethernet:ethernet":)"
+                     R"({"config":{"port-speed":"SPEED_100MB","duplex-mode":"FULL"}}}])"},
         EngineGetRow{"WholeByKey", R"([{"name":"Gi1"}])",
                      R"([{"name":"Gi1","openconfig-if-ethernet:ethernet":{"config":{"mac-address":"02:00:00:00:00:01",)"
                      R"("duplex-mode":"FULL","port-speed":"SPEED_100MB","auto-negotiate":false},)"
@@ -243,10 +303,9 @@ TEST(EngineGet, LeavesOutWhatTheMappingCannotTell) {
   const yfw::reply answer = yfw::engine(mapping(), log)
                                 .find(ports(), "/interfaces/interface[name='Gi2']/ethernet/config",
                                       yfw::client_operation::get, yfw::content::all);
-  std::ostringstream text;
-  write_json(text, answer.data, {.pretty = false});
-  EXPECT_NE(text.str().find("duplex-mode"), std::string::npos) << text.str();
-  EXPECT_EQ(text.str().find("enable-flow-control"), std::string::npos) << text.str();
+  const std::string text = compact(answer.data);
+  EXPECT_NE(text.find("duplex-mode"), std::string::npos) << text;
+  EXPECT_EQ(text.find("enable-flow-control"), std::string::npos) << text;
   ASSERT_EQ(answer.notes.size(), 1U);
   EXPECT_EQ(
       answer.notes[0],

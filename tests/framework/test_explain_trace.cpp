@@ -1,12 +1,14 @@
 // How an explanation reads the long-form trace, and how known losses are read.
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "yfw/error.hpp"
 #include "yfw/explain.hpp"
 #include "yfw/roundtrip.hpp"
+#include "yfw/trace.hpp"
 
 namespace {
 
@@ -51,6 +53,16 @@ TEST(ExplainTrace, KeepsFunctionsWithoutStart) {
 
 TEST(ExplainTrace, PassesOverOtherLines) {
   EXPECT_EQ(told({"", "(3 older lines lost)", "#1: TRC: f", "#1: TRC: f ctx=0x1,Start", "ctx=:: ,"}), Lines{});
+}
+
+TEST(TraceRing, KeepsTheLastLinesAndCountsTheOthers) {
+  yfw::trace_log log(nullptr, true, 2);
+  for (const char *line : {"1", "2", "3", "4", "5"}) {
+    log.write_long(line);
+  }
+  std::ostringstream ring;
+  log.print_ring(ring);
+  EXPECT_EQ("(3 older lines lost)\n4\n5\n", ring.str());
 }
 
 TEST(KnownLosses, AreReadWordByWord) {

@@ -86,13 +86,15 @@ INSTANTIATE_TEST_SUITE_P(
         RefusedRow{"Syntax", "{\n\"abi-version\": 1,\n]", 3, "", "not JSON: Missing a name for object member."}),
     [](const auto &row) { return std::string(row.param.name); });
 
-// Both modules of the library have a node of the plain path /library.
+// Both modules of the library have nodes of the plain paths /library, /library/shelf and /library/visit, all of which
+// are served: the list is meant.
 TEST(ManifestInModules, IsFound) {
   const yfw::manifest sound = yfw::manifest::parse(R"({"abi-version": 1,
     "entry-points": [{"direction": "ox", "module": "library", "at": "/", "function": "f"},
                      {"direction": "ox", "module": "shop", "at": "/", "function": "f"},
                      {"direction": "ox", "module": "shop", "at": "/library/book", "function": "f"}],
-    "lists": [{"high": "/library/book", "high-key": "edition", "low": "/library/visit", "low-key": "minutes"}],
+    "lists": [{"high": "/library/book", "high-key": "edition", "low": "/library/visit", "low-key": "minutes"},
+              {"high": "/library/shelf", "high-key": "number", "low": "/library/visit", "low-key": "minutes"}],
     "defaults": [{"direction": "ox", "at": "/library/visit", "function": "f"}]})",
                                                    "m.json");
   EXPECT_EQ("", thrown_by([&] { check_manifest(sound, library(), "m.json"); }));

@@ -1,6 +1,7 @@
 // The reader of libraries, on damaged ones. What it says of whole ones is in the transcripts of the program.
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <cstring>
 #include <fstream>
 #include <random>
@@ -51,20 +52,47 @@ TEST(ElfFile, RefusesWhatLacksAPartThatIsLoaded) {
   EXPECT_FALSE(is_readable(bytes));
 }
 
-// The head, the section headers at the end, and the tables that they lead to.
+struct DamageRow {
+  const char *name;
+  size_t field, bytes;  // of the head of the file
+  bool is_needed;       // by who reads it
+};
+
+class DamagedHead : public testing::TestWithParam<DamageRow> {};
+
+// What says nothing of the file's parts does no harm.
+TEST_P(DamagedHead, IsRefusedWhereItMatters) {
+  const DamageRow &row = GetParam();
+  std::string bytes = library_bytes();
+  bytes.replace(row.field, row.bytes, row.bytes, '\xa5');
+  EXPECT_EQ(!row.is_needed, is_readable(bytes));
+}
+
+#define HEAD_FIELD(field) offsetof(Elf64_Ehdr, field), sizeof(Elf64_Ehdr::field)
+
+INSTANTIATE_TEST_SUITE_P(
+    Of, DamagedHead,
+    testing::Values(DamageRow{"Magic", 1, 1, true}, DamageRow{"Class", EI_CLASS, 1, true},
+                    DamageRow{"ByteOrder", EI_DATA, 1, true}, DamageRow{"Padding", EI_PAD, 7, false},
+                    DamageRow{"Type", HEAD_FIELD(e_type), true}, DamageRow{"Machine", HEAD_FIELD(e_machine), true},
+                    DamageRow{"Start", HEAD_FIELD(e_entry), false}, DamageRow{"Segments", HEAD_FIELD(e_phoff), true},
+                    DamageRow{"Sections", HEAD_FIELD(e_shoff), true}, DamageRow{"Flags", HEAD_FIELD(e_flags), false},
+                    DamageRow{"SectionBytes", HEAD_FIELD(e_shentsize), true},
+                    DamageRow{"SectionCount", HEAD_FIELD(e_shnum), true},
+                    DamageRow{"SectionNames", HEAD_FIELD(e_shstrndx), true}),
+    [](const auto &row) { return std::string(row.param.name); });
+
+// The section headers at the end, and the tables that they lead to: read or refused, whatever is in them.
 TEST(ElfFile, OutlivesDamage) {
   const std::string good = library_bytes();
   std::mt19937 random(7);
-  unsigned refused = 0;
   for (unsigned round = 0; round < 60; ++round) {
     std::string bytes = good;
     for (unsigned i = 0; i < 4; ++i) {
-      const size_t at = random() % 2 == 0 ? bytes.size() - 1 - random() % 2000 : random() % 64;
-      bytes[at] = static_cast<char>(random());
+      bytes[bytes.size() - 1 - random() % 2000] = static_cast<char>(random());
     }
-    refused += is_readable(bytes) ? 0 : 1;
+    EXPECT_NO_THROW((void)is_readable(bytes));
   }
-  EXPECT_GT(refused, 8U);
 }
 
 struct NameRow {

@@ -103,6 +103,9 @@ INSTANTIATE_TEST_SUITE_P(
         ValueRow{"UnionNone", "pages", "few",
                  "-'few' is not a whole number in 0..65535, and 'few' is not one of its values, which are 'true', "
                  "'false', and 'few' is not one of its values, which are 'unknown'"},
+        ValueRow{"InstanceIdentifier", "place", "/library:library/name", "/library:library/name"},
+        ValueRow{"NoInstanceIdentifier", "place", "library",
+                 "-'library' is not a value of its type: invalid instance-identifier \"library\" value - syntax error"},
         ValueRow{"Empty", "closed", "", ""},
         ValueRow{"Container", "book", "x", "-it is not a leaf and takes no value"}),
     [](const auto &row) { return std::string(row.param.name); });
