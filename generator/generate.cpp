@@ -1,6 +1,7 @@
 #include "generate.hpp"
 
 #include "model.hpp"
+#include "wrap.hpp"
 #include "writers.hpp"
 
 #include <filesystem>
@@ -33,7 +34,7 @@ std::vector<std::string> generate(const job &what) {
   }
   std::vector<std::string> files;
   for (const auto &[file, text] : texts) {
-    write_file(file, text);
+    write_file(file, wrapped(text));
     files.push_back(file);
   }
   return files;

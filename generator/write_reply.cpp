@@ -44,7 +44,7 @@ void write_children_loop(emitter &out, const node &what) {
     }
   }
 )",
-          {{"part", what.part}, {"dispatch", dispatch_text(out, what.children, "child")}});
+          {{"part", what.part}, {"dispatch", dispatch_text(out, what.children, "child", "    ")}});
 }
 
 void write_container(emitter &out, const node &what, const std::string &linkage) {
@@ -135,7 +135,7 @@ $start$
   return status;
 }
 )",
-          {{"augmented", source.augmented}, {"dispatch", dispatch_text(out, source.tops, "node")}});
+          {{"augmented", source.augmented}, {"dispatch", dispatch_text(out, source.tops, "node", "  ")}});
 }
 
 }  // namespace ymapgen

@@ -36,29 +36,30 @@ std::vector<group> groups_of(const std::vector<node> &children, bool is_config_c
   return groups;
 }
 
-void write_group(emitter &out, const group &children) {
+void write_group(emitter &out, const group &children, const std::string &indent) {
   if (children.is_relaxed) {
-    out.put("  const bool is_relaxed = ymap_relax_delete(node);\n");
+    out.put("$indent$const bool is_relaxed = ymap_relax_delete(node);\n", {{"indent", indent}});
   }
   for (const std::string &part : children.parts) {
-    out.put("  (void)$model$_lvla_$part$(ctx, node, out);\n", {{"part", part}});
+    out.put("$indent$(void)$model$_lvla_$part$(ctx, node, out);\n", {{"indent", indent}, {"part", part}});
   }
   if (children.is_relaxed) {
-    out.put("  ymap_restore_delete(node, is_relaxed);\n");
+    out.put("$indent$ymap_restore_delete(node, is_relaxed);\n", {{"indent", indent}});
   }
 }
 
 // Calls every child with the container itself, in order, statuses ignored.
-void write_expansion(emitter &out, const std::vector<node> &children, bool is_config_container) {
+void write_expansion(emitter &out, const std::vector<node> &children, bool is_config_container,
+                     const std::string &indent) {
   const std::vector<group> groups = groups_of(children, is_config_container);
   const auto is_bare = [](const group &next) { return next.guard.empty() && next.is_relaxed; };
   const bool needs_scopes = std::count_if(groups.begin(), groups.end(), is_bare) > 1;
   for (const group &next : groups) {
     const std::string condition = next.guard.empty() ? "" : "if (" + next.guard + ") ";
     const bool has_scope = !condition.empty() || needs_scopes;
-    out.put(has_scope ? "  " + condition + "{\n" : "");
-    write_group(out, next);
-    out.put(has_scope ? "  }\n" : "");
+    out.put(has_scope ? indent + condition + "{\n" : "");
+    write_group(out, next, has_scope ? indent + "  " : indent);
+    out.put(has_scope ? indent + "}\n" : "");
   }
 }
 
@@ -81,7 +82,7 @@ static void expand_$part$(yfw_ctx_t *ctx, yfw_node_t *node, yfw_node_t *out) {
   const bool is_nested = ymap_begin_expansion(ctx);
 )",
           {{"part", what.part}});
-  write_expansion(out, what.children, what.is_config);
+  write_expansion(out, what.children, what.is_config, "  ");
   out.put(R"(  (void)$model$_lvla_$part$_parse_augments(ctx, node, out);
   ymap_end_expansion(ctx, is_nested);
 }
@@ -130,7 +131,7 @@ $start$
 )",
           {{"linkage", linkage},
            {"part", what.part},
-           {"dispatch", dispatch_text(out, what.children, "child")},
+           {"dispatch", dispatch_text(out, what.children, "child", "      ")},
            {"is_reached", what.is_config ? "ymap_is_read_or_delete(ctx, node)" : "ymap_is_read(ctx)"}});
 }
 
@@ -172,8 +173,8 @@ $start$
   }
   if (status == YMAP_OK && child_count == 0 && ymap_is_read_or_delete(ctx, node)) {
 )",
-          {{"augmented", source.augmented}, {"dispatch", dispatch_text(out, source.tops, "node")}});
-  write_expansion(out, source.tops, true);
+          {{"augmented", source.augmented}, {"dispatch", dispatch_text(out, source.tops, "node", "  ")}});
+  write_expansion(out, source.tops, true, "    ");
   out.put(R"(    (void)$model$_lvla_$augmented$_parse_augments(ctx, node, out);
   }
   YMAP_TRC(ctx, "End");

@@ -49,23 +49,26 @@ std::string linkage_of(const model &source, const node &what) {
   return is_entry ? "" : "static ";
 }
 
-std::string dispatch_text(const emitter &out, const std::vector<node> &nodes, const std::string &variable) {
+std::string dispatch_text(const emitter &out, const std::vector<node> &nodes, const std::string &variable,
+                          const std::string &indent) {
   std::string text;
   for (const node &next : nodes) {
     text += out.filled(R"(if (yfw_map_do_these_match($variable$->tag, "$name$") != 0$when$) {
-      status = $model$_lvla_$part$(ctx, $variable$, out);
+$indent$  status = $model$_lvla_$part$(ctx, $variable$, out);
 )",
                        {{"variable", variable},
+                        {"indent", indent},
                         {"name", next.name},
                         {"when", next.is_read_all ? " && ymap_is_read_all(ctx)" : ""},
                         {"part", next.part}});
     if (next.kind == node_kind::list) {
-      text += R"(      if (status == YMAP_ERR_NO_MATCH) {
-        status = YMAP_OK;
-      }
-)";
+      text += out.filled(R"($indent$  if (status == YMAP_ERR_NO_MATCH) {
+$indent$    status = YMAP_OK;
+$indent$  }
+)",
+                         {{"indent", indent}});
     }
-    text += "    } else ";
+    text += indent + "} else ";
   }
   return text;
 }

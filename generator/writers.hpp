@@ -1,4 +1,5 @@
-// One function for each generated file. Each returns the text before it is formatted.
+// One function for each generated file. Each returns the text with its statements on one line each, however long: see
+// wrap.hpp.
 #pragma once
 
 #include "emitter.hpp"
@@ -43,7 +44,9 @@ void write_request_entry(emitter &out, const model &source);
 // "static ", unless the framework calls the walker itself.
 std::string linkage_of(const model &source, const node &what);
 
-// Tests of the tag of `variable` against the nodes, each followed by "} else ".
-std::string dispatch_text(const emitter &out, const std::vector<node> &nodes, const std::string &variable);
+// Tests of the tag of `variable` against the nodes, each followed by "} else ". `indent` is that of the line that the
+// text begins in.
+std::string dispatch_text(const emitter &out, const std::vector<node> &nodes, const std::string &variable,
+                          const std::string &indent);
 
 }  // namespace ymapgen
