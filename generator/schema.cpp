@@ -1,5 +1,7 @@
 #include "schema.hpp"
 
+#include "libyang_error.hpp"
+
 #include <array>
 
 namespace ymapgen {
@@ -22,10 +24,8 @@ std::vector<const lysc_node *> nodes_below(const lysc_node *parent, const lysc_m
 std::string last_message(const ly_ctx *context) {
   const ly_err_item *item = ly_err_first(context);
   std::string text = item != nullptr ? item->msg : "no reason given";
-  if (item != nullptr && item->path != nullptr) {
-    text += std::string(" ") + item->path;
-  }
-  return text;
+  const std::string location = item != nullptr ? ymap::libyang_error_location(*item) : "";
+  return location.empty() ? text : text + " " + location;
 }
 
 }  // namespace

@@ -126,7 +126,8 @@ void capture_writer::write_above() {
     std::string line = "above tag=" + capture_literal(above->tag);
     for (const yfw_node_t &key : children(*above)) {
       if (key.value != nullptr && is_key(extra(key).schema)) {
-        line += " " + state_.value_word(("key." + std::string(key.tag)).c_str(), key.value);
+        line += ' ';
+        line += state_.value_word(("key." + std::string(key.tag)).c_str(), key.value);
       }
     }
     write(line + " ns=" + capture_literal(above->ns));
@@ -167,7 +168,8 @@ uint32_t capture_writer::pass(const abi_call &call, const std::function<uint32_t
 void capture_writer::write_answer(const abi_call &call, uint32_t status) {
   std::string found = status == 0 ? "" : " status=" + capture_hex(status);
   if (status == 0 && call.text_out != nullptr) {
-    found += " " + state_.value_word("value", *call.text_out);
+    found += ' ';
+    found += state_.value_word("value", *call.text_out);
   }
   if (status == 0 && call.entry_out != nullptr) {
     found += " entry=" + state_.name_of((*call.entry_out)->node);

@@ -4,6 +4,7 @@
 #include <iterator>
 #include <map>
 
+#include "libyang_error.hpp"
 #include "yfw/error.hpp"
 #include "yfw/internal/schema_internal.hpp"
 #include "yfw/internal/text.hpp"
@@ -101,7 +102,7 @@ unsigned line_in(std::string_view text) {
   place where;
   const auto file = files.find(module);
   where.file = file != files.end() ? file->second.path.string() : module;
-  const std::string_view found_at = cause != nullptr && cause->path != nullptr ? cause->path : "";
+  const std::string found_at = cause != nullptr ? ymap::libyang_error_location(*cause) : "";
   where.line = line_in(found_at);
   const bool is_path = found_at.starts_with('/') || found_at.starts_with("Schema location");
   const std::string text = plain_words(cause != nullptr && cause->msg != nullptr ? cause->msg : "cannot be loaded");
