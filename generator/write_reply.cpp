@@ -47,7 +47,7 @@ void write_children_loop(emitter &out, const node &what) {
           {{"part", what.part}, {"dispatch", dispatch_text(out, what.children, "child", "    ")}});
 }
 
-void write_container(emitter &out, const node &what, const std::string &linkage) {
+void write_reply_container(emitter &out, const node &what, const std::string &linkage) {
   write_opening(out, what, linkage);
   out.put(R"(  yfw_map_add_to_node_hierarchy(ctx, node, YFW_LEVEL_CONTAINER);
   uint32_t status = $model$_cont_lvla_$part$(ctx, node, child_count, out);
@@ -100,7 +100,7 @@ void write_reply_walkers(emitter &out, const model &source, const node &what) {
   }
   switch (what.kind) {
     case node_kind::container:
-      write_container(out, what, linkage_of(source, what));
+      write_reply_container(out, what, linkage_of(source, what));
       break;
     case node_kind::list:
       write_list_entry(out, what);

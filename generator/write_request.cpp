@@ -90,7 +90,7 @@ static void expand_$part$(yfw_ctx_t *ctx, yfw_node_t *node, yfw_node_t *out) {
           {{"part", what.part}});
 }
 
-void write_container(emitter &out, const node &what, const std::string &linkage) {
+void write_request_container(emitter &out, const node &what, const std::string &linkage) {
   out.put(R"(
 $linkage$uint32_t $model$_lvla_$part$(yfw_ctx_t *ctx, yfw_node_t *node, yfw_node_t *out) {
 $start$
@@ -145,7 +145,7 @@ void write_request_walkers(emitter &out, const model &source, const node &what) 
     write_leaf_wrapper(out, what);
   } else {
     write_expander(out, what);
-    write_container(out, what, linkage_of(source, what));
+    write_request_container(out, what, linkage_of(source, what));
   }
 }
 

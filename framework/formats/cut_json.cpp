@@ -7,8 +7,6 @@
 namespace yfw {
 namespace {
 
-constexpr size_t none = std::string_view::npos;
-
 class json_cutter : public document_cutter {
  public:
   explicit json_cutter(std::vector<std::string> lists) : lists_(std::move(lists)) {}
@@ -25,7 +23,7 @@ class json_cutter : public document_cutter {
         if (depth_in_entry_ > 0) {
           return std::nullopt;
         }
-      } else if (window_[at_] == '{' && at_ >= least && comma_ != none && is_in_list()) {
+      } else if (window_[at_] == '{' && at_ >= least && comma_ != npos && is_in_list()) {
         return cut{comma_, at_};
       } else if (!pass_token()) {
         return std::nullopt;
@@ -36,7 +34,7 @@ class json_cutter : public document_cutter {
 
   void drop(size_t bytes) override {
     at_ -= bytes;
-    comma_ = none;
+    comma_ = npos;
   }
 
   std::string opening() const override {
@@ -74,8 +72,8 @@ class json_cutter : public document_cutter {
   // Moves behind the token here; false, without moving, when it does not end in the window.
   bool pass_token() {
     if (!is_blank(window_[at_])) {
-      is_good_ = is_good_ && (window_[at_] != ',' || comma_ == none);
-      comma_ = none;
+      is_good_ = is_good_ && (window_[at_] != ',' || comma_ == npos);
+      comma_ = npos;
     }
     switch (window_[at_]) {
       case '"':
@@ -126,7 +124,7 @@ class json_cutter : public document_cutter {
   // The first string of a member is its name. A reader of the whole refuses a name that comes twice.
   bool pass_string() {
     const size_t end = string_end(at_);
-    if (end == none) {
+    if (end == npos) {
       return false;
     }
     if (name_.empty() && !open_.empty() && open_.back().bracket == '{') {
@@ -142,10 +140,10 @@ class json_cutter : public document_cutter {
   // Behind the closing quote of the string that begins at `begin`.
   size_t string_end(size_t begin) const {
     size_t end = window_.find('"', begin + 1);
-    while (end != none && is_escaped(end, begin)) {
+    while (end != npos && is_escaped(end, begin)) {
       end = window_.find('"', end + 1);
     }
-    return end == none ? none : end + 1;
+    return end == npos ? npos : end + 1;
   }
 
   bool is_escaped(size_t quote, size_t begin) const {
@@ -162,7 +160,7 @@ class json_cutter : public document_cutter {
       const char c = window_[at_];
       if (c == '"') {
         const size_t end = string_end(at_);
-        if (end == none) {
+        if (end == npos) {
           return;
         }
         at_ = end;
@@ -180,7 +178,7 @@ class json_cutter : public document_cutter {
   std::vector<std::string> lists_;
   std::string_view window_;
   size_t at_ = 0;
-  size_t comma_ = none;  // the one before what is here
+  size_t comma_ = npos;  // the one before what is here
   size_t depth_in_entry_ = 0;
   std::vector<level> open_;  // outside entries
   std::string name_;         // of the member here, with its quotes
@@ -206,7 +204,7 @@ std::unique_ptr<document_cutter> make_cutter(std::string_view begin, std::vector
   constexpr std::string_view byte_order_mark = "\xef\xbb\xbf";
   begin.remove_prefix(begin.starts_with(byte_order_mark) ? byte_order_mark.size() : 0);
   const size_t first = begin.find_first_not_of(" \t\r\n");
-  if (first == none || (begin[first] != '<' && begin[first] != '{')) {
+  if (first == npos || (begin[first] != '<' && begin[first] != '{')) {
     return nullptr;
   }
   return begin[first] == '<' ? make_xml_cutter(std::move(lists)) : make_json_cutter(std::move(lists));

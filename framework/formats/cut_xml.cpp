@@ -6,8 +6,6 @@
 namespace yfw {
 namespace {
 
-constexpr size_t none = std::string_view::npos;
-
 class xml_cutter : public document_cutter {
  public:
   explicit xml_cutter(std::vector<std::string> lists) : lists_(std::move(lists)) {}
@@ -92,13 +90,13 @@ class xml_cutter : public document_cutter {
   }
 
   bool move_behind(size_t found, size_t size) {
-    at_ = found == none ? at_ : found + size;
-    return found != none;
+    at_ = found == npos ? at_ : found + size;
+    return found != npos;
   }
 
   bool pass_end_tag() {
     const size_t end = window_.find('>', at_);
-    if (end == none) {
+    if (end == npos) {
       return false;
     }
     if (depth_in_entry_ > 0) {
@@ -115,7 +113,7 @@ class xml_cutter : public document_cutter {
 
   bool pass_start_tag() {
     const size_t end = tag_end();
-    if (end == none) {
+    if (end == npos) {
       return false;
     }
     const bool is_empty = window_[end - 1] == '/';
@@ -142,18 +140,18 @@ class xml_cutter : public document_cutter {
       }
       if (c == '"' || c == '\'') {
         at = window_.find(c, at + 1);
-        if (at == none) {
-          return none;
+        if (at == npos) {
+          return npos;
         }
       }
     }
-    return none;
+    return npos;
   }
 
   // Empty when the name does not end in the window.
   std::string_view name_here() const {
     const size_t end = window_.find_first_of(" \t\r\n/>", at_ + 1);
-    return end == none ? "" : window_.substr(at_ + 1, end - at_ - 1);
+    return end == npos ? "" : window_.substr(at_ + 1, end - at_ - 1);
   }
 
   // Whether the tag here opens an entry of one of the lists.

@@ -4,7 +4,7 @@ namespace yfw {
 
 namespace {
 
-constexpr byte_set escaped_bytes("\"\\\t\n\r");
+constexpr byte_set json_escaped_bytes("\"\\\t\n\r");
 
 class json_writer {
  public:
@@ -180,7 +180,7 @@ class json_writer {
 
   void escape(std::string_view text) {
     while (!text.empty()) {
-      const size_t plain = escaped_bytes.length_without(text);
+      const size_t plain = json_escaped_bytes.length_without(text);
       out_ << text.substr(0, plain);
       if (plain < text.size()) {
         const char c = text[plain];

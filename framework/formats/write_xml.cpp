@@ -4,7 +4,7 @@ namespace yfw {
 
 namespace {
 
-constexpr byte_set escaped_bytes("<>&\"\r");
+constexpr byte_set xml_escaped_bytes("<>&\"\r");
 
 class xml_writer {
  public:
@@ -145,7 +145,7 @@ class xml_writer {
 
   void escape(std::string_view text) {
     while (!text.empty()) {
-      const size_t plain = escaped_bytes.length_without(text);
+      const size_t plain = xml_escaped_bytes.length_without(text);
       out_ << text.substr(0, plain);
       if (plain < text.size()) {
         out_ << reference(text[plain]);

@@ -6,10 +6,6 @@
 namespace yfw {
 namespace {
 
-bool holds_value(const lysc_node *schema) {
-  return is_leaf(schema) || is_leaf_list(schema);
-}
-
 // All nodes of one level.
 template <typename Visit>
 void each_node(const data_node *first, Visit visit) {

@@ -4,6 +4,7 @@
 #include <array>
 #include <memory>
 
+#include "yfw/internal/schema_types.hpp"
 #include "yfw/internal/text.hpp"
 #include "yfw/query.hpp"
 
@@ -13,12 +14,6 @@ namespace {
 struct tree_deleter {
   void operator()(lyd_node *tree) const {
     lyd_free_all(tree);
-  }
-};
-
-struct set_deleter {
-  void operator()(ly_set *set) const {
-    ly_set_free(set, nullptr);
   }
 };
 

@@ -84,6 +84,10 @@ bool is_leaf_list(const lysc_node *node) {
 bool is_container(const lysc_node *node) {
   return is_type(node, LYS_CONTAINER);
 }
+
+bool holds_value(const lysc_node *node) {
+  return is_leaf(node) || is_leaf_list(node);
+}
 bool is_config(const lysc_node *node) {
   return node != nullptr && (node->flags & LYS_CONFIG_W) != 0;
 }

@@ -7,12 +7,6 @@
 namespace yfw {
 namespace {
 
-struct set_deleter {
-  void operator()(ly_set *set) const {
-    ly_set_free(set, nullptr);
-  }
-};
-
 std::string verb(deviate_kind kind) {
   return kind == deviate_kind::not_supported ? "cannot be removed: " : "cannot become state: ";
 }

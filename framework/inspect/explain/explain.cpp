@@ -16,10 +16,6 @@ bool is_edit(std::string_view operation) {
   return operation != "get";
 }
 
-bool holds_value(const lysc_node *node) {
-  return is_leaf(node) || is_leaf_list(node);
-}
-
 // The text up to and with the innermost list entry, or else the top-level node.
 std::string entry_path(std::vector<path_step> steps) {
   while (steps.size() > 1 && !is_list(steps.back().node)) {

@@ -85,6 +85,7 @@ bool is_list(const lysc_node *node);
 bool is_leaf(const lysc_node *node);
 bool is_leaf_list(const lysc_node *node);
 bool is_container(const lysc_node *node);
+bool holds_value(const lysc_node *node);  // a leaf or leaf-list
 bool is_config(const lysc_node *node);
 bool is_key(const lysc_node *node);
 

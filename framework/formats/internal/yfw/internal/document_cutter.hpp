@@ -11,6 +11,9 @@
 
 namespace yfw {
 
+// No place in the text.
+inline constexpr size_t npos = std::string_view::npos;
+
 // The piece ends before `end`, the next one begins at `next`: in JSON the comma between them belongs to neither.
 struct cut {
   size_t end;

@@ -14,6 +14,12 @@ const T &as(const void *record) {
   return *static_cast<const T *>(record);
 }
 
+struct set_deleter {
+  void operator()(ly_set *set) const {
+    ly_set_free(set, nullptr);
+  }
+};
+
 // The type of a leaf or leaf-list, that of its target when it is a reference; null for other nodes.
 const lysc_type *type_of(const lysc_node *leaf);
 
