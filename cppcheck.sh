@@ -3,7 +3,7 @@
 set -eu
 cd "$(dirname "$0")"
 . cmake/prepare.sh
-install_packages cppcheck
+install_packages build test cppcheck
 cmake --preset dev >/dev/null
 work=build/dev/cppcheck
 mkdir -p "$work"

@@ -1,9 +1,10 @@
 #!/bin/sh
-# Installs what is missing, builds, and runs a typical read, set and reply on the shipped examples.
+# Installs what is missing, builds the program and the plug-in, and runs a typical read, set and reply on the shipped examples.
 set -eu
 cd "$(dirname "$0")"
 . cmake/prepare.sh
-build release
+install_packages build
+build release ymap
 ymap=build/release/bin/ymap
 
 show() {

@@ -10,6 +10,7 @@
 set -eu
 cd "$(dirname "$0")/.."
 . cmake/prepare.sh
+install_packages build fuzz
 
 # Executions of a target in a short run: about two seconds' worth.
 executions() {
