@@ -26,7 +26,7 @@ class json_writer {
 
  private:
   static bool is_value_node(const data_node &node) {
-    return node.first_child == nullptr && (node.value || is_leaf(node.schema) || is_leaf_list(node.schema));
+    return node.first_child == nullptr && (node.value || holds_value(node.schema));
   }
 
   static bool is_array(const data_node &group) {

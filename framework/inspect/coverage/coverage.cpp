@@ -11,7 +11,7 @@ namespace {
 
 // The leaves at and below a node, in the order of the modules.
 void add_leaves(const schema &modules, const lysc_node *node, std::vector<const lysc_node *> &leaves) {
-  if (is_leaf(node) || is_leaf_list(node)) {
+  if (holds_value(node)) {
     leaves.push_back(node);
   }
   for (const lysc_node *below : modules.children(node)) {

@@ -91,7 +91,7 @@ class planner {
   tally count(const lysc_node *node) const {
     tally counted;
     counted.insists_on_config = (node->flags & LYS_SET_CONFIG) != 0 && is_config(node);
-    if (is_leaf(node) || is_leaf_list(node)) {
+    if (holds_value(node)) {
       const auto row = rows_.find(node);
       const support known = row == rows_.end() ? support::whole : support_of(*row->second);
       counted.leaves = 1;
@@ -118,7 +118,7 @@ class planner {
       result_.statements.push_back({deviate_kind::not_supported, node, {}});
       return;
     }
-    if (is_leaf(node) || is_leaf_list(node)) {
+    if (holds_value(node)) {
       state_leaf(node, is_read_only);
       return;
     }

@@ -41,7 +41,7 @@ void model_references::add(const lysc_node *node) {
   for (lysc_when *const *when : array_items(static_cast<lysc_when *const *>(lysc_node_when(node)))) {
     add_atoms(node, (*when)->context, (*when)->cond, (*when)->prefixes, "when");
   }
-  if (is_leaf(node) || is_leaf_list(node)) {
+  if (holds_value(node)) {
     add_type(node, is_leaf(node) ? as<lysc_node_leaf>(node).type : as<lysc_node_leaflist>(node).type);
   }
 }
