@@ -26,6 +26,14 @@ struct piece {
   bool is_whole() const {
     return begin == 0 && opening.empty() && closing.empty();
   }
+
+  // The part as a document.
+  std::string whole_text() const {
+    std::string text;
+    text.reserve(opening.size() + part.size() + closing.size());
+    text.append(opening).append(part).append(closing);
+    return text;
+  }
 };
 
 class piece_source {

@@ -1,8 +1,6 @@
 #include "yfw/reply_stream.hpp"
 
 #include <algorithm>
-#include <deque>
-#include <future>
 #include <limits>
 #include <ostream>
 #include <sstream>
@@ -10,6 +8,7 @@
 #include <unordered_set>
 #include <utility>
 
+#include "ordered_work.hpp"
 #include "reply_index.hpp"
 #include "reply_part.hpp"
 #include "reply_pieces.hpp"
@@ -142,47 +141,46 @@ class reply_stream {
 
   // Translates the pieces as they come.
   pieces_end translate_in_order() {
-    pieces_end end = pieces_end::good;
-    while (end == pieces_end::good) {
+    bool is_fit = true;
+    const auto next_piece = [&]() -> std::optional<whole_entries> {
       const std::optional<piece> next = source_.next(piece_bytes_);
-      if (!next) {
-        return add_all();
+      is_fit = !next || (!next->is_whole() && source_.is_good());
+      if (!next || !is_fit) {
+        return std::nullopt;
       }
-      if (next->is_whole() || !source_.is_good()) {
-        return pieces_end::unfit;
-      }
-      end = submit({{{next->opening + std::string(next->part) + next->closing, next->first_line}}, no_limit});
-    }
-    return end;
+      whole_entries entries{{}, no_limit};
+      entries.documents.push_back({next->whole_text(), next->first_line});
+      return entries;
+    };
+    const pieces_end end = translate_all(next_piece);
+    return is_fit ? end : pieces_end::unfit;
   }
 
   // Translates pieces that have all that the text tells of their entries.
   pieces_end translate_by_entry() {
     reply_index index(source_, mapping_.description().lists);
-    pieces_end end = source_.is_good() ? pieces_end::good : pieces_end::unfit;
-    while (end == pieces_end::good) {
-      if (index.is_at_end()) {
-        return add_all();
-      }
-      end = submit(index.next(source_, piece_bytes_));
+    if (!source_.is_good()) {
+      return pieces_end::unfit;
     }
-    return pieces_end::unfit;
+    const auto next_entries = [&] {
+      return index.is_at_end() ? std::nullopt : std::optional(index.next(source_, piece_bytes_));
+    };
+    return translate_all(next_entries) == pieces_end::good ? pieces_end::good : pieces_end::unfit;
   }
 
   static constexpr size_t no_limit = std::numeric_limits<size_t>::max();
 
-  pieces_end submit(whole_entries documents) {
-    const auto policy = jobs_ > 1 ? std::launch::async : std::launch::deferred;
-    pending_.push_back(
-        std::async(policy, [this, each = std::move(documents)]() mutable { return translate(std::move(each)); }));
-    return pending_.size() > jobs_ ? add_oldest() : pieces_end::good;
-  }
-
-  pieces_end add_all() {
+  // Translates what `next` returns until it returns nothing or a result does not fit to the others.
+  template <typename next_t>
+  pieces_end translate_all(const next_t &next) {
     pieces_end end = pieces_end::good;
-    while (!pending_.empty() && end == pieces_end::good) {
-      end = add_oldest();
-    }
+    ordered_work pieces(
+        next, [this](whole_entries entries) { return translate(std::move(entries)); },
+        [&](translated_piece result) {
+          end = add(std::move(result));
+          return end == pieces_end::good;
+        });
+    pieces.run(jobs_);
     return end;
   }
 
@@ -228,9 +226,7 @@ class reply_stream {
     result.separator = format == data_format::json ? ",\n" : "\n";
   }
 
-  pieces_end add_oldest() {
-    translated_piece next = pending_.front().get();
-    pending_.pop_front();
+  pieces_end add(translated_piece next) {
     around_.notes.add(std::move(next.notes));
     around_.met.merge(next.met);
     if (next.is_empty) {
@@ -254,7 +250,6 @@ class reply_stream {
 
   // Drops what was translated so far, to begin again.
   void forget() {
-    pending_.clear();
     before_.clear();
     entries_.emplace();
     keys_.clear();
@@ -286,8 +281,7 @@ class reply_stream {
   std::string before_, after_;
   std::optional<spool> entries_{std::in_place};
   std::unordered_set<size_t> keys_;
-  reply_part around_;                                  // notes and names only
-  std::deque<std::future<translated_piece>> pending_;  // goes first: what runs uses the others
+  reply_part around_;  // notes and names only
 };
 
 }  // namespace
