@@ -1,7 +1,8 @@
 #include "yfw/internal/text.hpp"
 
 #include <algorithm>
-#include <cstring>
+
+#include "yfw/internal/byte_search.hpp"
 
 namespace yfw {
 
@@ -42,28 +43,13 @@ character decode(std::string_view text) {
   return {code_point, is_good ? bytes : 0};
 }
 
-// True when all eight bytes are printable ASCII or DEL: the common case, taken eight bytes at a time.
-bool is_plain(const char *eight) {
-  uint64_t word = 0;
-  std::memcpy(&word, eight, sizeof word);
-  constexpr uint64_t high_bits = 0x8080808080808080;
-  return ((word | (word - 0x2020202020202020)) & high_bits) == 0;
-}
-
 }  // namespace
 
 text_fault first_fault(std::string_view text, std::vector<uint32_t> *newlines) {
-  size_t at = 0;
-  while (at < text.size()) {
-    if (text.size() - at >= 8 && is_plain(text.data() + at)) {
-      at += 8;
-      continue;
-    }
+  // The others are printable ASCII characters and DEL.
+  const auto is_special = [](const auto &bytes) { return bytes < ' '; };
+  for (size_t at = 0; (at = find_byte_if(text, at, is_special)) < text.size();) {
     const auto byte = static_cast<unsigned char>(text[at]);
-    if (byte >= 0x20 && byte < 0x7f) {
-      ++at;
-      continue;
-    }
     character next{byte, 1};
     if (byte >= 0x80) {
       next = decode(text.substr(at));

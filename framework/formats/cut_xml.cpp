@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <set>
 
+#include "yfw/internal/byte_search.hpp"
 #include "yfw/internal/document_cutter.hpp"
 
 namespace yfw {
@@ -63,23 +64,30 @@ class xml_cutter : public document_cutter {
   };
 
   bool to_next_angle() {
-    at_ = std::min(window_.find('<', at_), window_.size());
+    at_ = find_byte<'<'>(window_, at_);
     return at_ < window_.size();
   }
 
   // Moves behind what begins with the '<' here; false, without moving, when it does not end in the window.
   bool pass_construct() {
+    if (at_ + 1 == window_.size()) {
+      return false;
+    }
+    switch (window_[at_ + 1]) {
+      case '/':
+        return pass_end_tag();
+      case '?':
+        return move_behind(window_.find("?>", at_ + 2), 2);
+      case '!':
+        return pass_comment_or_text();
+      default:
+        return pass_start_tag();
+    }
+  }
+
+  bool pass_comment_or_text() {
     constexpr size_t longest_opening = 9;
     const std::string_view begin = window_.substr(at_, longest_opening);
-    if (begin.starts_with("</")) {
-      return pass_end_tag();
-    }
-    if (begin.starts_with("<?")) {
-      return move_behind(window_.find("?>", at_ + 2), 2);
-    }
-    if (!begin.starts_with("<!")) {
-      return begin.size() > 1 && pass_start_tag();
-    }
     if (begin.size() < longest_opening) {
       return false;
     }
@@ -95,8 +103,8 @@ class xml_cutter : public document_cutter {
   }
 
   bool pass_end_tag() {
-    const size_t end = window_.find('>', at_);
-    if (end == npos) {
+    const size_t end = find_byte<'>'>(window_, at_);
+    if (end == window_.size()) {
       return false;
     }
     if (depth_in_entry_ > 0) {
@@ -133,19 +141,12 @@ class xml_cutter : public document_cutter {
 
   // Where the '>' of the tag is, which attribute values may hold, too.
   size_t tag_end() const {
-    for (size_t at = at_ + 1; at < window_.size(); ++at) {
-      const char c = window_[at];
-      if (c == '>') {
-        return at;
-      }
-      if (c == '"' || c == '\'') {
-        at = window_.find(c, at + 1);
-        if (at == npos) {
-          return npos;
-        }
-      }
+    size_t at = find_byte<'>', '"', '\''>(window_, at_ + 1);
+    while (at < window_.size() && window_[at] != '>') {
+      const size_t closing_quote = window_.find(window_[at], at + 1);
+      at = closing_quote == npos ? window_.size() : find_byte<'>', '"', '\''>(window_, closing_quote + 1);
     }
-    return npos;
+    return at < window_.size() ? at : npos;
   }
 
   // Empty when the name does not end in the window.

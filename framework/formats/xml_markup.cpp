@@ -1,6 +1,5 @@
-#include <cstring>
-
 #include "document_internal.hpp"
+#include "yfw/internal/byte_search.hpp"
 #include "yfw/internal/text.hpp"
 
 namespace yfw {
@@ -14,15 +13,17 @@ class markup {
 
   // Whether there is what can stand inside a text.
   bool check() {
-    while ((at_ += std::strcspn(parts_.text.c_str() + at_, "<&]")) < text_.size()) {
+    while ((at_ = find_byte<'<', '&', ']'>(text_, at_)) < text_.size()) {
       if (text_[at_] == '&') {
         check_reference();
       } else if (is_at("]]>")) {
         parts_.fail(at_, "']]>' stands outside a CDATA section");
       } else if (text_[at_] == ']') {
         ++at_;
+      } else if (is_at("<!") || is_at("<?")) {
+        check_special();
       } else {
-        check_angle();
+        check_tag();
       }
     }
     return can_split_text_;
@@ -30,7 +31,7 @@ class markup {
 
  private:
   bool is_at(std::string_view word) const {
-    return text_.compare(at_, word.size(), word) == 0;
+    return text_.substr(at_).starts_with(word);
   }
 
   // Moves behind the next `end`, which closes the construct that begins here.
@@ -43,7 +44,8 @@ class markup {
     at_ = found + end.size();
   }
 
-  void check_angle() {
+  // What is neither text nor a tag.
+  void check_special() {
     if (is_at("<!--")) {
       const size_t start = at_;
       skip(4, "--", "comment");
@@ -55,16 +57,14 @@ class markup {
       skip(9, "]]>", "CDATA section");
     } else if (is_at("<?")) {
       skip(2, "?>", "processing instruction");
-    } else if (is_at("<!")) {
-      parts_.fail(at_, "document types and entity declarations are refused (RFC 6241, section 3)");
     } else {
-      check_tag();
+      parts_.fail(at_, "document types and entity declarations are refused (RFC 6241, section 3)");
     }
   }
 
   void check_tag() {
     const size_t start = at_++;
-    while ((at_ += std::strcspn(parts_.text.c_str() + at_, "<>\"'")) < text_.size()) {
+    while ((at_ = find_byte<'<', '>', '"', '\''>(text_, at_)) < text_.size()) {
       const char found = text_[at_++];
       if (found == '>') {
         return;
@@ -79,8 +79,8 @@ class markup {
 
   void check_attribute_value(char quote) {
     const size_t start = at_ - 1;
-    const char stops[] = {quote, '<', '&', '\0'};
-    while ((at_ += std::strcspn(parts_.text.c_str() + at_, stops)) < text_.size()) {
+    const auto is_stop = [&](const auto &bytes) { return bytes == quote || bytes == '<' || bytes == '&'; };
+    while ((at_ = find_byte_if(text_, at_, is_stop)) < text_.size()) {
       if (text_[at_] == '&') {
         check_reference();
       } else if (text_[at_++] == quote) {
