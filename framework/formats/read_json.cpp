@@ -330,7 +330,7 @@ class json_reader : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, json_
   // Gives the operations of an annotation to the nodes that it is about.
   void apply(const member &annotation, const member *data) {
     if (annotation.tag.empty()) {
-      extra(builder_.current()).given_operation = operations_[annotation.first];
+      builder_.current().given_operation = operations_[annotation.first];
       return;
     }
     const lysc_node *schema = builder_.schema_of(annotation.tag, annotation.ns);
@@ -344,9 +344,9 @@ class json_reader : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, json_
     for (size_t i = 0; i < annotation.count; ++i) {
       const uint8_t operation = operations_[annotation.first + i];
       if (data != nullptr) {
-        extra(builder_.finished()[data->first + i]).given_operation = operation;
+        builder_.finished()[data->first + i].given_operation = operation;
       } else if (operation != no_operation) {
-        extra(builder_.open(annotation.tag.data(), annotation.ns, annotation.offset)).given_operation = operation;
+        builder_.open(annotation.tag.data(), annotation.ns, annotation.offset).given_operation = operation;
         builder_.close();
       }
     }

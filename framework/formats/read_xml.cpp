@@ -61,30 +61,31 @@ class xml_reader {
   }
 
   void open(pugi::xml_node element) {
-    const size_t offset = offset_of(element.name());
+    const char *name = element.name();
+    const size_t offset = offset_of(name);
     const size_t outer = declarations_.size();
     const bool has_attributes = static_cast<bool>(element.first_attribute());
     if (has_attributes) {
       declare(element, offset);
     }
-    const char *colon = std::strchr(element.name(), ':');
-    const char *tag = colon == nullptr ? element.name() : colon + 1;
-    if (*tag == '\0' || colon == element.name() || std::strchr(tag, ':') != nullptr) {
-      builder_.fail(offset, quoted(element.name()) + " is not a name");
+    const char *colon = std::strchr(name, ':');
+    const char *tag = colon == nullptr ? name : colon + 1;
+    if (*tag == '\0' || (colon != nullptr && (colon == name || std::strchr(tag, ':') != nullptr))) {
+      builder_.fail(offset, quoted(name) + " is not a name");
     }
-    const char *ns = element_namespace(element, tag, offset);
+    const char *ns = element_namespace(name, tag, offset);
     builder_.open(tag, ns, offset, element.internal_object());
     if (has_attributes) {
       read_attributes(element);
     }
     const char *value = element.value();
-    const bool is_filter = is_envelope(builder_.current()) && std::string_view(tag) == "filter";
+    const bool is_filter = std::strcmp(tag, "filter") == 0 && is_envelope_ns(ns);
     open_.push_back({element.first_child(), outer, *value != '\0' ? value : nullptr, is_filter || is_in_filter()});
   }
 
   void close() {
     const open_element &element = open_.back();
-    yfw_node_t &node = builder_.current();
+    pending_node &node = builder_.current();
     if (element.text != nullptr && is_value(node, element.text)) {
       const bool is_joined = element.text == joined_.data();
       node.value = is_joined ? parts_.arena.text(joined_) : element.text;
@@ -95,9 +96,9 @@ class xml_reader {
   }
 
   // Blank text is layout, unless it is what a leaf may hold.
-  bool is_value(const yfw_node_t &node, const char *text) const {
-    const lysc_node *schema = extra(node).schema;
-    return !is_blank(std::string_view(text)) || (is_leaf(schema) && parts_.modules->check_value(schema, text).ok);
+  bool is_value(const pending_node &node, const char *text) const {
+    return !is_blank(std::string_view(text)) ||
+           (is_leaf(node.schema) && parts_.modules->check_value(node.schema, text).ok);
   }
 
   // Text in several pieces (around CDATA sections and comments) is joined; there is none around elements.
@@ -119,7 +120,7 @@ class xml_reader {
   void refuse_text(const char *text) {
     if (text != nullptr && !is_blank(std::string_view(text))) {
       const bool is_joined = text == joined_.data();
-      const size_t offset = is_joined ? extra(builder_.current()).offset : offset_of(trimmed(text).data());
+      const size_t offset = is_joined ? builder_.current().offset : offset_of(trimmed(text).data());
       builder_.fail(offset, "text " + quoted(trimmed(text)) + " stands beside elements");
     }
   }
@@ -160,9 +161,11 @@ class xml_reader {
     if (prefix == "xml") {
       return xml_ns.data();
     }
-    const auto found = std::find_if(declarations_.rbegin(), declarations_.rend(),
-                                    [&](const declaration &each) { return each.prefix == prefix; });
-    return found == declarations_.rend() ? nullptr : found->ns;
+    size_t i = declarations_.size();
+    while (i > 0 && declarations_[i - 1].prefix != prefix) {
+      --i;
+    }
+    return i == 0 ? nullptr : declarations_[i - 1].ns;
   }
 
   const char *namespace_of(std::string_view prefix, size_t offset) {
@@ -173,9 +176,9 @@ class xml_reader {
     return ns;
   }
 
-  const char *element_namespace(pugi::xml_node element, const char *tag, size_t offset) {
-    if (tag != element.name()) {
-      return namespace_of({element.name(), static_cast<size_t>(tag - element.name() - 1)}, offset);
+  const char *element_namespace(const char *name, const char *tag, size_t offset) {
+    if (tag != name) {
+      return namespace_of({name, static_cast<size_t>(tag - name - 1)}, offset);
     }
     const char *ns = in_scope("");
     if ((ns == nullptr || *ns == '\0') && is_in_filter()) {
@@ -193,10 +196,10 @@ class xml_reader {
 
   // In a filter a name without namespace is that of any module (RFC 6241, section 6.2.1). It must be one's only.
   const char *any_namespace(std::string_view tag, size_t offset) {
-    const yfw_node_t &above = builder_.current();
+    const pending_node &above = builder_.current();
     std::vector<const lysc_node *> known;
-    if (is_envelope(above) || extra(above).schema != nullptr) {
-      known = parts_.modules->children(extra(above).schema);
+    if (is_envelope_ns(above.ns) || above.schema != nullptr) {
+      known = parts_.modules->children(above.schema);
     }
     std::erase_if(known, [&](const lysc_node *node) { return name(node) != tag; });
     if (known.size() != 1) {
@@ -219,7 +222,7 @@ class xml_reader {
       if (name == "xmlns" || name.starts_with("xmlns:")) {
         continue;
       }
-      yfw_node_t &node = builder_.current();
+      pending_node &node = builder_.current();
       const size_t offset = offset_of(attribute.name());
       const size_t colon = name.find(':');
       const std::string_view ns =
@@ -230,18 +233,18 @@ class xml_reader {
       } else if (name == "operation") {
         builder_.fail(offset, "attribute 'operation' is in no namespace; it would be nc:operation with xmlns:nc=\"" +
                                   std::string(netconf_ns) + '"');
-      } else if (ns != xml_ns && !is_envelope(node)) {
+      } else if (ns != xml_ns && !is_envelope_ns(node.ns)) {
         builder_.fail(offset, "attribute " + quoted(name) + " is not one of data, which is nc:operation only");
       }
     }
   }
 
-  void read_operation(yfw_node_t &node, const char *word, size_t offset) {
-    if (extra(node).given_operation != no_operation) {
+  void read_operation(pending_node &node, const char *word, size_t offset) {
+    if (node.given_operation != no_operation) {
       builder_.fail(offset, "operation is given twice");
     }
-    extra(node).given_operation = operation_number(word);
-    if (extra(node).given_operation == no_operation) {
+    node.given_operation = operation_number(word);
+    if (node.given_operation == no_operation) {
       builder_.fail(offset, not_an_operation(word));
     }
   }

@@ -9,26 +9,38 @@
 
 namespace yfw {
 
-// Open nodes and their finished children wait on one stack; when a node closes, its children move into one array of
-// the arena. Depth is held by the nesting limit.
+// What a reader says of a node, a third of the size that the node has in the end.
+struct pending_node {
+  const char *tag;
+  const char *ns;
+  const void *source;  // the reader's own handle, or null
+  const lysc_node *schema;
+  uint32_t offset;
+  uint8_t given_operation = no_operation;
+  const char *value = nullptr;
+  std::span<yfw_node_t> children = {};
+};
+
+// Open nodes and their finished children wait on one stack; when a node closes, its children become nodes in one array
+// of the arena. Depth is held by the nesting limit.
 class tree_builder {
  public:
   explicit tree_builder(document::parts &parts) : parts_(parts) {}
 
   // Begins a child of the open node, or a root. Texts are not copied and must live as long as the document. The node
   // found in the schema is that of the name below the open node, or at the top below an envelope.
-  yfw_node_t &open(const char *tag, const char *ns, size_t offset, const void *source = nullptr);
+  pending_node &open(const char *tag, const char *ns, size_t offset, const void *source = nullptr);
   void close();
 
   // The innermost open node; the reference holds until the next `open`.
-  yfw_node_t &current();
+  pending_node &current();
 
   bool is_open() const {
     return !open_.empty();
   }
 
   // The finished children of the innermost open node, or the finished roots.
-  std::span<yfw_node_t> finished();
+  std::span<pending_node> finished();
 
   // What the schema has for that name below the innermost open node, or null.
   const lysc_node *schema_of(std::string_view tag, std::string_view ns) const;
@@ -40,11 +52,11 @@ class tree_builder {
   [[noreturn]] void fail(size_t offset, const std::string &text);
 
  private:
-  const lysc_node *expected(std::string_view tag, std::string_view ns) const;
-  yfw_node_t *settle(size_t first);
+  const lysc_node *expected(const char *tag, const char *ns) const;
+  std::span<yfw_node_t> settle(size_t first);
 
   document::parts &parts_;
-  std::vector<yfw_node_t> pending_;
+  std::vector<pending_node> pending_;
   std::vector<size_t> open_;  // indices into pending_
   size_t count_ = 0;          // of all nodes
 };

@@ -7,15 +7,6 @@
 
 namespace yfw {
 
-std::span<yfw_node_t> children(yfw_node_t &node) {
-  const bool has_children = (node.flags & YFW_NODE_HAS_CHILDREN) != 0 && node.children != nullptr;
-  return has_children ? std::span(node.children, node.child_count) : std::span<yfw_node_t>();
-}
-
-std::span<const yfw_node_t> children(const yfw_node_t &node) {
-  return children(const_cast<yfw_node_t &>(node));
-}
-
 static bool is_equal(const char *text, std::string_view other) {
   return text != nullptr && other == text;
 }
@@ -40,7 +31,11 @@ yfw_node_t *child(yfw_node_t &node, std::string_view tag, std::string_view ns) {
 }
 
 bool is_envelope(const yfw_node_t &node) {
-  return is_equal(node.ns, netconf_ns) || is_equal(node.ns, restconf_ns);
+  return is_envelope_ns(node.ns);
+}
+
+bool is_envelope_ns(const char *ns) {
+  return is_equal(ns, netconf_ns) || is_equal(ns, restconf_ns);
 }
 
 static constexpr std::array<std::string_view, 5> operation_words{"merge", "replace", "create", "delete", "remove"};
@@ -54,9 +49,13 @@ uint8_t operation_number(std::string_view word) {
   return found == operation_words.end() ? no_operation : static_cast<uint8_t>(found - operation_words.begin());
 }
 
+static void begin_extra(yfw_node_t &node) {
+  new (node.framework_104) node_extra{nullptr, nullptr, nullptr, 0, no_operation};
+}
+
 yfw_node_t blank_node() {
   yfw_node_t node{};
-  new (node.framework_104) node_extra{nullptr, nullptr, nullptr, 0, no_operation};
+  begin_extra(node);
   return node;
 }
 
@@ -75,13 +74,8 @@ yfw_node_t *node_arena::room(size_t count) {
 
 yfw_node_t *node_arena::nodes(size_t count) {
   yfw_node_t *first = count == 0 ? nullptr : room(count);
-  std::uninitialized_fill_n(first, count, blank_node());
-  return first;
-}
-
-yfw_node_t *node_arena::copies(std::span<const yfw_node_t> nodes) {
-  yfw_node_t *first = nodes.empty() ? nullptr : room(nodes.size());
-  std::uninitialized_copy(nodes.begin(), nodes.end(), first);
+  std::uninitialized_value_construct_n(first, count);
+  std::for_each_n(first, count, begin_extra);
   return first;
 }
 

@@ -35,8 +35,13 @@ inline const node_extra &extra(const yfw_node_t &node) {
 }
 
 // The children, empty when the has-children flag is clear.
-std::span<yfw_node_t> children(yfw_node_t &node);
-std::span<const yfw_node_t> children(const yfw_node_t &node);
+inline std::span<yfw_node_t> children(yfw_node_t &node) {
+  const bool has_children = (node.flags & YFW_NODE_HAS_CHILDREN) != 0 && node.children != nullptr;
+  return has_children ? std::span(node.children, node.child_count) : std::span<yfw_node_t>();
+}
+inline std::span<const yfw_node_t> children(const yfw_node_t &node) {
+  return children(const_cast<yfw_node_t &>(node));
+}
 
 // The first child with that tag and namespace, the node's own one when none is given, or null.
 yfw_node_t *child(yfw_node_t &node, std::string_view tag);
@@ -46,6 +51,7 @@ const yfw_node_t *child(const yfw_node_t &node, std::string_view tag, std::strin
 
 // True for elements of NETCONF and RESTCONF messages, which are no data themselves.
 bool is_envelope(const yfw_node_t &node);
+bool is_envelope_ns(const char *ns);
 
 // The word of RFC 6241, section 7.2, for YFW_OPERATION_…, and back: no_operation when `word` is none of the five.
 std::string_view operation_word(uint32_t operation);
@@ -59,9 +65,6 @@ class node_arena {
  public:
   // `count` adjacent blank nodes; null for 0.
   yfw_node_t *nodes(size_t count);
-
-  // Adjacent copies of nodes, as they are; null for none.
-  yfw_node_t *copies(std::span<const yfw_node_t> nodes);
 
   // A copy of `text` with a terminating zero.
   char *text(std::string_view text);
