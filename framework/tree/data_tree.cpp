@@ -22,7 +22,8 @@ data_node *data_tree::group(data_node *parent, const node_name &name) {
   return node;
 }
 
-data_node &data_tree::append(data_node *parent, const node_name &name) {
+// Adds a node to the group that `siblings` begins, or one that begins a group when it is null.
+data_node &data_tree::append(data_node *parent, const node_name &name, data_node *siblings) {
   if (nodes_used_ == nodes_.size()) {
     nodes_.emplace_back();
   }
@@ -33,9 +34,9 @@ data_node &data_tree::append(data_node *parent, const node_name &name) {
   node.schema = name.schema;
   node.parent = parent;
   data_node &above = parent == nullptr ? top_ : *parent;
-  if (data_node *first = group(parent, name)) {
-    (first->last_entry == nullptr ? first : first->last_entry)->next_entry = &node;
-    first->last_entry = &node;
+  if (siblings != nullptr) {
+    (siblings->last_entry == nullptr ? siblings : siblings->last_entry)->next_entry = &node;
+    siblings->last_entry = &node;
   } else {
     (above.last_child == nullptr ? above.first_child : above.last_child->next) = &node;
     above.last_child = &node;
@@ -46,21 +47,25 @@ data_node &data_tree::append(data_node *parent, const node_name &name) {
 data_node &data_tree::at(data_node *parent, std::string_view ns, std::string_view tag) {
   const node_name name = resolve(parent, ns, tag);
   data_node *found = group(parent, name);
-  return found != nullptr ? *found : append(parent, name);
+  return found != nullptr ? *found : append(parent, name, nullptr);
 }
 
 data_node &data_tree::add(data_node *parent, std::string_view ns, std::string_view tag) {
-  return append(parent, resolve(parent, ns, tag));
+  const node_name name = resolve(parent, ns, tag);
+  return append(parent, name, group(parent, name));
 }
 
 data_node &data_tree::at(data_node *parent, const lysc_node *schema) {
-  const node_name name{yfw::ns(schema), yfw::name(schema), schema};
-  data_node *found = group(parent, name);
-  return found != nullptr ? *found : append(parent, name);
+  data_node *found = (parent == nullptr ? top_ : *parent).first_child;
+  while (found != nullptr && found->schema != schema) {
+    found = found->next;
+  }
+  return found != nullptr ? *found : append(parent, {yfw::ns(schema), yfw::name(schema), schema}, nullptr);
 }
 
 data_node &data_tree::add(data_node *parent, const lysc_node *schema) {
-  return append(parent, {yfw::ns(schema), yfw::name(schema), schema});
+  const node_name name{yfw::ns(schema), yfw::name(schema), schema};
+  return append(parent, name, group(parent, name));
 }
 
 static void add_part(std::string &key, std::string_view part) {
@@ -90,7 +95,7 @@ data_node &data_tree::entry(data_node *parent, std::string_view ns, std::string_
   }
   data_node *&found = index_[key];
   if (found == nullptr) {
-    found = &append(parent, name);
+    found = &append(parent, name, group(parent, name));
     for (const auto &[key_name, value] : ordered) {
       set_value(at(found, name.ns, key_name), value);
     }
@@ -104,7 +109,7 @@ data_node &data_tree::item(data_node *parent, std::string_view ns, std::string_v
   add_part(key, value);
   data_node *&found = index_[key];
   if (found == nullptr) {
-    found = &append(parent, name);
+    found = &append(parent, name, group(parent, name));
     set_value(*found, value);
   }
   return *found;

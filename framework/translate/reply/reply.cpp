@@ -1,5 +1,7 @@
 #include "yfw/reply.hpp"
 
+#include <libyang/libyang.h>
+
 #include <algorithm>
 #include <deque>
 #include <iterator>
@@ -87,17 +89,37 @@ class reply_translation {
   // Entries that are in no other one are compared with those of the documents before, too: the whole text has them
   // once.
   void refuse_repeated(std::span<const yfw_node_t> level, bool is_in_entry) {
+    if (!is_module_sequence(level)) {
+      refuse_repeated_siblings(level, is_in_entry);
+    }
+    for (const yfw_node_t &node : level) {
+      if (!children(node).empty()) {
+        refuse_repeated(children(node), is_in_entry || is_list(extra(node).schema));
+      }
+    }
+  }
+
+  // Whether these are no list entries and each is the one that follows in the module, so that no two are the same. Most
+  // of what devices send is: then there is nothing to remember.
+  static bool is_module_sequence(std::span<const yfw_node_t> level) {
+    const lysc_node *following = extra(level.front()).schema;
+    for (const yfw_node_t &node : level) {
+      const lysc_node *schema = extra(node).schema;
+      if (schema == nullptr || schema != following || is_list(schema)) {
+        return false;
+      }
+      following = schema->next;
+    }
+    return true;
+  }
+
+  void refuse_repeated_siblings(std::span<const yfw_node_t> level, bool is_in_entry) {
     ++level_;
     for (const yfw_node_t &node : level) {
       const lysc_node *schema = extra(node).schema;
       const bool is_known = schema != nullptr && !is_leaf_list(schema);
       if (is_known && !(is_list(schema) ? is_new_entry(node, is_in_entry) : is_new_node(schema))) {
         throw error(document_.where(node), quoted(node.tag) + " appears twice");
-      }
-    }
-    for (const yfw_node_t &node : level) {
-      if (!children(node).empty()) {
-        refuse_repeated(children(node), is_in_entry || is_list(extra(node).schema));
       }
     }
   }

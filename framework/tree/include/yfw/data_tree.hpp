@@ -82,7 +82,7 @@ class data_tree {
   };
   node_name resolve(const data_node *parent, std::string_view ns, std::string_view tag) const;
   data_node *group(data_node *parent, const node_name &name);
-  data_node &append(data_node *parent, const node_name &name);
+  data_node &append(data_node *parent, const node_name &name, data_node *siblings);
   std::string_view keep(std::string_view text);
   std::string &index_key(const data_node *parent, const node_name &name);
 

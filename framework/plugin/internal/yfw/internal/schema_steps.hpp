@@ -14,6 +14,7 @@ namespace yfw {
 // The nodes from the top down to the last one of a path.
 using schema_steps = std::vector<const lysc_node *>;
 
+// Entry for entry a plug-in emits the same paths in the same order: a path is first looked for behind the one before.
 class path_table {
  public:
   explicit path_table(const schema &modules) : schema_(modules) {}
@@ -26,13 +27,19 @@ class path_table {
   const schema_steps &steps(std::string_view path, const manifest &description);
 
  private:
-  // What is remembered by `key_`; at first the steps to what `node` finds.
+  struct known_path {
+    std::string_view key;
+    schema_steps steps;
+    known_path *following = nullptr;  // what was asked for after it, the last time
+  };
+
+  // What is remembered for a path; at first the steps to what `node` finds.
   template <typename find_t>
-  const schema_steps &known(const find_t &node);
+  const schema_steps &known(std::string_view qualifier, std::string_view path, const find_t &node);
 
   const schema &schema_;
-  std::unordered_map<std::string, schema_steps> known_;
-  std::string key_;
+  std::unordered_map<std::string, known_path> known_;
+  known_path *last_ = nullptr;
 };
 
 }  // namespace yfw
