@@ -1,6 +1,7 @@
 #include "reply_pieces.hpp"
 
 #include <algorithm>
+#include <utility>
 
 #include "yfw/error.hpp"
 
@@ -23,7 +24,7 @@ std::optional<piece> piece_source::next(size_t least) {
     if (found) {
       return cut_off(*found);
     }
-    if (!read_more()) {
+    if (!read_more(least)) {
       is_at_end_ = true;
       const size_t end = begin_ + window().size();
       return piece{begin_, end, end, first_line_, opening_, "", window()};
@@ -57,28 +58,32 @@ void piece_source::keep(std::string_view text) {
   }
 }
 
-// Asks for as much again as there is, so that what spans many readings is not looked at as many times.
-bool piece_source::read_more() {
-  constexpr size_t block_bytes = 262'144;
-  buffer_.erase(0, taken_);
-  taken_ = 0;
-  const size_t old = buffer_.size();
-  if (old > read_limits().bytes) {
+// Asks for a piece and what may be left of an entry there, so that little is moved before the next reading; where that
+// is not enough for as much again as there is, so that what spans many readings is not looked at as many times.
+bool piece_source::read_more(size_t least) {
+  constexpr size_t entry_bytes = 16'384;
+  std::copy(buffer_.begin() + static_cast<ptrdiff_t>(taken_), buffer_.begin() + static_cast<ptrdiff_t>(filled_),
+            buffer_.begin());
+  filled_ -= std::exchange(taken_, 0);
+  if (filled_ > read_limits().bytes) {
     throw error("a piece of the text is larger than " + std::to_string(read_limits().bytes) + " bytes");
   }
-  size_t room = std::max(block_bytes, old);
+  const size_t wanted = least + entry_bytes;
+  size_t room = std::max(entry_bytes, filled_ < wanted ? wanted - filled_ : filled_);
   if (is_from_kept_) {
-    const size_t at = begin_ + old;
-    room = std::min(room, kept_bytes_ - at);
-    buffer_ += kept_.read(at, room);
+    room = std::min(room, kept_bytes_ - begin_ - filled_);
+  }
+  buffer_.resize(std::max(buffer_.size(), filled_ + room));
+  const std::span<char> free = std::span(buffer_).subspan(filled_, room);
+  if (is_from_kept_) {
+    std::ranges::copy(kept_.read(begin_ + filled_, room), free.begin());
   } else {
-    buffer_.resize(old + room);
-    room = fill(std::span(buffer_).subspan(old));
-    buffer_.resize(old + room);
+    room = fill(free);
     if (begin_ > 0) {
-      keep(std::string_view(buffer_).substr(old));
+      keep({free.data(), room});
     }
   }
+  filled_ += room;
   if (cutter_ == nullptr) {
     cutter_ = make_cutter(window(), lists_);
   }
@@ -111,7 +116,7 @@ void piece_source::restart() {
     keep_rest();
   }
   is_from_kept_ = !can_seek_;
-  buffer_.clear();
+  filled_ = 0;
   taken_ = 0;
   begin_ = 0;
   opening_.clear();
@@ -136,9 +141,10 @@ std::string piece_source::whole() {
   if (begin_ > 0) {
     restart();
   }
-  while (read_more()) {
+  while (read_more(0)) {
   }
   is_at_end_ = true;
+  buffer_.resize(filled_);
   return std::move(buffer_);
 }
 

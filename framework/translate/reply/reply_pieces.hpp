@@ -66,12 +66,12 @@ class piece_source {
 
  private:
   piece cut_off(const cut &at);
-  bool read_more();
+  bool read_more(size_t least);
   size_t fill(std::span<char> room);
   void keep(std::string_view text);
   void keep_rest();
   std::string_view window() const {
-    return std::string_view(buffer_).substr(taken_);
+    return {buffer_.data() + taken_, filled_ - taken_};
   }
 
   text_source &text_;
@@ -81,8 +81,9 @@ class piece_source {
   size_t kept_bytes_ = 0;
   bool is_from_kept_ = false;
 
-  std::string buffer_;
-  size_t taken_ = 0;  // of the buffer
+  std::string buffer_;  // larger than what it holds, so that it is not cleared before each reading
+  size_t filled_ = 0;
+  size_t taken_ = 0;  // of what it holds
   size_t begin_ = 0;  // of the window, in the text
   std::string opening_;
   unsigned first_line_ = 1;
