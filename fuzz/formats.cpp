@@ -28,7 +28,7 @@ std::string reply_to(yfw::document &native) {
 std::string paths(yfw::document &request, yfw::client_operation operation) {
   yfw::trace_log log;
   std::string text;
-  for (const yfw::native_call &call :
+  for (const yfw::native_operation &call :
        translate_request(request, read_client_request(request, operation), fuzz::mapping(), log).calls) {
     text += std::to_string(static_cast<int>(call.kind)) + ' ' + call.path() + ' ' + call.value.value_or("-") + ' ' +
             std::to_string(call.operation) + '\n';

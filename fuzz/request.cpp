@@ -19,7 +19,7 @@ void plan(yfw::document &request) {
   yfw::trace_log log;
   const yfw::edit_plan planned =
       plan_request(request, read_client_request(request, client_operation::edit), fuzz::mapping(), log);
-  for (const yfw::rpc_error &problem : planned.problems) {
+  for (const yfw::client_error &problem : planned.problems) {
     fuzz::require_printable(problem.what());
   }
 }

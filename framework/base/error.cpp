@@ -25,7 +25,7 @@ error::error(const std::string &text) : std::runtime_error(one_line(text)), text
 error::error(place where, const std::string &text)
     : std::runtime_error(message(where, text)), where_(std::move(where)), text_(text) {}
 
-std::string_view word(error_tag tag) {
+std::string_view to_string(error_tag tag) {
   static constexpr std::array<std::string_view, 10> words{
       "bad-element",       "data-exists",      "data-missing",     "invalid-value",
       "malformed-message", "missing-element",  "operation-failed", "operation-not-supported",
@@ -55,7 +55,7 @@ static bool names_element(error_tag tag) {
          tag == error_tag::unknown_namespace;
 }
 
-rpc_error::rpc_error(place where, const std::string &text, error_tag tag, std::string bad_element)
+client_error::client_error(place where, const std::string &text, error_tag tag, std::string bad_element)
     : error(std::move(where), text), tag_(tag), bad_element_(std::move(bad_element)) {
   if (bad_element_.empty() && names_element(tag)) {
     bad_element_ = last_name(this->where().path);
@@ -78,7 +78,7 @@ static std::string without_controls(std::string_view text) {
   return result;
 }
 
-std::string quoted(std::string_view text) {
+std::string in_quotes(std::string_view text) {
   constexpr size_t longest = 80;
   const size_t end = character_at(text, std::min(text.size(), longest));
   return "'" + without_controls(text.substr(0, end)) + (end < text.size() ? "...'" : "'");

@@ -11,7 +11,7 @@ namespace yfw {
   throw error(std::string("a temporary file cannot be ") + what + ": " + std::strerror(errno));
 }
 
-void spool::append(std::string_view text) {
+void temporary_file::append(std::string_view text) {
   if (file_ == nullptr) {
     file_.reset(std::tmpfile());
   }
@@ -23,7 +23,7 @@ void spool::append(std::string_view text) {
   }
 }
 
-void spool::read_all(const std::function<void(std::string_view)> &take) {
+void temporary_file::read_all(const std::function<void(std::string_view)> &take) {
   if (file_ == nullptr) {
     return;
   }
@@ -39,7 +39,7 @@ void spool::read_all(const std::function<void(std::string_view)> &take) {
   }
 }
 
-std::string spool::read(size_t offset, size_t size) {
+std::string temporary_file::read(size_t offset, size_t size) {
   std::string text(size, '\0');
   if (std::fseek(file_.get(), static_cast<long>(offset), SEEK_SET) != 0 ||
       std::fread(text.data(), 1, size, file_.get()) != size) {

@@ -46,7 +46,7 @@ struct capture::parts {
   std::vector<captured_node> nodes;
   std::map<std::string, size_t, std::less<>> by_name;
   std::vector<std::string> stack;  // names of nodes by level
-  std::vector<plugin_act> acts;
+  std::vector<plugin_event> acts;
   std::map<std::string, std::vector<captured_answer>, std::less<>> answers;  // by call, in the order in which they came
   bool has_returned = false;
 };

@@ -27,7 +27,7 @@ class capture_reader {
       const std::string_view line = rest.substr(0, end);
       if (++number_ == 1 && line != first_line) {
         throw error(place{parts_.file, 1, {}},
-                    yfw::quoted(line) + " is not the first line of a capture, which is " + yfw::quoted(first_line));
+                    in_quotes(line) + " is not the first line of a capture, which is " + in_quotes(first_line));
       }
       read_line(capture_line(line, parts_.file, number_));
       rest.remove_prefix(std::min(end + 1, rest.size()));
@@ -69,7 +69,7 @@ class capture_reader {
     } else if (word == "call" || word == "wrote" || word == "return") {
       read_act(line, word);
     } else if (word != "above") {
-      line.fail(yfw::quoted(word) + " is no word of a capture, which are 'above', 'node', 'stack', 'call', 'answer', " +
+      line.fail(in_quotes(word) + " is no word of a capture, which are 'above', 'node', 'stack', 'call', 'answer', " +
                 "'set', 'wrote' and 'return'");
     }
   }
@@ -82,9 +82,9 @@ class capture_reader {
     }
     parts_.function = line.bare(1);
     const std::string &form = line.value("form").bare;
-    const auto found = std::ranges::find(forms, form, [](call_form each) { return word(each); });
+    const auto found = std::ranges::find(forms, form, [](call_form each) { return to_string(each); });
     if (found == forms.end()) {
-      line.fail(yfw::quoted(form) + " is none of 'entry', 'report-defaults' and 'create-defaults'");
+      line.fail(in_quotes(form) + " is none of 'entry', 'report-defaults' and 'create-defaults'");
     }
     parts_.form = *found;
     require_form(line);
@@ -98,7 +98,7 @@ class capture_reader {
                       : parts_.form == call_form::report_defaults ? !is_walk && name.starts_with("ymap_xo_")
                                                                   : !is_walk && name.starts_with("ymap_ox_");
     if (!fits) {
-      line.fail(yfw::quoted(name) + " is not the name of a function of that form");
+      line.fail(in_quotes(name) + " is not the name of a function of that form");
     }
   }
 
@@ -123,7 +123,7 @@ class capture_reader {
       line.fail("has no name");
     }
     if (!parts_.by_name.emplace(node.name, parts_.nodes.size()).second) {
-      line.fail(yfw::quoted(node.name) + " is there already");
+      line.fail(in_quotes(node.name) + " is there already");
     }
     if (node.name.starts_with('#') && node.name != "#") {
       add_to_parent(line, node.name);
@@ -150,12 +150,12 @@ class capture_reader {
     const std::string index = name.substr(dot == std::string::npos ? 1 : dot + 1);
     const auto parent = parts_.by_name.find(above);
     if (parent == parts_.by_name.end()) {
-      line.fail("there is no node " + yfw::quoted(above));
+      line.fail("there is no node " + in_quotes(above));
     }
     std::vector<size_t> &children = parts_.nodes[parent->second].children;
     children.push_back(parts_.nodes.size());
     if (index != std::to_string(children.size())) {
-      line.fail("is not the next child of " + yfw::quoted(above) + ", which is number " +
+      line.fail("is not the next child of " + in_quotes(above) + ", which is number " +
                 std::to_string(children.size()));
     }
     if (static_cast<size_t>(std::ranges::count(name, '.')) >= deepest) {
@@ -165,7 +165,7 @@ class capture_reader {
 
   void read_stack(const capture_line &line) {
     if (line.bare(1) != std::to_string(parts_.stack.size()) || parts_.stack.size() == highest_stack) {
-      line.fail(yfw::quoted(line.bare(1)) + " is not the next level of the stack");
+      line.fail(in_quotes(line.bare(1)) + " is not the next level of the stack");
     }
     parts_.stack.push_back(known_node(line, "node"));
   }
@@ -206,7 +206,7 @@ class capture_reader {
     }
     captured_change change{line.bare(1), line.bare(2), 0, ""};
     if (change.target != "record" && !parts_.by_name.contains(change.target)) {
-      line.fail("there is no node " + yfw::quoted(change.target));
+      line.fail("there is no node " + in_quotes(change.target));
     }
     if (change.target == "record" && change.field == "current-list") {
       change.node = line.bare(5);
@@ -223,7 +223,7 @@ class capture_reader {
                                 const std::string &name) {
     const auto found = std::ranges::find(fields, name, &capture_field<record_t>::name);
     if (found == fields.end() || name == "children") {
-      line.fail(yfw::quoted(name) + " is no field there that a framework changes");
+      line.fail(in_quotes(name) + " is no field there that a framework changes");
     }
     return found->maximum;
   }
@@ -231,7 +231,7 @@ class capture_reader {
   std::string known_node(const capture_line &line, std::string_view name) const {
     const std::string &node = line.value(name).bare;
     if (node != "null" && !node.starts_with("made") && !parts_.by_name.contains(node)) {
-      line.fail("there is no node " + yfw::quoted(node));
+      line.fail("there is no node " + in_quotes(node));
     }
     return node;
   }
@@ -257,7 +257,7 @@ const std::string &capture::function() const {
   return parts_->function;
 }
 
-const std::vector<plugin_act> &capture::acts() const {
+const std::vector<plugin_event> &capture::events() const {
   return parts_->acts;
 }
 

@@ -62,7 +62,7 @@ capture_line::capture_line(std::string_view text, std::string file, unsigned num
     if (rest.starts_with('"')) {
       word.text = quoted_text(rest);
       if (!word.bare.empty()) {
-        fail("a quote inside of the word " + yfw::quoted(word.bare));
+        fail("a quote inside of the word " + in_quotes(word.bare));
       }
     }
     if (!rest.empty() && rest.front() != ' ') {
@@ -119,7 +119,7 @@ const capture_word *capture_line::find(std::string_view name) const {
 const capture_word &capture_line::value(std::string_view name) const {
   const capture_word *found = find(name);
   if (found == nullptr) {
-    fail("has no " + yfw::quoted(std::string(name) + "="));
+    fail("has no " + in_quotes(std::string(name) + "="));
   }
   return *found;
 }
@@ -127,7 +127,7 @@ const capture_word &capture_line::value(std::string_view name) const {
 std::optional<std::string> capture_line::text(std::string_view name) const {
   const capture_word &word = value(name);
   if (!word.text && word.bare != "null") {
-    fail(yfw::quoted(word.bare) + " is neither null nor a text in double quotes");
+    fail(in_quotes(word.bare) + " is neither null nor a text in double quotes");
   }
   return word.text;
 }
@@ -148,7 +148,7 @@ uint32_t capture_line::number_of(const capture_word &word, uint32_t maximum) con
   uint32_t result = 0;
   const auto [end, fault] = std::from_chars(first, last, result, is_hex ? 16 : 10);
   if (word.text || fault != std::errc() || end != last || result > maximum) {
-    fail(yfw::quoted(word.text ? *word.text : word.bare) + " is not a number up to " + std::to_string(maximum));
+    fail(in_quotes(word.text ? *word.text : word.bare) + " is not a number up to " + std::to_string(maximum));
   }
   return result;
 }

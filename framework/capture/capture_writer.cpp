@@ -101,7 +101,7 @@ capture_writer::~capture_writer() {
 
 void capture_writer::write_head(call_form form, const std::string &function, yfw_node_t *node) {
   write("ymap-capture 1");
-  write("function " + function + " form=" + std::string(word(form)));
+  write("function " + function + " form=" + std::string(to_string(form)));
   write_record();
   write_above();
   write(state_.node_line(ctx_.output_root, "out"));

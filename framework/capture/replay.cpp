@@ -102,7 +102,7 @@ class replayer : public call_observer {
   replayer(const replayer &) = delete;
   replayer &operator=(const replayer &) = delete;
 
-  std::vector<plugin_act> run(const plugin &mapping) {
+  std::vector<plugin_event> run(const plugin &mapping) {
     state_.emplace(context_.record, context_.output_root);
     for (const captured_node &node : from_.nodes) {
       (void)known(node.name);
@@ -208,7 +208,7 @@ class replayer : public call_observer {
   replayed_nodes nodes_;
   std::deque<yfw_itree_entry_t> given_entries_;
   std::optional<capture_state> state_;
-  std::vector<plugin_act> acts_;
+  std::vector<plugin_event> acts_;
   std::map<std::string, size_t> used_;
   unsigned unheard_ = 0;
   char *error_tag_ = nullptr;
@@ -216,23 +216,24 @@ class replayer : public call_observer {
 
 }  // namespace
 
-std::vector<plugin_act> replay(const capture &recorded, const plugin &mapping) {
+std::vector<plugin_event> replay(const capture &recorded, const plugin &mapping) {
   return replayer(recorded.inside()).run(mapping);
 }
 
-std::optional<parting> first_parting(const std::vector<plugin_act> &expected, const std::vector<plugin_act> &actual) {
-  const auto at = [](const std::vector<plugin_act> &acts, size_t i) {
+std::optional<difference> first_difference(const std::vector<plugin_event> &expected,
+                                           const std::vector<plugin_event> &actual) {
+  const auto at = [](const std::vector<plugin_event> &acts, size_t i) {
     return i < acts.size() ? std::optional(acts[i]) : std::nullopt;
   };
   for (size_t i = 0; i < std::max(expected.size(), actual.size()); ++i) {
     if (i >= expected.size() || i >= actual.size() || expected[i].text != actual[i].text) {
-      return parting{at(expected, i), at(actual, i)};
+      return difference{at(expected, i), at(actual, i)};
     }
   }
   return std::nullopt;
 }
 
-std::vector<std::string> parting::differing_arguments() const {
+std::vector<std::string> difference::differing_arguments() const {
   std::vector<std::string> names;
   if (!expected || !actual) {
     return names;

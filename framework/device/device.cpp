@@ -16,7 +16,8 @@ class selection {
   explicit selection(data_tree &tree) : tree_(tree) {}
 
   // What `call` leads to from `level` on. `above` are the nodes on the way.
-  void add(const std::vector<native_node> &level, const native_call &call, std::vector<const native_node *> &above) {
+  void add(const std::vector<native_node> &level, const native_operation &call,
+           std::vector<const native_node *> &above) {
     const size_t depth = above.size();
     const path_step step = wanted_step(call, depth);
     const bool is_last = depth + 1 == call.steps.size();
@@ -39,7 +40,7 @@ class selection {
 
  private:
   // A read of a key with a value selects the entry that has it.
-  static path_step wanted_step(const native_call &call, size_t depth) {
+  static path_step wanted_step(const native_operation &call, size_t depth) {
     path_step step = call.steps[depth];
     if (call.value && depth + 2 == call.steps.size() && is_key(call.steps.back().node)) {
       step.keys.emplace_back(name(call.steps.back().node), *call.value);
@@ -113,7 +114,7 @@ std::span<const yfw_node_t> device::open_envelopes() {
     const std::string_view tag = node.tag;
     const bool is_reply = tag == "rpc-reply" && envelopes_.empty() && children(node).size() == 1;
     if (!is_reply && tag != "data" && tag != "config") {
-      throw error(source_->where(node), yfw::quoted(tag) + " is not native data; 'data' with native data is");
+      throw error(source_->where(node), in_quotes(tag) + " is not native data; 'data' with native data is");
     }
     wrapper &kept = envelopes_.emplace_back(wrapper{node.tag, node.ns});
     if (const auto id = source_->attribute(node, "", "message-id"); id) {
@@ -135,7 +136,7 @@ void device::fill(std::vector<native_node> &level, std::span<const yfw_node_t> f
     const bool is_one_of_many = added.schema == nullptr || (is_list(added.schema) && keys(added.schema).empty());
     const std::string identity = std::string(added.ns) + ' ' + std::string(added.tag) + predicates(added);
     if (!is_one_of_many && !seen.insert(identity).second) {
-      throw error(source_->where(node), quoted(node.tag) + " appears twice");
+      throw error(source_->where(node), in_quotes(node.tag) + " appears twice");
     }
   }
 }
@@ -154,7 +155,7 @@ native_node device::loaded(const yfw_node_t &from) {
   fill(node.children, children(from));
   for (const std::string_view key : keys(schema)) {
     if (key_text(node, key) == nullptr) {
-      throw error(source_->where(from), "list entry without its key " + quoted(key));
+      throw error(source_->where(from), "list entry without its key " + in_quotes(key));
     }
   }
   return node;
@@ -178,16 +179,16 @@ void device::load_value(native_node &to, const yfw_node_t &from) {
     to.value = checked.canonical;
   } else if (source_->format() == data_format::xml && why_unwritable_.empty()) {
     unwritable_ = source_->where(from);
-    why_unwritable_ = yfw::quoted(*to.value) + " could not be written back with its prefix";
+    why_unwritable_ = in_quotes(*to.value) + " could not be written back with its prefix";
   }
 }
 
-data_tree device::select(std::span<const native_call> calls) const {
+data_tree device::select(std::span<const native_operation> calls) const {
   data_tree tree(modules());
   selection selected(tree);
-  for (const native_call &call : calls) {
+  for (const native_operation &call : calls) {
     std::vector<const native_node *> above;
-    if (call.kind == call_kind::read && !call.steps.empty()) {
+    if (call.kind == operation_kind::read && !call.steps.empty()) {
       selected.add(roots_, call, above);
     }
   }

@@ -8,17 +8,17 @@
 namespace yfw {
 namespace {
 
-[[noreturn]] void refuse(const native_call &call, const std::string &text, error_tag tag) {
-  throw rpc_error({}, yfw::quoted(call.path()) + " " + text, tag);
+[[noreturn]] void refuse(const native_operation &call, const std::string &text, error_tag tag) {
+  throw client_error({}, in_quotes(call.path()) + " " + text, tag);
 }
 
-void require_editable(const native_call &call) {
+void require_editable(const native_operation &call) {
   if (call.steps.empty() || !is_config(call.steps.back().node)) {
     refuse(call, "is operational state of the device, which cannot be edited", error_tag::operation_not_supported);
   }
   for (const path_step &step : call.steps) {
     if (step.keys.size() != keys(step.node).size()) {
-      refuse(call, "lacks a key of " + quoted(name(step.node)), error_tag::operation_failed);
+      refuse(call, "lacks a key of " + in_quotes(name(step.node)), error_tag::operation_failed);
     }
   }
 }
@@ -60,31 +60,31 @@ std::string identity(const lysc_node *list, const value_of_t &value_of) {
   return text;
 }
 
-std::string path_to(const native_call &call, size_t step) {
-  native_call shortened = call;
+std::string path_to(const native_operation &call, size_t step) {
+  native_operation shortened = call;
   shortened.steps.resize(step + 1);
   return shortened.path();
 }
 
-std::string path_above(const native_call &call, size_t step) {
+std::string path_above(const native_operation &call, size_t step) {
   return step == 0 ? std::string() : path_to(call, step - 1);
 }
 
 }  // namespace
 
-void device_edit::apply(const native_call &call) {
-  if (call.kind == call_kind::read) {
+void device_edit::apply(const native_operation &call) {
+  if (call.kind == operation_kind::read) {
     return;
   }
   require_editable(call);
-  if (call.kind == call_kind::set) {
+  if (call.kind == operation_kind::set) {
     set(call);
   } else {
     (void)remove(roots_, call, 0);
   }
 }
 
-void device_edit::set(const native_call &call) {
+void device_edit::set(const native_operation &call) {
   const lysc_node *leaf = call.steps.back().node;
   const checked_value checked = target_.modules().check_value(leaf, call.value.value_or(""));
   if (!checked.ok) {
@@ -99,7 +99,7 @@ void device_edit::set(const native_call &call) {
 
 // The node that a step leads to, or null. Lists in which many entries are looked for get an index, so that an edit of
 // all entries takes no time that grows with the square of their number.
-native_node *device_edit::find(std::vector<native_node> &level, const native_call &call, size_t step) {
+native_node *device_edit::find(std::vector<native_node> &level, const native_operation &call, size_t step) {
   constexpr unsigned enough_searches = 16;
   const path_step &wanted = call.steps[step];
   const auto search = [&] {
@@ -128,7 +128,7 @@ native_node *device_edit::find(std::vector<native_node> &level, const native_cal
 }
 
 // The node that a step leads to, made when missing.
-native_node &device_edit::reached(std::vector<native_node> &level, const native_call &call, size_t step) {
+native_node &device_edit::reached(std::vector<native_node> &level, const native_operation &call, size_t step) {
   const path_step &wanted = call.steps[step];
   if (native_node *found = find(level, call, step); found != nullptr) {
     return *found;
@@ -147,7 +147,7 @@ native_node &device_edit::reached(std::vector<native_node> &level, const native_
   return made;
 }
 
-void device_edit::set_leaf(std::vector<native_node> &level, const native_call &call) {
+void device_edit::set_leaf(std::vector<native_node> &level, const native_operation &call) {
   const lysc_node *leaf = call.steps.back().node;
   const std::string value = call.value.value_or("");
   const auto found = std::ranges::find_if(level, [&](const native_node &node) {
@@ -171,7 +171,7 @@ void device_edit::set_leaf(std::vector<native_node> &level, const native_call &c
 }
 
 // A node that is made deletes those in the other cases of its choice (RFC 7950, section 7.9).
-void device_edit::drop_other_cases(std::vector<native_node> &level, const native_call &call, size_t step) {
+void device_edit::drop_other_cases(std::vector<native_node> &level, const native_operation &call, size_t step) {
   const auto is_excluded = [&](const native_node &node) {
     return node.schema != nullptr && exclude_each_other(call.steps[step].node, node.schema);
   };
@@ -186,7 +186,7 @@ void device_edit::drop_other_cases(std::vector<native_node> &level, const native
 }
 
 // True when something is removed. Containers that are left empty are removed on the way back.
-bool device_edit::remove(std::vector<native_node> &level, const native_call &call, size_t step) {
+bool device_edit::remove(std::vector<native_node> &level, const native_operation &call, size_t step) {
   native_node *found = find(level, call, step);
   if (found == nullptr) {
     if (call.operation == YFW_OPERATION_DELETE) {
@@ -217,7 +217,7 @@ bool device_edit::remove(std::vector<native_node> &level, const native_call &cal
 }
 
 // After nodes of a level were removed: others have moved up.
-void device_edit::forget_places(const native_call &call, size_t step) {
+void device_edit::forget_places(const native_operation &call, size_t step) {
   if (!indexes_.empty()) {
     const std::string above = path_above(call, step);
     std::erase_if(indexes_, [&](const auto &each) { return each.first.starts_with(above); });

@@ -17,7 +17,7 @@ namespace {
 namespace fs = std::filesystem;
 
 [[noreturn]] void fail(const fs::path &file, const std::string &what) {
-  throw rpc_error({file.string()}, what + ": " + std::strerror(errno), error_tag::operation_failed);
+  throw client_error({file.string()}, what + ": " + std::strerror(errno), error_tag::operation_failed);
 }
 
 // The file that `name` leads to.
@@ -25,17 +25,17 @@ fs::path target_of(const fs::path &name) {
   std::error_code code;
   fs::path target = fs::canonical(name, code);
   if (code == std::errc::no_such_file_or_directory) {
-    throw rpc_error({name.string()},
-                    "there is no such device file; one without data is made by: echo '<data xmlns=\"" +
-                        std::string(netconf_ns) + "\"/>' > " + name.string(),
-                    error_tag::operation_failed);
+    throw client_error({name.string()},
+                       "there is no such device file; one without data is made by: echo '<data xmlns=\"" +
+                           std::string(netconf_ns) + "\"/>' > " + name.string(),
+                       error_tag::operation_failed);
   }
   const bool is_regular = !code && fs::is_regular_file(target, code);
   if (code) {
-    throw rpc_error({name.string()}, "cannot be found: " + code.message(), error_tag::operation_failed);
+    throw client_error({name.string()}, "cannot be found: " + code.message(), error_tag::operation_failed);
   }
   if (!is_regular) {
-    throw rpc_error({name.string()}, "is not a regular file", error_tag::operation_failed);
+    throw client_error({name.string()}, "is not a regular file", error_tag::operation_failed);
   }
   return target;
 }

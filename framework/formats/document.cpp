@@ -50,7 +50,7 @@ document document::read(std::string text, std::string file, const schema &schema
     inside->format = data_format::json;
     read_json(*inside, begin);
   } else {
-    inside->fail(first, yfw::quoted(inside->text.substr(first, 1)) +
+    inside->fail(first, in_quotes(inside->text.substr(first, 1)) +
                             " begins neither XML, which begins with '<', nor a JSON object, which begins with '{'");
   }
   return document(std::move(inside));

@@ -164,7 +164,8 @@ class json_reader : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, json_
     const std::string_view ns = parts_.modules->ns_of_module(module);
     if (ns.empty()) {
       const std::string_view near = closest(parts_.modules->modules(), module);
-      fail("module " + quoted(module) + " is not known" + (near.empty() ? "" : "; did you mean " + quoted(near) + "?"));
+      fail("module " + in_quotes(module) + " is not known" +
+           (near.empty() ? "" : "; did you mean " + in_quotes(near) + "?"));
     }
     return ns;
   }
@@ -178,11 +179,11 @@ class json_reader : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, json_
     const bool has_module = colon != std::string_view::npos;
     const std::string_view tag = plain.substr(has_module ? colon + 1 : 0);
     if ((tag.empty() && name != "@") || tag.find(':') != std::string_view::npos) {
-      fail(quoted(name) + " is not a name");
+      fail(in_quotes(name) + " is not a name");
     }
     const char *ns = has_module ? module_ns(plain.substr(0, colon)).data() : levels_.back().ns;
     if (ns == nullptr && name != "@") {
-      fail(quoted(name) + " is without its module" + module_hint(tag));
+      fail(in_quotes(name) + " is without its module" + module_hint(tag));
     }
     members_.push_back({{parts_.arena.text(tag), tag.size()},
                         ns,
@@ -251,7 +252,7 @@ class json_reader : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, json_
   void add_null_item() {
     const lysc_node *schema = builder_.schema_of(owner().tag, owner().ns);
     if (owner().count != 0 || (schema != nullptr && !parts_.modules->check_value(schema, "").ok)) {
-      fail("null does not stand in the array of " + quoted(owner().tag));
+      fail("null does not stand in the array of " + in_quotes(owner().tag));
     }
     add_leaf("");
   }
@@ -270,7 +271,7 @@ class json_reader : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, json_
     for (const member *each : sorted_) {
       const bool is_same = before != nullptr && before->has_name_of(*each);
       if (is_same && before->is_annotation == each->is_annotation) {
-        builder_.fail(std::max(before->offset, each->offset), quoted(each->tag) + " is given twice");
+        builder_.fail(std::max(before->offset, each->offset), in_quotes(each->tag) + " is given twice");
       }
       if (each->is_annotation) {
         apply(*each, is_same ? before : nullptr);
@@ -303,7 +304,7 @@ class json_reader : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, json_
   void begin_annotation(std::string_view name) {
     const size_t colon = name.find(':');
     if (colon == std::string_view::npos) {
-      fail("annotation " + quoted(name) + " is without its module");
+      fail("annotation " + in_quotes(name) + " is without its module");
     }
     is_operation_ = module_ns(name.substr(0, colon)) == netconf_ns && name.substr(colon + 1) == "operation";
   }
@@ -335,11 +336,11 @@ class json_reader : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, json_
     }
     const lysc_node *schema = builder_.schema_of(annotation.tag, annotation.ns);
     if (is_container(schema) || is_list(schema)) {
-      builder_.fail(annotation.offset, "the annotation of " + quoted(annotation.tag) + " stands inside it, as '@'");
+      builder_.fail(annotation.offset, "the annotation of " + in_quotes(annotation.tag) + " stands inside it, as '@'");
     }
     const size_t count = data == nullptr ? 1 : data->count;
     if (annotation.count > count) {
-      builder_.fail(annotation.offset, "more annotations than there are values of " + quoted(annotation.tag));
+      builder_.fail(annotation.offset, "more annotations than there are values of " + in_quotes(annotation.tag));
     }
     for (size_t i = 0; i < annotation.count; ++i) {
       const uint8_t operation = operations_[annotation.first + i];
@@ -377,7 +378,7 @@ static std::string words(rapidjson::ParseErrorCode code, std::string_view text, 
     --begin;
   }
   const std::string_view found = text.substr(begin, text.find_first_of(ends, std::max(at, begin + 1)) - begin);
-  return reason + " at " + quoted(found.substr(0, 60));
+  return reason + " at " + in_quotes(found.substr(0, 60));
 }
 
 void read_json(document::parts &parts, size_t begin) {

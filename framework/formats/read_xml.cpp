@@ -71,7 +71,7 @@ class xml_reader {
     const char *colon = std::strchr(name, ':');
     const char *tag = colon == nullptr ? name : colon + 1;
     if (*tag == '\0' || (colon != nullptr && (colon == name || std::strchr(tag, ':') != nullptr))) {
-      builder_.fail(offset, quoted(name) + " is not a name");
+      builder_.fail(offset, in_quotes(name) + " is not a name");
     }
     const char *ns = element_namespace(name, tag, offset);
     builder_.open(tag, ns, offset, element.internal_object());
@@ -121,7 +121,7 @@ class xml_reader {
     if (text != nullptr && !is_blank(std::string_view(text))) {
       const bool is_joined = text == joined_.data();
       const size_t offset = is_joined ? builder_.current().offset : offset_of(trimmed(text).data());
-      builder_.fail(offset, "text " + quoted(trimmed(text)) + " stands beside elements");
+      builder_.fail(offset, "text " + in_quotes(trimmed(text)) + " stands beside elements");
     }
   }
 
@@ -131,7 +131,7 @@ class xml_reader {
     for (const pugi::xml_attribute attribute : element.attributes()) {
       const std::string_view name = attribute.name();
       if (std::ranges::find(names_, name) != names_.end()) {
-        builder_.fail(offset, "attribute " + quoted(name) + " is given twice");
+        builder_.fail(offset, "attribute " + in_quotes(name) + " is given twice");
       }
       names_.push_back(name);
       if (names_.size() > parts_.limits.attributes) {
@@ -151,7 +151,7 @@ class xml_reader {
 
   void add_prefix(std::string_view prefix, const char *ns, size_t offset) {
     if (prefix.empty() || *ns == '\0') {
-      builder_.fail(offset, "prefix " + quoted(prefix) + " is declared without a namespace or a name");
+      builder_.fail(offset, "prefix " + in_quotes(prefix) + " is declared without a namespace or a name");
     }
     declarations_.push_back({prefix, ns});
   }
@@ -171,7 +171,7 @@ class xml_reader {
   const char *namespace_of(std::string_view prefix, size_t offset) {
     const char *ns = in_scope(prefix);
     if (ns == nullptr) {
-      builder_.fail(offset, "prefix " + quoted(prefix) + " is not declared");
+      builder_.fail(offset, "prefix " + in_quotes(prefix) + " is not declared");
     }
     return ns;
   }
@@ -185,7 +185,7 @@ class xml_reader {
       return any_namespace(tag, offset);
     }
     if (ns == nullptr || *ns == '\0') {
-      builder_.fail(offset, quoted(tag) + " is in no namespace" + declaration_hint(tag));
+      builder_.fail(offset, in_quotes(tag) + " is in no namespace" + declaration_hint(tag));
     }
     return ns;
   }
@@ -203,7 +203,7 @@ class xml_reader {
     }
     std::erase_if(known, [&](const lysc_node *node) { return name(node) != tag; });
     if (known.size() != 1) {
-      builder_.fail(offset, quoted(tag) + " is in no namespace, and " +
+      builder_.fail(offset, in_quotes(tag) + " is in no namespace, and " +
                                 (known.empty() ? "no module has" : "several modules have") + " such a node there");
     }
     return ns(known.front()).data();
@@ -234,7 +234,7 @@ class xml_reader {
         builder_.fail(offset, "attribute 'operation' is in no namespace; it would be nc:operation with xmlns:nc=\"" +
                                   std::string(netconf_ns) + '"');
       } else if (ns != xml_ns && !is_envelope_ns(node.ns)) {
-        builder_.fail(offset, "attribute " + quoted(name) + " is not one of data, which is nc:operation only");
+        builder_.fail(offset, "attribute " + in_quotes(name) + " is not one of data, which is nc:operation only");
       }
     }
   }
@@ -270,7 +270,7 @@ std::string words(pugi::xml_parse_status status, std::string_view text) {
   if (status == pugi::status_out_of_memory) {
     return "there is no memory for it";
   }
-  return quoted(found) + " is not well-formed XML";
+  return in_quotes(found) + " is not well-formed XML";
 }
 
 // Blanks between elements are layout, but where a text is in several pieces one of them may be blank.
@@ -294,12 +294,12 @@ void check_declaration(const document::parts &parts, size_t begin, pugi::xml_nod
     parts.fail(offset, "an XML declaration stands at the very beginning");
   }
   if (const std::string version = declaration.attribute("version").as_string(); version != "1.0") {
-    parts.fail(offset, "XML version " + yfw::quoted(version) + " is not '1.0'");
+    parts.fail(offset, "XML version " + in_quotes(version) + " is not '1.0'");
   }
   const std::string encoding = declaration.attribute("encoding").as_string("UTF-8");
   const auto is_same = [](char a, char b) { return (a | 0x20) == (b | 0x20); };
   if (!std::ranges::equal(encoding, std::string_view("utf-8"), is_same)) {
-    parts.fail(0, "encoding " + yfw::quoted(encoding) + " is not 'UTF-8'");
+    parts.fail(0, "encoding " + in_quotes(encoding) + " is not 'UTF-8'");
   }
 }
 
@@ -311,7 +311,7 @@ pugi::xml_node single_root(const document::parts &parts, size_t begin) {
     } else if (node.type() != pugi::node_element) {
       if (!is_blank(std::string_view(node.value()))) {
         parts.fail(static_cast<size_t>(node.value() - parts.text.data()),
-                   "text " + quoted(trimmed(node.value())) + " stands outside the root element");
+                   "text " + in_quotes(trimmed(node.value())) + " stands outside the root element");
       }
     } else if (root) {
       parts.fail(static_cast<size_t>(node.name() - parts.text.data()),

@@ -108,7 +108,7 @@ void tree_builder::fail(size_t offset, const std::string &text) {
 }
 
 std::string not_an_operation(std::string_view word) {
-  return quoted(word) + " is not an operation, which are 'merge', 'replace', 'create', 'delete', 'remove'";
+  return in_quotes(word) + " is not an operation, which are 'merge', 'replace', 'create', 'delete', 'remove'";
 }
 
 }  // namespace yfw

@@ -98,7 +98,7 @@ class markup {
     const std::string_view name = end == std::string_view::npos ? "" : text_.substr(at_ + 1, end - 1);
     if (name.starts_with('#') ? !is_character(name.substr(1)) : !is_predefined(name)) {
       const std::string_view shown = name.empty() ? std::string_view("&") : text_.substr(at_, end + 1);
-      parts_.fail(at_, quoted(shown) +
+      parts_.fail(at_, in_quotes(shown) +
                            " is not a reference to a character that YANG has, nor one of &lt; &gt; &amp; "
                            "&quot; &apos;");
     }

@@ -23,7 +23,7 @@ std::string listed(const names_t &names) {
 
 std::string did_you_mean(const std::vector<std::string_view> &names, std::string_view word) {
   const std::string_view near = closest(names, word);
-  return near.empty() ? "" : "; did you mean " + quoted(near) + "?";
+  return near.empty() ? "" : "; did you mean " + in_quotes(near) + "?";
 }
 
 class manifest_check {
@@ -58,14 +58,14 @@ class manifest_check {
     const std::vector<std::string_view> known = modules_.modules();
     if (std::ranges::find(known, entry.module) == known.end()) {
       refuse(where + "/module",
-             yfw::quoted(entry.module) + " is none of the modules" + did_you_mean(known, entry.module));
+             in_quotes(entry.module) + " is none of the modules" + did_you_mean(known, entry.module));
     }
     const std::vector<const lysc_node *> above =
         entry.at == "/" ? std::vector<const lysc_node *>{nullptr} : modules_.find_all(entry.at);
     if (std::ranges::none_of(above, [&](const lysc_node *node) { return has_below(node, entry.module); })) {
       std::set<std::string> right;
       add_places(nullptr, entry.module, right);
-      refuse(where + "/at", "module " + yfw::quoted(entry.module) + " has no nodes below " + yfw::quoted(entry.at) +
+      refuse(where + "/at", "module " + in_quotes(entry.module) + " has no nodes below " + in_quotes(entry.at) +
                                 (right.empty() ? ", nor anywhere else" : "; it has them below " + listed(right)));
     }
   }
@@ -90,14 +90,14 @@ class manifest_check {
   std::vector<const lysc_node *> lists_at(std::string_view at, const std::string &where) const {
     std::vector<const lysc_node *> found = modules_.find_all(at);
     if (found.empty()) {
-      refuse(where, quoted(at) + " is not in the modules" + first_fault(at));
+      refuse(where, in_quotes(at) + " is not in the modules" + first_fault(at));
     }
     if (const lysc_node *meant = manifest_node(manifest_, at, modules_); meant != nullptr) {
       found = {meant};
     }
     std::erase_if(found, [](const lysc_node *node) { return !is_list(node); });
     if (found.empty()) {
-      refuse(where, quoted(at) + " is not a list");
+      refuse(where, in_quotes(at) + " is not a list");
     }
     return found;
   }
@@ -120,8 +120,8 @@ class manifest_check {
       std::ranges::transform(modules_.children(node), std::back_inserter(names), name);
     }
     const std::string_view wrong = at.substr(begin + 1, end == std::string_view::npos ? end : end - begin - 1);
-    return ": there is no " + quoted(wrong) + (begin == 0 ? " at the top" : " below " + quoted(at.substr(0, begin))) +
-           did_you_mean(names, wrong);
+    return ": there is no " + in_quotes(wrong) +
+           (begin == 0 ? " at the top" : " below " + in_quotes(at.substr(0, begin))) + did_you_mean(names, wrong);
   }
 
   void check_key(const std::vector<const lysc_node *> &lists, std::string_view key, const std::string &where) const {
@@ -130,7 +130,7 @@ class manifest_check {
       std::ranges::copy(key_names(list), std::back_inserter(right));
     }
     if (std::ranges::find(right, key) == right.end()) {
-      refuse(where, quoted(key) + " is not a key of '" + path(lists.front()) + "', which has " +
+      refuse(where, in_quotes(key) + " is not a key of '" + path(lists.front()) + "', which has " +
                         (right.empty() ? "none" : listed(right)));
     }
   }

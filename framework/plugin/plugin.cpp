@@ -27,7 +27,7 @@ void check_library(const std::filesystem::path &library) {
   }
   const std::string own = std::to_string(YFW_ABI_VERSION);
   if (const std::string version = content.abi_version().value_or(own); version != own) {
-    refuse("built for record layout version " + yfw::quoted(version) + "; this framework has '" + own + "'");
+    refuse("built for record layout version " + in_quotes(version) + "; this framework has '" + own + "'");
   }
 }
 

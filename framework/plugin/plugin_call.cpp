@@ -12,7 +12,7 @@ call_tap *installed_call_tap() {
   return installed;
 }
 
-std::string_view word(call_form form) {
+std::string_view to_string(call_form form) {
   switch (form) {
     case call_form::report_defaults:
       return "report-defaults";

@@ -38,7 +38,7 @@ class resolver {
 
  private:
   [[noreturn]] void refuse(const std::string &why, error_tag tag, const std::string &element = {}) const {
-    throw rpc_error({}, yfw::quoted(text_) + " " + why, tag, element);
+    throw client_error({}, in_quotes(text_) + " " + why, tag, element);
   }
 
   void emit(std::string_view text) {
@@ -187,18 +187,18 @@ class resolver {
     }
     const std::string full = (token.prefix.empty() ? "" : token.prefix + ":") + token.text;
     const lysc_node *only = from.size() == 1 ? from.front() : nullptr;
-    std::string why = yfw::quoted(full) + " is not ";
-    why += from.size() > 1   ? "a child of what stands before it in " + yfw::quoted(text_)
-           : only != nullptr ? "a child of " + yfw::quoted(path(only))
+    std::string why = in_quotes(full) + " is not ";
+    why += from.size() > 1   ? "a child of what stands before it in " + in_quotes(text_)
+           : only != nullptr ? "a child of " + in_quotes(path(only))
                              : "a top-level node of the modules";
     if (const std::string_view near = closest(names, token.text); near == token.text) {
       why += "; that name has another module there";
     } else if (!near.empty()) {
-      why += "; did you mean " + quoted(near) + "?";
+      why += "; did you mean " + in_quotes(near) + "?";
     }
     const std::string above = only != nullptr ? path(only) : "";
     const std::string where = from.size() > 1 ? "" : above + "/" + token.text;
-    throw rpc_error({"", 0, where}, why, error_tag::unknown_element, token.text);
+    throw client_error({"", 0, where}, why, error_tag::unknown_element, token.text);
   }
 
   // libyang compares identities with the name of their module.
@@ -260,15 +260,16 @@ std::vector<path_step> read_instance_path(std::string_view path, const schema &m
                                           const client_node_test &is_clients) {
   const read_xpath read = read_expression(path, modules, is_clients);
   if (!read.is_plain) {
-    throw rpc_error({}, quoted(path) + " is not the path of one node: names and keys, /list[key='value']/leaf",
-                    error_tag::invalid_value);
+    throw client_error({}, in_quotes(path) + " is not the path of one node: names and keys, /list[key='value']/leaf",
+                       error_tag::invalid_value);
   }
   for (const path_step &step : read.steps) {
     for (const std::string_view key : keys(step.node)) {
       if (std::ranges::count(step.keys, key, &std::pair<std::string_view, std::string>::first) != 1) {
-        throw rpc_error(
-            {}, quoted(path) + " needs the key of " + quoted(name(step.node)) + " once: [" + std::string(key) + "='…']",
-            error_tag::missing_element, std::string(key));
+        throw client_error({},
+                           in_quotes(path) + " needs the key of " + in_quotes(name(step.node)) + " once: [" +
+                               std::string(key) + "='…']",
+                           error_tag::missing_element, std::string(key));
       }
     }
   }

@@ -52,8 +52,8 @@ class lyd_copy {
   lyd_node *added(const data_node &node, lyd_node *parent) {
     lyd_node *copy = nullptr;
     if (make(node, parent, &copy) != LY_SUCCESS) {
-      throw rpc_error({"", 0, path(node)}, "cannot be searched: the value is not one of its type",
-                      error_tag::operation_failed);
+      throw client_error({"", 0, path(node)}, "cannot be searched: the value is not one of its type",
+                         error_tag::operation_failed);
     }
     copy->priv = const_cast<data_node *>(&node);
     if (parent == nullptr) {
@@ -113,10 +113,10 @@ class lyd_copy {
 
 [[noreturn]] void refuse(const ly_ctx *context) {
   const ly_err_item *fault = ly_err_last(context);
-  throw rpc_error({},
-                  "the XPath cannot be evaluated: " +
-                      plain_words(fault != nullptr && fault->msg != nullptr ? fault->msg : "it selects no nodes"),
-                  error_tag::invalid_value);
+  throw client_error({},
+                     "the XPath cannot be evaluated: " +
+                         plain_words(fault != nullptr && fault->msg != nullptr ? fault->msg : "it selects no nodes"),
+                     error_tag::invalid_value);
 }
 
 }  // namespace

@@ -39,7 +39,7 @@ class tokenizer {
   }
 
   [[noreturn]] void refuse(const std::string &text) const {
-    throw rpc_error({}, yfw::quoted(all_) + " is not an XPath that is supported: " + text, error_tag::invalid_value);
+    throw client_error({}, in_quotes(all_) + " is not an XPath that is supported: " + text, error_tag::invalid_value);
   }
 
   void add(xpath_kind kind, size_t bytes) {
@@ -106,14 +106,14 @@ class tokenizer {
     std::string prefix;
     std::string_view name = name_ahead();
     if (left_.substr(name.size()).starts_with("::")) {
-      refuse("the axis " + quoted(name) + "; '/', '//' and '..' are supported");
+      refuse("the axis " + in_quotes(name) + "; '/', '//' and '..' are supported");
     }
     if (left_.substr(name.size()).starts_with(':')) {
       prefix = name;
       left_.remove_prefix(name.size() + 1);
       name = name_ahead();
       if (name.empty()) {
-        refuse("no name follows the prefix " + yfw::quoted(prefix));
+        refuse("no name follows the prefix " + in_quotes(prefix));
       }
     }
     add(xpath_kind::name, name.size());
@@ -150,7 +150,7 @@ class tokenizer {
                                                   {"*", xpath_kind::star}}};
     const auto found = std::ranges::find_if(signs, [&](const known &each) { return left_.starts_with(each.text); });
     if (found == signs.end()) {
-      refuse(quoted(left_.substr(0, 1)) + " has no meaning there");
+      refuse(in_quotes(left_.substr(0, 1)) + " has no meaning there");
     }
     const bool is_product = found->kind == xpath_kind::star && is_after_operand();
     add(is_product ? xpath_kind::sign : found->kind, found->text.size());

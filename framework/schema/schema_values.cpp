@@ -15,13 +15,13 @@ namespace {
 // "'x' is not one of its values, which are 'a', 'b'"; of many values only the nearest is named.
 std::string not_one_of(std::string_view text, const std::vector<std::string> &names) {
   constexpr size_t most = 24;
-  std::string why = quoted(text) + " is not one of its values";
+  std::string why = in_quotes(text) + " is not one of its values";
   if (names.size() > most) {
     const std::string_view near = closest({names.begin(), names.end()}, text);
-    return near.empty() ? why : why + "; did you mean " + quoted(near) + "?";
+    return near.empty() ? why : why + "; did you mean " + in_quotes(near) + "?";
   }
   for (size_t i = 0; i < names.size(); ++i) {
-    why += (i == 0 ? ", which are " : ", ") + yfw::quoted(names[i]);
+    why += (i == 0 ? ", which are " : ", ") + in_quotes(names[i]);
   }
   return why;
 }
@@ -88,7 +88,7 @@ std::string reason(const lysc_type *type, std::string_view text, const ly_err_it
   const std::string_view message = fault != nullptr && fault->msg != nullptr ? fault->msg : "";
   const width number = width_of(type->basetype);
   if (number.bits != 0) {
-    return quoted(text) + " is not a whole number in " + number_range(type, number);
+    return in_quotes(text) + " is not a whole number in " + number_range(type, number);
   }
   if (const auto names = value_names(type); !names.empty()) {
     return not_one_of(text, names);
@@ -98,13 +98,13 @@ std::string reason(const lysc_type *type, std::string_view text, const ly_err_it
   if (type->basetype == LY_TYPE_STRING && pattern != std::string_view::npos) {
     std::string expression = plain_words(message.substr(pattern + before_pattern.size()));
     expression = expression.size() < 2 ? expression : expression.substr(1, expression.size() - 2);
-    return quoted(text) + " does not match the pattern '" + expression + "'";
+    return in_quotes(text) + " does not match the pattern '" + expression + "'";
   }
   if (type->basetype == LY_TYPE_STRING && as<lysc_type_str>(type).length != nullptr) {
     const auto *length = as<lysc_type_str>(type).length;
-    return quoted(text) + " has not the length that it must have, " + range_words(length, type->basetype, "", "");
+    return in_quotes(text) + " has not the length that it must have, " + range_words(length, type->basetype, "", "");
   }
-  return quoted(text) + " is not a value of its type: " + plain_words(message);
+  return in_quotes(text) + " is not a value of its type: " + plain_words(message);
 }
 
 checked_value stored(const ly_ctx *context, const lysc_node *leaf, const lysc_type *type, std::string_view text) {
@@ -135,7 +135,7 @@ checked_value identity_value(const lysc_type *type, std::string_view text, const
   if (!prefix.empty() && prefixes) {
     ns = prefixes(prefix);
     if (!ns) {
-      return {false, "", "the prefix of " + quoted(text) + " is not declared"};
+      return {false, "", "the prefix of " + in_quotes(text) + " is not declared"};
     }
   }
   for (const lysc_ident *identity : identities(type)) {

@@ -6,8 +6,9 @@
 #include <utility>
 
 #include "engine_internal.hpp"
-#include "yfw/internal/handover.hpp"
+#include "yfw/internal/dispatch.hpp"
 #include "yfw/internal/manifest_nodes.hpp"
+#include "yfw/native_request.hpp"
 #include "yfw/node.hpp"
 #include "yfw/writer.hpp"
 
@@ -42,7 +43,7 @@ bool is_settled_by_filter(const std::string &note) {
 class key_reads {
  public:
   key_reads(const manifest &description, const schema &modules, const client_request &client,
-            std::vector<native_call> &calls)
+            std::vector<native_operation> &calls)
       : manifest_(description), modules_(modules), client_(client), calls_(calls) {}
 
   void add_below(const yfw_node_t &node) {
@@ -66,7 +67,7 @@ class key_reads {
   }
 
   void add_call(const lysc_node *key, const yfw_node_t &cause) {
-    native_call call{call_kind::read, {}, std::nullopt, YFW_OPERATION_MERGE, &cause};
+    native_operation call{operation_kind::read, {}, std::nullopt, YFW_OPERATION_MERGE, &cause};
     for (const lysc_node *node = key; node != nullptr; node = parent(node)) {
       call.steps.insert(call.steps.begin(), {node, {}});
     }
@@ -76,12 +77,12 @@ class key_reads {
   const manifest &manifest_;
   const schema &modules_;
   const client_request &client_;
-  std::vector<native_call> &calls_;
+  std::vector<native_operation> &calls_;
 };
 
 }  // namespace
 
-rpc_error without_line(const rpc_error &fault) {
+client_error without_line(const client_error &fault) {
   return {place{fault.where().file, 0, fault.where().path}, fault.text(), fault.tag(), fault.bad_element()};
 }
 
@@ -96,7 +97,7 @@ reply engine::get(const device &native, document &request, const client_request 
   }
   std::erase_if(asked.notes, is_settled_by_filter);
   if (!client.source.empty() && client.source != "running") {
-    asked.notes.push_back(request.file() + ": source " + yfw::quoted(client.source) +
+    asked.notes.push_back(request.file() + ": source " + in_quotes(client.source) +
                           ": the device has one datastore, 'running', which is read");
   }
   document selected = document::read(as_xml(native.select(asked.calls)), native.file(), native.modules());
@@ -110,7 +111,7 @@ reply engine::get(const device &native, document &request, const client_request 
             std::move(asked.notes)};
   } catch (const error &fault) {
     // The path is the device's, where an error's place is the client's.
-    throw rpc_error({native.file(), 0, {}}, fault.where().path + ": " + fault.text(), error_tag::operation_failed);
+    throw client_error({native.file(), 0, {}}, fault.where().path + ": " + fault.text(), error_tag::operation_failed);
   }
 }
 
@@ -135,7 +136,7 @@ reply engine::find(const device &native, std::string_view xpath, client_operatio
       result.notes.push_back(without_line(note, ""));
     }
     return result;
-  } catch (const rpc_error &fault) {
+  } catch (const client_error &fault) {
     throw without_line(fault);
   }
 }

@@ -83,19 +83,19 @@ const data_node *found_in(const data_tree &answer, const yfw_node_t &node) {
 
 void require_edit(const document &request, const client_request &client) {
   if (client.is_read()) {
-    throw rpc_error({request.file()}, "reads and does not edit", error_tag::operation_not_supported);
+    throw client_error({request.file()}, "reads and does not edit", error_tag::operation_not_supported);
   }
   if (client.error_option == "continue-on-error") {
-    throw rpc_error({request.file()},
-                    "error-option 'continue-on-error' is not supported: an edit is done whole or not at all, as "
-                    "'rollback-on-error' says",
-                    error_tag::operation_not_supported);
+    throw client_error({request.file()},
+                       "error-option 'continue-on-error' is not supported: an edit is done whole or not at all, as "
+                       "'rollback-on-error' says",
+                       error_tag::operation_not_supported);
   }
 }
 
 // What the client's operations demand has been looked at: the native ones must not fail where the mapping makes a
 // stricter one of them.
-native_call relaxed(native_call call) {
+native_operation relaxed(native_operation call) {
   if (call.operation == YFW_OPERATION_CREATE) {
     call.operation = YFW_OPERATION_MERGE;
   } else if (call.operation == YFW_OPERATION_DELETE) {
@@ -104,12 +104,12 @@ native_call relaxed(native_call call) {
   return call;
 }
 
-void apply(device_edit &edit, const native_call &call, const document &request) {
+void apply(device_edit &edit, const native_operation &call, const document &request) {
   try {
     edit.apply(relaxed(call));
-  } catch (const rpc_error &fault) {
-    const place where = call.cause != nullptr ? request.where(*call.cause) : place{request.file()};
-    throw rpc_error(where, fault.text(), fault.tag());
+  } catch (const client_error &fault) {
+    const place where = call.source_node != nullptr ? request.where(*call.source_node) : place{request.file()};
+    throw client_error(where, fault.text(), fault.tag());
   }
 }
 
@@ -120,34 +120,34 @@ class edit_run {
   void require(const edit_conditions &conditions) const {
     for (const yfw_node_t *node : conditions.absent) {
       if (is_present(*node)) {
-        throw rpc_error(request_.where(*node), "cannot be created: it is there already", error_tag::data_exists);
+        throw client_error(request_.where(*node), "cannot be created: it is there already", error_tag::data_exists);
       }
     }
     for (const yfw_node_t *node : conditions.present) {
       if (!is_present(*node)) {
         const bool is_deleted = extra(*node).given_operation == YFW_OPERATION_DELETE;
-        throw rpc_error(request_.where(*node),
-                        is_deleted ? "cannot be deleted: it is not there; 'remove' would not mind"
-                                   : "is not there, and default-operation 'none' does not make it",
-                        error_tag::data_missing);
+        throw client_error(request_.where(*node),
+                           is_deleted ? "cannot be deleted: it is not there; 'remove' would not mind"
+                                      : "is not there, and default-operation 'none' does not make it",
+                           error_tag::data_missing);
       }
     }
   }
 
   // Whether a native edit comes of removing what is not there. A mapping may remove by setting something, and the
   // device would make an entry for it.
-  bool is_void(const native_call &call, uint32_t default_operation) const {
-    return call.kind == call_kind::set && call.cause != nullptr &&
-           deletes(operation_in_force(*call.cause, default_operation)) && !is_present(*call.cause);
+  bool is_void(const native_operation &call, uint32_t default_operation) const {
+    return call.kind == operation_kind::set && call.source_node != nullptr &&
+           deletes(operation_in_force(*call.source_node, default_operation)) && !is_present(*call.source_node);
   }
 
   // The native edits that remove what a replaced node holds.
-  std::vector<native_call> removals(const yfw_node_t &replaced, const plugin &mapping, trace_log &log) const {
+  std::vector<native_operation> removals(const yfw_node_t &replaced, const plugin &mapping, trace_log &log) const {
     document removal = request_for(steps_to(replaced), native_.modules(), YFW_OPERATION_REMOVE);
-    std::vector<native_call> calls =
+    std::vector<native_operation> calls =
         translate_request(removal, bare_request(removal, client_operation::edit), mapping, log).calls;
-    for (native_call &call : calls) {
-      call.cause = &replaced;
+    for (native_operation &call : calls) {
+      call.source_node = &replaced;
     }
     return calls;
   }
@@ -168,7 +168,7 @@ class edit_run {
 std::vector<std::string> notes_on(const document &request, const client_request &client) {
   std::vector<std::string> notes;
   if (!client.target.empty() && client.target != "running") {
-    notes.push_back(request.file() + ": target " + yfw::quoted(client.target) +
+    notes.push_back(request.file() + ": target " + in_quotes(client.target) +
                     ": the device has one datastore, 'running', which is edited at once");
   }
   if (client.error_option == "stop-on-error") {
@@ -187,19 +187,19 @@ edit_outcome engine::edit(device &native, document &request, const client_reques
   run.require(conditions);
   device_edit edit(native);
   for (const yfw_node_t *replaced : conditions.replaced) {
-    for (const native_call &call : run.removals(*replaced, mapping_, log_)) {
+    for (const native_operation &call : run.removals(*replaced, mapping_, log_)) {
       apply(edit, call, request);
     }
   }
-  for (const native_call &call : translated.calls) {
+  for (const native_operation &call : translated.calls) {
     if (!run.is_void(call, client.default_operation)) {
       apply(edit, call, request);
     }
   }
   edit_outcome outcome{edit.changes(), notes_on(request, client)};
-  refusals silent(request, refusals::habit::collects);
+  error_collector silent(request, error_collector::mode::collect_all);
   refuse_silent_ends(translated, silent);
-  for (const rpc_error &each : silent.take()) {
+  for (const client_error &each : silent.take()) {
     outcome.notes.emplace_back(error(each.where(), "causes no native edit").what());
   }
   outcome.notes.insert(outcome.notes.end(), translated.notes.begin(), translated.notes.end());
@@ -215,16 +215,16 @@ edit_outcome engine::edit_node(device &native, std::string_view path, const std:
       read_instance_path(path, native.modules(), client_nodes(mapping_.description(), native.modules()));
   const lysc_node *node = steps.back().node;
   if (is_key(node)) {
-    throw rpc_error({"", 0, std::string(path)}, "is a key, which comes and goes with its list entry",
-                    error_tag::operation_not_supported);
+    throw client_error({"", 0, std::string(path)}, "is a key, which comes and goes with its list entry",
+                       error_tag::operation_not_supported);
   }
   if (value && !is_leaf(node) && !is_leaf_list(node)) {
-    throw rpc_error({"", 0, std::string(path)}, "is no leaf and takes no value", error_tag::bad_element);
+    throw client_error({"", 0, std::string(path)}, "is no leaf and takes no value", error_tag::bad_element);
   }
   try {
     document request = request_for(steps, native.modules(), operation, value);
     return edit(native, request, bare_request(request, client_operation::edit));
-  } catch (const rpc_error &fault) {
+  } catch (const client_error &fault) {
     throw without_line(fault);
   }
 }

@@ -9,6 +9,6 @@
 namespace yfw {
 
 // A fault of a request that no file has, and so no line that anybody could see.
-rpc_error without_line(const rpc_error &fault);
+client_error without_line(const client_error &fault);
 
 }  // namespace yfw

@@ -27,7 +27,7 @@ struct check_options {
   bool as_json = false;
 };
 
-const char *word(yfw::finding_level level) {
+const char *to_string(yfw::finding_level level) {
   switch (level) {
     case yfw::finding_level::ok:
       return "ok";
@@ -51,7 +51,7 @@ colour colour_of(yfw::finding_level level) {
   return colour::red;
 }
 
-const char *word(yfw::direction dir) {
+const char *to_string(yfw::direction dir) {
   return dir == yfw::direction::ox ? "ox" : "xo";
 }
 
@@ -73,7 +73,7 @@ std::string list_text(const char *title, const std::vector<std::string> &names) 
 }
 
 std::string model_text(const yfw::checked_model &model) {
-  return "  " + std::string(word(model.dir)) + ' ' + model.module + " of " + model.plugin + ": " +
+  return "  " + std::string(to_string(model.dir)) + ' ' + model.module + " of " + model.plugin + ": " +
          std::to_string(model.generated) + " generated, " +
          std::to_string(model.overrides.size() + model.by_hand.size()) + " by hand, " + std::to_string(model.unmapped) +
          " unmapped\n" + list_text("entry   ", model.entry_points) + list_text("by hand ", model.by_hand) +
@@ -82,8 +82,8 @@ std::string model_text(const yfw::checked_model &model) {
 
 std::string finding_text(const yfw::finding &each) {
   const std::string name = each.name.empty() ? "" : each.name + ": ";
-  return painted(stream::out, colour_of(each.level), padded(word(each.level), 8)) + ' ' + padded(each.about, 10) + ' ' +
-         name + each.text + '\n';
+  return painted(stream::out, colour_of(each.level), padded(to_string(each.level), 8)) + ' ' + padded(each.about, 10) +
+         ' ' + name + each.text + '\n';
 }
 
 std::string as_text(const yfw::plugin_report &report) {
@@ -100,7 +100,7 @@ std::string as_text(const yfw::plugin_report &report) {
 }
 
 void add_model(json_report &out, const yfw::checked_model &model) {
-  out.text("direction", word(model.dir));
+  out.text("direction", to_string(model.dir));
   out.text("plug-in", model.plugin);
   out.text("module", model.module);
   out.number("generated", model.generated);
@@ -124,7 +124,7 @@ std::string as_json(const yfw::plugin_report &report) {
       out.texts("elsewhere", report.elsewhere);
     });
     out.list("findings", report.findings, [&](const yfw::finding &each) {
-      out.text("level", word(each.level));
+      out.text("level", to_string(each.level));
       out.text("about", each.about);
       out.text_if_any("name", each.name);
       out.text("text", each.text);

@@ -65,11 +65,11 @@ std::string strange_word(const CLI::App &command) {
   const bool is_program = command.get_parent() == nullptr;
   const std::string name = is_program ? "'ymap'" : "'ymap " + command.get_name() + "'";
   if (!has_option && !is_program) {
-    return yfw::quoted(word) + " is one argument too many for " + name;
+    return yfw::in_quotes(word) + " is one argument too many for " + name;
   }
   const std::vector<std::string> names = has_option ? option_names(command) : command_names(command);
   const std::string_view near = meant({names.begin(), names.end()}, word);
-  return yfw::quoted(word) + (has_option ? " is no option of " + name : " is no command") +
+  return yfw::in_quotes(word) + (has_option ? " is no option of " + name : " is no command") +
          (near.empty() ? "" : "; did you mean '" + std::string(near) + "'?");
 }
 

@@ -42,7 +42,7 @@ std::string percent_fault(const std::string &text) {
   // What is not a number is not in the range either.
   const bool is_percent =
       failure == std::errc() && end == text.data() + text.size() && percent >= 0.0 && percent <= 100.0;
-  return is_percent ? "" : yfw::quoted(text) + " is not a number from 0 to 100";
+  return is_percent ? "" : yfw::in_quotes(text) + " is not a number from 0 to 100";
 }
 
 std::string report(const coverage_view &view, report_format format) {

@@ -35,7 +35,7 @@ std::string listed(const texts_t &texts) {
 }
 
 bool is_mapped(std::string_view state) {
-  return state == word(yfw::mapping_state::mapped) || state == word(yfw::mapping_state::mapped_to_several);
+  return state == to_string(yfw::mapping_state::mapped) || state == to_string(yfw::mapping_state::mapped_to_several);
 }
 
 struct effect_text {
@@ -51,7 +51,7 @@ void add_mapped_probe(coverage_entry &entry, const std::optional<std::string> &v
   std::vector<std::string> results;
   for (const effect_text &effect : effects) {
     entry.paths.insert(effect.path);
-    results.push_back(effect.kind + " " + effect.path + (effect.value ? " " + yfw::quoted(*effect.value) : ""));
+    results.push_back(effect.kind + " " + effect.path + (effect.value ? " " + yfw::in_quotes(*effect.value) : ""));
   }
   entry.results[value.value_or("")] = listed(results);
 }
@@ -126,9 +126,9 @@ class ledger_reader {
     std::string stated = text(operation, "state");
     std::vector<std::string> known;
     std::ranges::transform(all_states, std::back_inserter(known),
-                           [](mapping_state each) { return yfw::quoted(word(each)); });
-    if (std::ranges::none_of(all_states, [&](mapping_state each) { return word(each) == stated; })) {
-      refuse("is not a coverage report: " + yfw::quoted(stated) + " of '" + name + "' is not a state, which are " +
+                           [](mapping_state each) { return yfw::in_quotes(to_string(each)); });
+    if (std::ranges::none_of(all_states, [&](mapping_state each) { return to_string(each) == stated; })) {
+      refuse("is not a coverage report: " + yfw::in_quotes(stated) + " of '" + name + "' is not a state, which are " +
              listed(known));
     }
     return stated;
@@ -176,7 +176,7 @@ class ledger_reader {
 void add_probe(coverage_entry &entry, const yfw::leaf_probe &probe) {
   std::vector<effect_text> effects;
   for (const yfw::probe_effect &effect : probe.effects) {
-    effects.push_back({std::string(word(effect.kind)), yfw::qualified_path(effect.node), effect.value});
+    effects.push_back({std::string(to_string(effect.kind)), yfw::qualified_path(effect.node), effect.value});
   }
   if (probe.is_mapped()) {
     add_mapped_probe(entry, probe.value, effects);
@@ -186,11 +186,11 @@ void add_probe(coverage_entry &entry, const yfw::leaf_probe &probe) {
 void add_rows(coverage_ledger &ledger, const std::vector<yfw::coverage_row> &rows, bool is_high) {
   for (const yfw::coverage_row &row : rows) {
     for (const yfw::coverage_cell &cell : row.cells) {
-      coverage_entry entry{cell.is_mapped(), std::string(word(cell.state)), {}, {}, {}};
+      coverage_entry entry{cell.is_mapped(), std::string(to_string(cell.state)), {}, {}, {}};
       for (const yfw::leaf_probe &probe : cell.probes) {
         add_probe(entry, probe);
       }
-      ledger.emplace(entry_name(is_high, word(cell.operation), yfw::qualified_path(row.leaf)), std::move(entry));
+      ledger.emplace(entry_name(is_high, to_string(cell.operation), yfw::qualified_path(row.leaf)), std::move(entry));
     }
   }
 }
@@ -204,7 +204,7 @@ std::vector<std::string> beside(const std::set<std::string> &all, const std::set
 
 std::string new_values(const std::set<std::string> &all, const std::set<std::string> &known) {
   std::vector<std::string> values = beside(all, known);
-  std::ranges::transform(values, values.begin(), [](const std::string &value) { return yfw::quoted(value); });
+  std::ranges::transform(values, values.begin(), [](const std::string &value) { return yfw::in_quotes(value); });
   return listed(values);
 }
 
@@ -224,7 +224,7 @@ std::string otherwise_mapped(const coverage_entry &older, const coverage_entry &
   }
   for (const auto &[value, before] : older.results) {
     if (const auto now = newer.results.find(value); now != newer.results.end() && now->second != before) {
-      text += (value.empty() ? ", now does " : ", " + yfw::quoted(value) + " now does ") + now->second +
+      text += (value.empty() ? ", now does " : ", " + yfw::in_quotes(value) + " now does ") + now->second +
               " in place of " + before;
     }
   }

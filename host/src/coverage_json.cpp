@@ -39,7 +39,7 @@ class coverage_json {
     add_share("all", share_of(rows));
     for (const yfw::leaf_operation operation : all_operations) {
       if (const yfw::coverage_share share = share_of(rows, operation); share.pairs > 0) {
-        add_share(word(operation), share);
+        add_share(to_string(operation), share);
       }
     }
   }
@@ -50,14 +50,14 @@ class coverage_json {
       out_.flag("config", yfw::is_config(row->leaf));
       out_.object("operations", [&] {
         for (const yfw::coverage_cell &cell : row->cells) {
-          out_.object(word(cell.operation), [&] { add_cell(cell); });
+          out_.object(to_string(cell.operation), [&] { add_cell(cell); });
         }
       });
     });
   }
 
   void add_cell(const yfw::coverage_cell &cell) {
-    out_.text("state", word(cell.state));
+    out_.text("state", to_string(cell.state));
     out_.flag("allowed", cell.is_allowed);
     out_.text_if_any("reason", cell.reason);
     std::vector<std::string> paths;
@@ -71,7 +71,7 @@ class coverage_json {
     out_.flag("mapped", probe.is_mapped());
     out_.text_if_any("refusal", probe.refusal);
     out_.list("effects", probe.effects, [&](const yfw::probe_effect &effect) {
-      out_.text("kind", word(effect.kind));
+      out_.text("kind", to_string(effect.kind));
       out_.text("path", yfw::qualified_path(effect.node));
       out_.text("value", effect.value);
     });

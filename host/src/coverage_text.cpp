@@ -61,7 +61,7 @@ std::string values(const coverage_cell &cell, Wanted wanted) {
   std::string text;
   for (const yfw::leaf_probe &probe : cell.probes) {
     if (probe.value && wanted(probe)) {
-      text += (text.empty() ? "" : ", ") + yfw::quoted(*probe.value);
+      text += (text.empty() ? "" : ", ") + yfw::in_quotes(*probe.value);
     }
   }
   return text;
@@ -100,7 +100,7 @@ class table {
     }
     std::string head = in_column(title, width + 2, colour::bold);
     for (size_t i = 0; i < columns; ++i) {
-      head += in_column(std::string(word(operations[i])), column, colour::bold);
+      head += in_column(std::string(to_string(operations[i])), column, colour::bold);
     }
     out_ << head << painted(columns == native_columns ? "reported as" : "native", colour::bold) << '\n';
     std::string above;
@@ -143,9 +143,9 @@ class table {
       const std::string reason = cell.is_missing() ? reason_of(cell) : "";
       const auto known = std::find_if(said.begin(), said.end(), [&](const auto &each) { return each.first == reason; });
       if (!reason.empty() && known == said.end()) {
-        said.emplace_back(reason, word(cell.operation));
+        said.emplace_back(reason, to_string(cell.operation));
       } else if (!reason.empty()) {
-        known->second.append(", ").append(word(cell.operation));
+        known->second.append(", ").append(to_string(cell.operation));
       }
     }
     for (const auto &[reason, of] : said) {
@@ -168,7 +168,7 @@ class table {
   void add_summary() {
     out_ << painted("mapped, of what the model allows", colour::bold) << '\n' << std::string(14, ' ');
     for (const yfw::leaf_operation operation : operations) {
-      out_ << in_column(std::string(word(operation)), 18, colour::bold);
+      out_ << in_column(std::string(to_string(operation)), 18, colour::bold);
     }
     out_ << painted("all", colour::bold) << '\n';
     add_shares("high model", view_.measured.high, std::size(operations));

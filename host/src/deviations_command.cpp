@@ -40,12 +40,12 @@ std::string identifier_fault(const std::string &text) {
   const std::string others = first + std::string(digits) + "-.";
   const bool is_identifier =
       !text.empty() && first.find(text.front()) != first.npos && text.find_first_not_of(others) == text.npos;
-  return is_identifier ? "" : yfw::quoted(text) + " is not a name of a module: letters, digits, '_', '-' and '.'";
+  return is_identifier ? "" : yfw::in_quotes(text) + " is not a name of a module: letters, digits, '_', '-' and '.'";
 }
 
 std::string uri_fault(const std::string &text) {
   const bool is_uri = text.find(':') != text.npos && text.find_first_of(" \t\n\"<>\\") == text.npos;
-  return is_uri ? "" : yfw::quoted(text) + " is not a URI, as 'urn:acme:deviations' is one";
+  return is_uri ? "" : yfw::in_quotes(text) + " is not a URI, as 'urn:acme:deviations' is one";
 }
 
 std::string date_fault(const std::string &text) {
@@ -55,7 +55,7 @@ std::string date_fault(const std::string &text) {
   // One that the calendar has not becomes another.
   const std::tm read = date;
   const bool is_date = !in.fail() && text.size() == 10 && timegm(&date) != -1 && read.tm_mday == date.tm_mday;
-  return is_date ? "" : yfw::quoted(text) + " is not a date, as '2024-06-01' is one";
+  return is_date ? "" : yfw::in_quotes(text) + " is not a date, as '2024-06-01' is one";
 }
 
 // Of the first module that a request may name.
@@ -71,11 +71,12 @@ std::string default_name(const yfw::plugin &plugin) {
 // A module with the name or namespace of one that is in force could not be loaded beside it.
 void require_new_module(const yfw::deviation_module_names &names, const yfw::schema &modules) {
   if (!names.name.empty() && !modules.ns_of_module(names.name).empty()) {
-    throw usage_error("--name: a module " + yfw::quoted(names.name) + " is there already, and could not deviate from " +
-                      "itself; '" + names.name + "-deviations' would be a name");
+    throw usage_error("--name: a module " + yfw::in_quotes(names.name) +
+                      " is there already, and could not deviate from " + "itself; '" + names.name +
+                      "-deviations' would be a name");
   }
   if (const std::string_view module = modules.module_of_ns(names.ns); !module.empty()) {
-    throw usage_error("--namespace: " + yfw::quoted(names.ns) + " is that of the module '" + std::string(module) +
+    throw usage_error("--namespace: " + yfw::in_quotes(names.ns) + " is that of the module '" + std::string(module) +
                       "' already; '" + names.ns + "-deviations' would be one");
   }
 }

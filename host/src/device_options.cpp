@@ -33,7 +33,7 @@ void work_on_device(const device_options &options, const std::function<void(setu
       throw;
     }
     std::ostringstream text;
-    write_rpc_error(text, fault, with.schema(), with.plugin().description(), *options.to);
+    write_error_reply(text, fault, with.schema(), with.plugin().description(), *options.to);
     write_result(text.str());
     throw failure_reported();
   }
@@ -44,7 +44,7 @@ yfw::document read_request(const std::string &file, const yfw::schema &modules) 
   try {
     return yfw::document::read(text, display_name(file), modules);
   } catch (const yfw::error &fault) {
-    throw yfw::rpc_error(fault.where(), fault.text(), yfw::error_tag::malformed_message);
+    throw yfw::client_error(fault.where(), fault.text(), yfw::error_tag::malformed_message);
   }
 }
 

@@ -23,7 +23,7 @@ void add_device_options(CLI::App &command, device_options &options, const std::s
 // Does the work with what the options name. With --to, an error becomes a result: an rpc-error on standard output.
 void work_on_device(const device_options &options, const std::function<void(setup &)> &work);
 
-// Reads a client's request. Throws `yfw::rpc_error` when it is not well-formed.
+// Reads a client's request. Throws `yfw::client_error` when it is not well-formed.
 yfw::document read_request(const std::string &file, const yfw::schema &modules);
 
 }  // namespace ymap

@@ -70,7 +70,7 @@ void edit_device(const edit_options &options, bool is_dry, const setup &with,
   }
   write_notes(outcome.notes);
   if (is_dry || options.is_verbose) {
-    print(outcome.changes, is_dry ? "" : "the device " + yfw::quoted(options.on.device) + " has been changed");
+    print(outcome.changes, is_dry ? "" : "the device " + yfw::in_quotes(options.on.device) + " has been changed");
   }
 }
 

@@ -24,7 +24,7 @@ class explain_json {
     out_.text("value", request.value);
     out_.text_if_any("refusal", request.refusal);
     out_.text_if_any("answer", request.answer);
-    out_.list("native", request.calls, [&](const yfw::native_call &call) { add(call); });
+    out_.list("native", request.calls, [&](const yfw::native_operation &call) { add(call); });
     out_.texts("reported-by", request.reported_by);
     add_walk(request.walk);
     out_.list("values", request.values, [&](const yfw::value_mapping &each) {
@@ -36,8 +36,8 @@ class explain_json {
     add_leaves("after", request.after);
   }
 
-  void add(const yfw::native_call &call) {
-    out_.text("operation", call.kind == yfw::call_kind::read ? "read" : yfw::operation_word(call.operation));
+  void add(const yfw::native_operation &call) {
+    out_.text("operation", call.kind == yfw::operation_kind::read ? "read" : yfw::operation_word(call.operation));
     out_.text("path", call.path());
     out_.text("namespace", yfw::ns(call.steps.back().node));
     out_.text("value", call.value);
@@ -65,7 +65,7 @@ class explain_json {
     }
     out_.list("functions", walk, [&](const yfw::traced_function &function) {
       out_.text("name", function.name);
-      out_.text("role", yfw::word(function.role));
+      out_.text("role", yfw::to_string(function.role));
       out_.number("line", function.line);
       out_.number("depth", function.depth);
       out_.texts("said", function.said);

@@ -8,8 +8,8 @@
 namespace ymap {
 namespace {
 
-const char *word(const yfw::native_call &call) {
-  return call.kind == yfw::call_kind::read ? "read" : yfw::operation_word(call.operation).data();
+const char *to_string(const yfw::native_operation &call) {
+  return call.kind == yfw::operation_kind::read ? "read" : yfw::operation_word(call.operation).data();
 }
 
 // Leaves of `all` that are not in `others`.
@@ -44,7 +44,7 @@ class text_report {
   void add_request(const yfw::explained_request &request) {
     out_ << '\n' << request.operation;
     if (request.value) {
-      out_ << " to " << yfw::quoted(*request.value);
+      out_ << " to " << yfw::in_quotes(*request.value);
     }
     out_ << '\n';
     if (!request.refusal.empty()) {
@@ -68,11 +68,11 @@ class text_report {
     for (const std::string &leaf : request.reported_by) {
       out_ << "    but replies report it of " << leaf << '\n';
     }
-    for (const yfw::native_call &call : request.calls) {
-      out_ << "  " << (request.refusal.empty() ? "native: " : "the walk gave: ") << word(call) << ' '
+    for (const yfw::native_operation &call : request.calls) {
+      out_ << "  " << (request.refusal.empty() ? "native: " : "the walk gave: ") << to_string(call) << ' '
            << escaped(call.path());
       if (call.value) {
-        out_ << " = " << yfw::quoted(*call.value);
+        out_ << " = " << yfw::in_quotes(*call.value);
       }
       out_ << "\n    namespace " << yfw::ns(call.steps.back().node) << ", flag " << call.flag << '\n';
     }
@@ -92,12 +92,12 @@ class text_report {
     if (answer == nullptr) {
       out_ << "none: no function is found for it\n";
     } else {
-      out_ << name(*answer) << ", " << yfw::word(answer->role) << '\n';
+      out_ << name(*answer) << ", " << yfw::to_string(answer->role) << '\n';
     }
     out_ << "  functions:\n";
     for (const yfw::traced_function &function : walk) {
       const std::string indent(4 + 2 * size_t{function.depth}, ' ');
-      out_ << indent << name(function) << "  " << yfw::word(function.role) << '\n';
+      out_ << indent << name(function) << "  " << yfw::to_string(function.role) << '\n';
       for (const std::string &text : function.said) {
         out_ << indent << "  says: " << text << '\n';
       }
@@ -110,9 +110,9 @@ class text_report {
     }
     out_ << (request.operation == "get" ? "  values, native to client's:\n" : "  values, client's to native:\n");
     for (const yfw::value_mapping &mapping : request.values) {
-      out_ << "    " << yfw::quoted(mapping.value);
+      out_ << "    " << yfw::in_quotes(mapping.value);
       for (const std::string &result : mapping.results) {
-        out_ << " -> " << yfw::quoted(result);
+        out_ << " -> " << yfw::in_quotes(result);
       }
       out_ << (mapping.refusal.empty() ? "" : ": " + mapping.refusal) << '\n';
     }
@@ -125,20 +125,20 @@ class text_report {
     for (const yfw::reported_leaf &leaf : gone) {
       const bool is_changed = std::ranges::find(added, leaf.path, &yfw::reported_leaf::path) != added.end();
       out_ << "    " << (is_changed ? "no longer " : "no more ") << escaped(leaf.path) << " = "
-           << yfw::quoted(leaf.value) << '\n';
+           << yfw::in_quotes(leaf.value) << '\n';
     }
     for (const yfw::reported_leaf &leaf : added) {
-      out_ << "    " << escaped(leaf.path) << " = " << yfw::quoted(leaf.value) << '\n';
+      out_ << "    " << escaped(leaf.path) << " = " << yfw::in_quotes(leaf.value) << '\n';
     }
   }
 
   void add_reply(const yfw::explained_reply &reply) {
-    out_ << "\nnative " << yfw::quoted(reply.value) << '\n';
+    out_ << "\nnative " << yfw::in_quotes(reply.value) << '\n';
     if (!reply.refusal.empty()) {
       out_ << "  refused: " << reply.refusal << '\n';
     }
     for (const yfw::reported_leaf &leaf : reply.reported) {
-      out_ << "  " << escaped(leaf.path) << " = " << yfw::quoted(leaf.value) << '\n';
+      out_ << "  " << escaped(leaf.path) << " = " << yfw::in_quotes(leaf.value) << '\n';
     }
     if (reply.reported.empty() && reply.refusal.empty()) {
       out_ << "  reports nothing\n";

@@ -45,11 +45,11 @@ class plan_report {
   std::string text() const {
     std::ostringstream out;
     size_t number = 0;
-    for (const yfw::native_call &call : plan_.request.calls) {
+    for (const yfw::native_operation &call : plan_.request.calls) {
       out << std::setw(2) << ++number << ". " << std::left << std::setw(8) << operation(call) << std::right
           << escaped(call.path());
       if (call.value) {
-        out << " = " << yfw::quoted(*call.value);
+        out << " = " << yfw::in_quotes(*call.value);
       }
       out << "\n    for     " << cause_text(call) << '\n';
     }
@@ -63,50 +63,50 @@ class plan_report {
 
   std::string json() const {
     return json_report::with([&](json_report &out) {
-      out.list("edits", plan_.request.calls, [&](const yfw::native_call &call) { add_edit(out, call); });
+      out.list("edits", plan_.request.calls, [&](const yfw::native_operation &call) { add_edit(out, call); });
       out.list("reads", plan_.reads, [&](const yfw::needed_read &read) {
         out.text("path", read.path);
         out.text("reason", reason(read));
       });
-      out.list("problems", plan_.problems, [&](const yfw::rpc_error &problem) {
+      out.list("problems", plan_.problems, [&](const yfw::client_error &problem) {
         add_place(out, problem.where());
-        out.text("error-tag", word(problem.tag()));
+        out.text("error-tag", to_string(problem.tag()));
         out.text("error-message", problem.text());
       });
     });
   }
 
  private:
-  static std::string_view operation(const yfw::native_call &call) {
+  static std::string_view operation(const yfw::native_operation &call) {
     return yfw::operation_word(call.operation);
   }
 
-  plan_cause cause_of(const yfw::native_call &call) const {
-    const bool is_whole = whole_cause(call) != nullptr;
-    const uint32_t operation = yfw::operation_in_force(*call.cause, plan_.request.client.default_operation);
-    return {document_.where(*call.cause), yfw::operation_word(operation), is_whole ? nullptr : call.cause->value,
-            is_whole};
+  plan_cause cause_of(const yfw::native_operation &call) const {
+    const bool is_whole = whole_source_node(call) != nullptr;
+    const uint32_t operation = yfw::operation_in_force(*call.source_node, plan_.request.client.default_operation);
+    return {document_.where(*call.source_node), yfw::operation_word(operation),
+            is_whole ? nullptr : call.source_node->value, is_whole};
   }
 
   // Why something is read.
   std::string reason(const yfw::needed_read &read) const {
-    if (read.cause == nullptr) {
+    if (read.source_node == nullptr) {
       return "the plug-in, which looks it up for the entry that is edited";
     }
-    const yfw::place where = document_.where(*read.cause);
-    const uint32_t operation = yfw::operation_in_force(*read.cause, plan_.request.client.default_operation);
+    const yfw::place where = document_.where(*read.source_node);
+    const uint32_t operation = yfw::operation_in_force(*read.source_node, plan_.request.client.default_operation);
     const bool is_created = operation == YFW_OPERATION_CREATE;
     return where.path + (is_created ? " must not be there  (" : " must be there  (") +
            (operation == yfw::no_operation ? "none" : std::string(yfw::operation_word(operation))) + ", " + where.file +
            ":" + std::to_string(where.line) + ")";
   }
 
-  std::string cause_text(const yfw::native_call &call) const {
-    if (call.cause == nullptr) {
+  std::string cause_text(const yfw::native_operation &call) const {
+    if (call.source_node == nullptr) {
       return "the request as a whole";
     }
     const plan_cause cause = cause_of(call);
-    std::string text = escaped(cause.where.path) + (cause.value != nullptr ? " = " + yfw::quoted(cause.value) : "");
+    std::string text = escaped(cause.where.path) + (cause.value != nullptr ? " = " + yfw::in_quotes(cause.value) : "");
     text += (cause.is_whole ? "  (implied by " : "  (") + std::string(cause.operation) + ", ";
     return text + cause.where.file + ":" + std::to_string(cause.where.line) + ")";
   }
@@ -117,12 +117,12 @@ class plan_report {
     out.text("path", where.path);
   }
 
-  void add_edit(json_report &out, const yfw::native_call &call) const {
+  void add_edit(json_report &out, const yfw::native_operation &call) const {
     out.text("operation", operation(call));
     out.text("path", call.path());
     out.text("namespace", yfw::ns(call.steps.back().node));
     out.text("value", call.value);
-    if (call.cause != nullptr) {
+    if (call.source_node != nullptr) {
       out.object("cause", [&] { add_cause(out, cause_of(call)); });
     }
   }
@@ -148,7 +148,7 @@ void run(const plan_options &options) {
   const plan_report report(document, plan);
   write_result(options.as_json ? report.json() : report.text());
   write_notes(plan.request.notes);
-  for (const yfw::rpc_error &problem : plan.problems) {
+  for (const yfw::client_error &problem : plan.problems) {
     std::cerr << "ymap: " << problem.what() << '\n';
   }
   if (!plan.problems.empty()) {

@@ -55,12 +55,12 @@ std::vector<std::string> captures_of(const std::vector<std::string> &names) {
   return files;
 }
 
-std::string act_text(const std::optional<yfw::plugin_act> &act) {
+std::string act_text(const std::optional<yfw::plugin_event> &act) {
   return act ? act->text : "(nothing more)";
 }
 
 // Two indented lines under the one that names the capture, and what to look at in them.
-std::string parting_text(const yfw::parting &where, const char *expected, const char *actual) {
+std::string parting_text(const yfw::difference &where, const char *expected, const char *actual) {
   std::string text = "  " + painted(stream::out, colour::green, expected) + ' ' + act_text(where.expected) + "\n  " +
                      painted(stream::out, colour::red, actual) + ' ' + act_text(where.actual) + '\n';
   std::string names;
@@ -70,8 +70,8 @@ std::string parting_text(const yfw::parting &where, const char *expected, const 
   return names.empty() ? text : text + "  differs in " + names + '\n';
 }
 
-std::string place_text(const std::string &file, const std::vector<yfw::plugin_act> &captured,
-                       const std::optional<yfw::plugin_act> &expected) {
+std::string place_text(const std::string &file, const std::vector<yfw::plugin_event> &captured,
+                       const std::optional<yfw::plugin_event> &expected) {
   const unsigned line = expected ? expected->line : captured.empty() ? 0 : captured.back().line;
   return line == 0 ? file : file + ':' + std::to_string(line);
 }
@@ -79,13 +79,13 @@ std::string place_text(const std::string &file, const std::vector<yfw::plugin_ac
 // Against the capture itself. One of a plug-in that did not return is compared as far as it goes.
 bool compare_with_capture(const std::string &file, const yfw::plugin &mapping) {
   const yfw::capture recorded = yfw::capture::read(read_text(file), file);
-  std::vector<yfw::plugin_act> actual = replay(recorded, mapping);
-  if (!recorded.has_returned() && actual.size() > recorded.acts().size()) {
-    actual.resize(recorded.acts().size());
+  std::vector<yfw::plugin_event> actual = replay(recorded, mapping);
+  if (!recorded.has_returned() && actual.size() > recorded.events().size()) {
+    actual.resize(recorded.events().size());
   }
-  const auto where = first_parting(recorded.acts(), actual);
+  const auto where = first_difference(recorded.events(), actual);
   const std::string cut = recorded.has_returned() ? "" : ", as far as it goes: the plug-in did not return";
-  write_result(where ? place_text(file, recorded.acts(), where->expected) + ": differs\n" +
+  write_result(where ? place_text(file, recorded.events(), where->expected) + ": differs\n" +
                            parting_text(*where, "captured", "now     ")
                      : file + ": same" + cut + '\n');
   return !where;
@@ -94,16 +94,16 @@ bool compare_with_capture(const std::string &file, const yfw::plugin &mapping) {
 // The line in the capture is that of the last thing that all three do.
 bool compare_builds(const std::string &file, const yfw::plugin &old_build, const yfw::plugin &new_build) {
   const yfw::capture recorded = yfw::capture::read(read_text(file), file);
-  const std::vector<yfw::plugin_act> before = replay(recorded, old_build);
-  const std::vector<yfw::plugin_act> now = replay(recorded, new_build);
-  const auto where = first_parting(before, now);
+  const std::vector<yfw::plugin_event> before = replay(recorded, old_build);
+  const std::vector<yfw::plugin_event> now = replay(recorded, new_build);
+  const auto where = first_difference(before, now);
   if (!where) {
     write_result(file + ": same\n");
     return true;
   }
-  const auto from_capture = first_parting(recorded.acts(), now);
+  const auto from_capture = first_difference(recorded.events(), now);
   const auto line = from_capture ? from_capture->expected : std::nullopt;
-  write_result(place_text(file, recorded.acts(), line) + ": differs\n" + parting_text(*where, "old", "new"));
+  write_result(place_text(file, recorded.events(), line) + ": differs\n" + parting_text(*where, "old", "new"));
   return false;
 }
 

@@ -31,13 +31,13 @@ struct request_options {
   output_format to = output_format::xml;
 };
 
-const char *word(yfw::call_kind kind) {
+const char *to_string(yfw::operation_kind kind) {
   switch (kind) {
-    case yfw::call_kind::set:
+    case yfw::operation_kind::set:
       return "set";
-    case yfw::call_kind::remove:
+    case yfw::operation_kind::remove:
       return "delete";
-    case yfw::call_kind::read:
+    case yfw::operation_kind::read:
       break;
   }
   return "read";
@@ -46,8 +46,8 @@ const char *word(yfw::call_kind kind) {
 // Kind, path, namespace and value, if any, between tabs, which none of them holds.
 std::string as_paths(const yfw::native_request &request) {
   std::ostringstream text;
-  for (const yfw::native_call &call : request.calls) {
-    text << word(call.kind) << '\t' << escaped(call.path()) << '\t' << yfw::ns(call.steps.back().node);
+  for (const yfw::native_operation &call : request.calls) {
+    text << to_string(call.kind) << '\t' << escaped(call.path()) << '\t' << yfw::ns(call.steps.back().node);
     if (call.value) {
       text << '\t' << escaped(*call.value);
     }

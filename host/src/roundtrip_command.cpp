@@ -66,7 +66,7 @@ std::string as_text(const roundtrip_view &view) {
   out << "law               tried  refused  known losses  broken\n";
   for (const yfw::law which : yfw::all_laws) {
     const yfw::law_count &counts = view.found.counts[static_cast<size_t>(which)];
-    out << std::left << std::setw(16) << word(which) << std::right << std::setw(7) << counts.tried << std::setw(9)
+    out << std::left << std::setw(16) << to_string(which) << std::right << std::setw(7) << counts.tried << std::setw(9)
         << counts.refused << std::setw(14) << count(view.known, which) << std::setw(8) << count(view.unknown, which)
         << '\n';
   }
@@ -77,8 +77,8 @@ std::string as_text(const roundtrip_view &view) {
     out << "not tried: " << leaf << '\n';
   }
   for (const yfw::broken_law *each : view.unknown) {
-    out << '\n' << word(each->which) << ' ' << each->path;
-    out << (each->value ? " " + yfw::quoted(*each->value) : "") << ": " << each->what << '\n' << each->tree;
+    out << '\n' << to_string(each->which) << ' ' << each->path;
+    out << (each->value ? " " + yfw::in_quotes(*each->value) : "") << ": " << each->what << '\n' << each->tree;
   }
   return out.str();
 }
@@ -93,7 +93,7 @@ void add_counts(json_report &out, const roundtrip_view &view, yfw::law which) {
 
 void add_losses(json_report &out, const char *name, const std::vector<const yfw::broken_law *> &losses) {
   out.list(name, losses, [&](const yfw::broken_law *each) {
-    out.text("law", word(each->which));
+    out.text("law", to_string(each->which));
     out.text("path", each->path);
     out.text("value", each->value);
     out.text("what", each->what);
@@ -105,7 +105,7 @@ std::string as_json(const roundtrip_view &view) {
   return json_report::with([&](json_report &out) {
     out.object("laws", [&] {
       for (const yfw::law which : yfw::all_laws) {
-        out.object(word(which), [&] { add_counts(out, view, which); });
+        out.object(to_string(which), [&] { add_counts(out, view, which); });
       }
     });
     out.object("native-state", [&] {
@@ -118,7 +118,7 @@ std::string as_json(const roundtrip_view &view) {
     add_losses(out, "known", view.known);
     out.list("stale", view.stale, [&](const yfw::known_loss *loss) {
       out.number("line", loss->line);
-      out.text("law", word(loss->which));
+      out.text("law", to_string(loss->which));
       out.text("path", loss->path);
       out.text("value", loss->value);
     });
@@ -155,8 +155,8 @@ void run(const roundtrip_options &options) {
   const roundtrip_view view = compare(found, losses);
   write_result(options.as_json ? as_json(view) : as_text(view));
   for (const yfw::known_loss *loss : view.stale) {
-    const yfw::error stale({display_name(file), loss->line, loss->path}, "'" + std::string(word(loss->which)) +
-                                                                             "' with " + yfw::quoted(loss->value) +
+    const yfw::error stale({display_name(file), loss->line, loss->path}, "'" + std::string(to_string(loss->which)) +
+                                                                             "' with " + yfw::in_quotes(loss->value) +
                                                                              " is no loss any more; take the line out");
     std::cerr << "ymap: " << stale.what() << '\n';
   }

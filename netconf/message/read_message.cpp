@@ -27,7 +27,7 @@ class message_reader {
     if (is(*message, "edit-config")) {
       return read_edit(*message);
     }
-    refuse(*message, quoted(message->tag) + " is not supported, only 'get', 'get-config' and 'edit-config'");
+    refuse(*message, in_quotes(message->tag) + " is not supported, only 'get', 'get-config' and 'edit-config'");
   }
 
  private:
@@ -37,14 +37,14 @@ class message_reader {
 
   [[noreturn]] void refuse(const yfw_node_t &node, const std::string &text,
                            error_tag tag = error_tag::operation_not_supported, const std::string &element = {}) const {
-    throw rpc_error(document_.where(node), text, tag, element);
+    throw client_error(document_.where(node), text, tag, element);
   }
 
   void refuse_repeated(const yfw_node_t &message) const {
     std::set<std::string_view> seen;
     for (const yfw_node_t &parameter : children(message)) {
       if (!seen.insert(parameter.tag).second) {
-        refuse(parameter, quoted(parameter.tag) + " appears twice", error_tag::bad_element);
+        refuse(parameter, in_quotes(parameter.tag) + " appears twice", error_tag::bad_element);
       }
     }
   }
@@ -61,7 +61,7 @@ class message_reader {
       } else if (is(parameter, "source") && result.operation == client_operation::get_config) {
         result.source = datastore(parameter);
       } else {
-        refuse(parameter, quoted(parameter.tag) + " is not a supported parameter of '" + message.tag + "'",
+        refuse(parameter, in_quotes(parameter.tag) + " is not a supported parameter of '" + message.tag + "'",
                error_tag::unknown_element, parameter.tag);
       }
     }
@@ -85,7 +85,7 @@ class message_reader {
       } else if (is(parameter, "error-option")) {
         result.error_option = one_of(parameter, {"stop-on-error", "continue-on-error", "rollback-on-error"});
       } else {
-        refuse(parameter, quoted(parameter.tag) + " is not a supported parameter of 'edit-config'",
+        refuse(parameter, in_quotes(parameter.tag) + " is not a supported parameter of 'edit-config'",
                error_tag::unknown_element, parameter.tag);
       }
     }
@@ -100,11 +100,11 @@ class message_reader {
 
   std::string datastore(const yfw_node_t &parameter) const {
     if (children(parameter).size() != 1) {
-      refuse(parameter, quoted(parameter.tag) + " names one datastore", error_tag::invalid_value);
+      refuse(parameter, in_quotes(parameter.tag) + " names one datastore", error_tag::invalid_value);
     }
     const yfw_node_t &named = children(parameter).front();
     if (!is(named, "running") && !is(named, "candidate") && !is(named, "startup")) {
-      refuse(named, quoted(named.tag) + " is not a supported datastore; 'running', 'candidate' and 'startup' are",
+      refuse(named, in_quotes(named.tag) + " is not a supported datastore; 'running', 'candidate' and 'startup' are",
              error_tag::operation_not_supported);
     }
     return named.tag;
@@ -122,7 +122,7 @@ class message_reader {
       for (const std::string_view word : words) {
         known += (known.empty() ? "'" : ", '") + std::string(word) + "'";
       }
-      refuse(parameter, quoted(value) + " is not one of its values, which are " + known, error_tag::invalid_value);
+      refuse(parameter, in_quotes(value) + " is not one of its values, which are " + known, error_tag::invalid_value);
     }
     return std::string(value);
   }

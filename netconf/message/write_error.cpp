@@ -1,4 +1,4 @@
-// Errors in the dress of NETCONF and RESTCONF.
+// Errors as replies of NETCONF and RESTCONF.
 #include <rapidjson/ostreamwrapper.h>
 #include <rapidjson/prettywriter.h>
 
@@ -14,7 +14,7 @@
 namespace yfw {
 namespace {
 
-struct dressed_error {
+struct error_fields {
   std::string type, tag, path, message, bad_element;
   std::set<std::pair<std::string, std::string>> prefixes;  // of the path, in XML: prefix and namespace
 };
@@ -32,20 +32,20 @@ std::vector<path_step> steps_of(const std::string &path, const schema &modules, 
   }
   try {
     return read_expression(known, modules, client_nodes(description, modules)).steps;
-  } catch (const rpc_error &) {
+  } catch (const client_error &) {
     return {};
   }
 }
 
 // In XML each name has its module's prefix (RFC 7950, section 9.13); in JSON a name has the module where it changes
 // (RFC 7951, section 6.11).
-std::string instance_identifier(const std::vector<path_step> &steps, data_format format, dressed_error &dressed) {
+std::string instance_identifier(const std::vector<path_step> &steps, data_format format, error_fields &fields) {
   std::string text;
   std::string_view outer;
   for (const path_step &step : steps) {
     const std::string module(module_name(step.node));
     const std::string prefix = format == data_format::xml ? std::string(module_prefix(step.node)) + ":" : "";
-    dressed.prefixes.emplace(module_prefix(step.node), ns(step.node));
+    fields.prefixes.emplace(module_prefix(step.node), ns(step.node));
     text +=
         "/" + (format == data_format::json && module != outer ? module + ":" : prefix) + std::string(name(step.node));
     for (const auto &[key, value] : step.keys) {
@@ -56,50 +56,50 @@ std::string instance_identifier(const std::vector<path_step> &steps, data_format
   return text;
 }
 
-dressed_error dress(const error &fault, const schema &modules, const manifest &description, data_format format) {
-  const auto *rpc = dynamic_cast<const rpc_error *>(&fault);
+error_fields fields_of(const error &fault, const schema &modules, const manifest &description, data_format format) {
+  const auto *rpc = dynamic_cast<const client_error *>(&fault);
   const error_tag tag = rpc != nullptr ? rpc->tag() : error_tag::operation_failed;
-  dressed_error dressed{tag == error_tag::malformed_message ? "rpc" : "application",
-                        std::string(word(tag)),
-                        {},
-                        {},
-                        rpc != nullptr ? rpc->bad_element() : "",
-                        {}};
+  error_fields fields{tag == error_tag::malformed_message ? "rpc" : "application",
+                      std::string(to_string(tag)),
+                      {},
+                      {},
+                      rpc != nullptr ? rpc->bad_element() : "",
+                      {}};
   const bool is_unknown = tag == error_tag::unknown_element || tag == error_tag::unknown_namespace;
-  dressed.path = instance_identifier(steps_of(fault.where().path, modules, description, is_unknown), format, dressed);
+  fields.path = instance_identifier(steps_of(fault.where().path, modules, description, is_unknown), format, fields);
   // As the program tells it, less a path that has a place of its own.
   place where = fault.where();
-  where.path = dressed.path.empty() ? where.path : "";
-  dressed.message = error(where, fault.text()).what();
-  return dressed;
+  where.path = fields.path.empty() ? where.path : "";
+  fields.message = error(where, fault.text()).what();
+  return fields;
 }
 
 void add_text(pugi::xml_node above, const char *name, const std::string &text) {
   above.append_child(name).text().set(text.c_str());
 }
 
-void write_xml_error(std::ostream &out, const dressed_error &dressed) {
+void write_xml_error(std::ostream &out, const error_fields &fields) {
   pugi::xml_document message;
   pugi::xml_node reply = message.append_child("rpc-reply");
   reply.append_attribute("xmlns") = netconf_ns;
   pugi::xml_node node = reply.append_child("rpc-error");
-  add_text(node, "error-type", dressed.type);
-  add_text(node, "error-tag", dressed.tag);
+  add_text(node, "error-type", fields.type);
+  add_text(node, "error-tag", fields.tag);
   add_text(node, "error-severity", "error");
-  if (!dressed.path.empty()) {
-    add_text(node, "error-path", dressed.path);
-    for (const auto &[prefix, ns] : dressed.prefixes) {
+  if (!fields.path.empty()) {
+    add_text(node, "error-path", fields.path);
+    for (const auto &[prefix, ns] : fields.prefixes) {
       node.last_child().append_attribute(("xmlns:" + prefix).c_str()) = ns.c_str();
     }
   }
-  add_text(node, "error-message", dressed.message);
-  if (!dressed.bad_element.empty()) {
-    add_text(node.append_child("error-info"), "bad-element", dressed.bad_element);
+  add_text(node, "error-message", fields.message);
+  if (!fields.bad_element.empty()) {
+    add_text(node.append_child("error-info"), "bad-element", fields.bad_element);
   }
   message.save(out, "  ", pugi::format_indent | pugi::format_no_declaration);
 }
 
-void write_json_error(std::ostream &out, const dressed_error &dressed) {
+void write_json_error(std::ostream &out, const error_fields &fields) {
   rapidjson::OStreamWrapper stream(out);
   rapidjson::PrettyWriter<rapidjson::OStreamWrapper> writer(stream);
   writer.SetIndent(' ', 2);
@@ -115,14 +115,14 @@ void write_json_error(std::ostream &out, const dressed_error &dressed) {
   writer.Key("error");
   writer.StartArray();
   writer.StartObject();
-  member("error-type", dressed.type);
-  member("error-tag", dressed.tag);
-  member("error-path", dressed.path);
-  member("error-message", dressed.message);
-  if (!dressed.bad_element.empty()) {
+  member("error-type", fields.type);
+  member("error-tag", fields.tag);
+  member("error-path", fields.path);
+  member("error-message", fields.message);
+  if (!fields.bad_element.empty()) {
     writer.Key("error-info");
     writer.StartObject();
-    member("bad-element", dressed.bad_element);
+    member("bad-element", fields.bad_element);
     writer.EndObject();
   }
   writer.EndObject();
@@ -134,13 +134,13 @@ void write_json_error(std::ostream &out, const dressed_error &dressed) {
 
 }  // namespace
 
-void write_rpc_error(std::ostream &out, const error &fault, const schema &modules, const manifest &description,
-                     data_format format) {
-  const dressed_error dressed = dress(fault, modules, description, format);
+void write_error_reply(std::ostream &out, const error &fault, const schema &modules, const manifest &description,
+                       data_format format) {
+  const error_fields fields = fields_of(fault, modules, description, format);
   if (format == data_format::json) {
-    write_json_error(out, dressed);
+    write_json_error(out, fields);
   } else {
-    write_xml_error(out, dressed);
+    write_xml_error(out, fields);
   }
 }
 

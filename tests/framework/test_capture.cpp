@@ -47,12 +47,12 @@ std::vector<std::string> acts_in(const std::string &capture) {
 
 TEST(Capture, ReplaysWithoutADifference) {
   const yfw::capture recorded = yfw::capture::read(sample(), "sample");
-  const std::vector<yfw::plugin_act> acts = yfw::replay(recorded, mapping());
+  const std::vector<yfw::plugin_event> acts = yfw::replay(recorded, mapping());
   EXPECT_TRUE(recorded.has_returned());
   std::vector<std::string> replayed;
-  std::ranges::transform(acts, std::back_inserter(replayed), &yfw::plugin_act::text);
+  std::ranges::transform(acts, std::back_inserter(replayed), &yfw::plugin_event::text);
   EXPECT_EQ(acts_in(sample()), replayed);
-  EXPECT_FALSE(yfw::first_parting(recorded.acts(), acts).has_value());
+  EXPECT_FALSE(yfw::first_difference(recorded.events(), acts).has_value());
 }
 
 struct DifferenceRow {
@@ -66,7 +66,7 @@ class Difference : public testing::TestWithParam<DifferenceRow> {};
 TEST_P(Difference, IsTheFirst) {
   const DifferenceRow &row = GetParam();
   const yfw::capture recorded = yfw::capture::read(replaced(sample(), row.captured, row.changed), "sample");
-  const auto where = yfw::first_parting(recorded.acts(), yfw::replay(recorded, mapping()));
+  const auto where = yfw::first_difference(recorded.events(), yfw::replay(recorded, mapping()));
   ASSERT_TRUE(where.has_value());
   EXPECT_EQ(row.line, where->expected ? where->expected->line : 0);
   EXPECT_NE(std::string::npos, (where->expected ? where->expected->text : "nothing").find(row.expected));

@@ -41,7 +41,7 @@ std::string summary(const yfw::coverage_cell *cell) {
   if (cell == nullptr) {
     return "not counted";
   }
-  std::string text(word(cell->state));
+  std::string text(to_string(cell->state));
   for (const lysc_node *target : cell->targets()) {
     text += " " + std::string(yfw::name(target));
   }

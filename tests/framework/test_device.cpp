@@ -21,7 +21,7 @@
 namespace {
 
 namespace fs = std::filesystem;
-using yfw::call_kind;
+using yfw::operation_kind;
 
 constexpr const char *shelved =
     "<data xmlns=\"urn:ietf:params:xml:ns:netconf:base:1.0\"><library xmlns=\"urn:test:library\">"
@@ -36,9 +36,9 @@ yfw::device device_of(const std::string &text) {
 }
 
 // The call on a path with keys; without them when `of_all`.
-yfw::native_call call(call_kind kind, const std::string &path, std::optional<std::string> value = {},
-                      uint32_t operation = YFW_OPERATION_MERGE, bool of_all = false) {
-  yfw::native_call made{kind, yfw::read_instance_path(path, library()), std::move(value), operation, nullptr};
+yfw::native_operation call(operation_kind kind, const std::string &path, std::optional<std::string> value = {},
+                           uint32_t operation = YFW_OPERATION_MERGE, bool of_all = false) {
+  yfw::native_operation made{kind, yfw::read_instance_path(path, library()), std::move(value), operation, nullptr};
   for (yfw::path_step &step : made.steps) {
     of_all ? step.keys.clear() : void();
   }
@@ -62,7 +62,7 @@ class DeviceSelect : public testing::TestWithParam<SelectRow> {};
 
 TEST_P(DeviceSelect, GivesWhatIsAsked) {
   const SelectRow &row = GetParam();
-  const yfw::native_call asked = call(call_kind::read, row.path, row.value, YFW_OPERATION_MERGE, row.of_all);
+  const yfw::native_operation asked = call(operation_kind::read, row.path, row.value, YFW_OPERATION_MERGE, row.of_all);
   std::ostringstream text;
   write_xml(text, device_of(shelved).select({&asked, 1}), {.pretty = false});
   const std::string expected = row.selected;
@@ -104,8 +104,9 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto &each) { return std::string(each.param.name); });
 
 TEST(DeviceSelect, GivesEachNodeOnce) {
-  const yfw::native_call asked[] = {call(call_kind::read, emma + "/binding"), call(call_kind::read, emma + "/binding"),
-                                    call(call_kind::read, emma + "/loan/reader")};
+  const yfw::native_operation asked[] = {call(operation_kind::read, emma + "/binding"),
+                                         call(operation_kind::read, emma + "/binding"),
+                                         call(operation_kind::read, emma + "/loan/reader")};
   std::ostringstream text;
   write_xml(text, device_of(shelved).select(asked), {.pretty = false});
   EXPECT_EQ(
@@ -126,7 +127,7 @@ std::string words(const std::vector<yfw::device_change> &changes) {
 
 struct EditRow {
   const char *name;
-  call_kind kind;
+  operation_kind kind;
   uint32_t operation;
   std::string path;
   std::optional<std::string> value;
@@ -146,8 +147,8 @@ TEST_P(DeviceEdit, ChangesWhatItSays) {
     result = words(edit.changes());
     EXPECT_EQ(before, device.text()) << "changed before it is committed";
     edit.commit();
-  } catch (const yfw::rpc_error &fault) {
-    result = word(fault.tag());
+  } catch (const yfw::client_error &fault) {
+    result = to_string(fault.tag());
   }
   EXPECT_EQ(row.result, result);
   EXPECT_EQ(result.find("->") != std::string::npos, before != device.text());
@@ -156,37 +157,43 @@ TEST_P(DeviceEdit, ChangesWhatItSays) {
 INSTANTIATE_TEST_SUITE_P(
     Rows, DeviceEdit,
     testing::Values(
-        EditRow{"MergeChanges", call_kind::set, YFW_OPERATION_MERGE, emma + "/binding", "cloth",
+        EditRow{"MergeChanges", operation_kind::set, YFW_OPERATION_MERGE, emma + "/binding", "cloth",
                 "/library/book[title='Emma'][edition='1']/binding: paper -> cloth\n"},
-        EditRow{"MergeSame", call_kind::set, YFW_OPERATION_MERGE, emma + "/binding", "paper", ""},
-        EditRow{"MergeMakesEntry", call_kind::set, YFW_OPERATION_MERGE, persuasion + "/loan/reader", "Bo",
+        EditRow{"MergeSame", operation_kind::set, YFW_OPERATION_MERGE, emma + "/binding", "paper", ""},
+        EditRow{"MergeMakesEntry", operation_kind::set, YFW_OPERATION_MERGE, persuasion + "/loan/reader", "Bo",
                 "/library/book[title='Persuasion'][edition='1']: none -> \n"
                 "/library/book[title='Persuasion'][edition='1']/loan/reader: none -> Bo\n"},
-        EditRow{"ReplaceChanges", call_kind::set, YFW_OPERATION_REPLACE, "/library:library/name", "Annex",
+        EditRow{"ReplaceChanges", operation_kind::set, YFW_OPERATION_REPLACE, "/library:library/name", "Annex",
                 "/library/name: Main -> Annex\n"},
-        EditRow{"CreateAbsent", call_kind::set, YFW_OPERATION_CREATE, "/library:library/motto", "Read",
+        EditRow{"CreateAbsent", operation_kind::set, YFW_OPERATION_CREATE, "/library:library/motto", "Read",
                 "/library/motto: none -> Read\n"},
-        EditRow{"CreatePresent", call_kind::set, YFW_OPERATION_CREATE, "/library:library/name", "Main", "data-exists"},
-        EditRow{"AddsToLeafList", call_kind::set, YFW_OPERATION_MERGE, "/library:library/shelf", "3",
+        EditRow{"CreatePresent", operation_kind::set, YFW_OPERATION_CREATE, "/library:library/name", "Main",
+                "data-exists"},
+        EditRow{"AddsToLeafList", operation_kind::set, YFW_OPERATION_MERGE, "/library:library/shelf", "3",
                 "/library/shelf[.='3']: none -> 3\n"},
         EditRow{"DeletePresent",
-                call_kind::remove,
+                operation_kind::remove,
                 YFW_OPERATION_DELETE,
                 emma + "/binding",
                 {},
                 "/library/book[title='Emma'][edition='1']/binding: paper -> none\n"},
-        EditRow{"DeleteAbsent", call_kind::remove, YFW_OPERATION_DELETE, "/library:library/motto", {}, "data-missing"},
+        EditRow{
+            "DeleteAbsent", operation_kind::remove, YFW_OPERATION_DELETE, "/library:library/motto", {}, "data-missing"},
         EditRow{"DeleteInAbsentEntry",
-                call_kind::remove,
+                operation_kind::remove,
                 YFW_OPERATION_DELETE,
                 persuasion + "/binding",
                 {},
                 "data-missing"},
-        EditRow{"RemoveAbsent", call_kind::remove, YFW_OPERATION_REMOVE, "/library:library/motto", {}, ""},
-        EditRow{
-            "RemoveInAbsentEntryMakesNone", call_kind::remove, YFW_OPERATION_REMOVE, persuasion + "/binding", {}, ""},
+        EditRow{"RemoveAbsent", operation_kind::remove, YFW_OPERATION_REMOVE, "/library:library/motto", {}, ""},
+        EditRow{"RemoveInAbsentEntryMakesNone",
+                operation_kind::remove,
+                YFW_OPERATION_REMOVE,
+                persuasion + "/binding",
+                {},
+                ""},
         EditRow{"RemoveEntry",
-                call_kind::remove,
+                operation_kind::remove,
                 YFW_OPERATION_REMOVE,
                 emma,
                 {},
@@ -194,14 +201,14 @@ INSTANTIATE_TEST_SUITE_P(
                 "/library/book[title='Emma'][edition='1']/binding: paper -> none\n"
                 "/library/book[title='Emma'][edition='1']/loan/reader: Ann -> none\n"},
         EditRow{"RemoveLeafList",
-                call_kind::remove,
+                operation_kind::remove,
                 YFW_OPERATION_REMOVE,
                 "/library:library/shelf",
                 {},
                 "/library/shelf[.='1']: 1 -> none\n/library/shelf[.='2']: 2 -> none\n"},
-        EditRow{"BadValue", call_kind::set, YFW_OPERATION_MERGE, emma + "/binding", "wood", "operation-failed"},
-        EditRow{"Key", call_kind::remove, YFW_OPERATION_REMOVE, emma + "/title", {}, "operation-failed"},
-        EditRow{"State", call_kind::set, YFW_OPERATION_MERGE, "/library:library/visit/minutes", "9",
+        EditRow{"BadValue", operation_kind::set, YFW_OPERATION_MERGE, emma + "/binding", "wood", "operation-failed"},
+        EditRow{"Key", operation_kind::remove, YFW_OPERATION_REMOVE, emma + "/title", {}, "operation-failed"},
+        EditRow{"State", operation_kind::set, YFW_OPERATION_MERGE, "/library:library/visit/minutes", "9",
                 "operation-not-supported"}),
     [](const auto &each) { return std::string(each.param.name); });
 
@@ -212,7 +219,7 @@ TEST(DeviceEdit, DropsTheOtherCasesOfAChoice) {
                                                        "/library/stove: none -> true\n"
                                                        "/library/gas-meter: 7 -> none\n"}}) {
     yfw::device_edit edit(device);
-    edit.apply(call(call_kind::set, std::string("/library:library/") + leaf, value, YFW_OPERATION_MERGE));
+    edit.apply(call(operation_kind::set, std::string("/library:library/") + leaf, value, YFW_OPERATION_MERGE));
     EXPECT_EQ(result, words(edit.changes()));
     edit.commit();
   }
@@ -223,15 +230,15 @@ TEST(DeviceEdit, RefusesAPathWithoutKeys) {
   yfw::device device = device_of(shelved);
   yfw::device_edit edit(device);
   EXPECT_EQ("'/library/book/binding' lacks a key of 'book'", thrown_by([&] {
-              edit.apply(call(call_kind::set, emma + "/binding", "cloth", YFW_OPERATION_MERGE, true));
+              edit.apply(call(operation_kind::set, emma + "/binding", "cloth", YFW_OPERATION_MERGE, true));
             }));
 }
 
 TEST(DeviceEdit, LeavesAnEntryWithItsKeysAndNoEmptyContainer) {
   yfw::device device = device_of(shelved);
   yfw::device_edit edit(device);
-  edit.apply(call(call_kind::remove, emma + "/binding", {}, YFW_OPERATION_DELETE));
-  edit.apply(call(call_kind::remove, emma + "/loan/reader", {}, YFW_OPERATION_DELETE));
+  edit.apply(call(operation_kind::remove, emma + "/binding", {}, YFW_OPERATION_DELETE));
+  edit.apply(call(operation_kind::remove, emma + "/loan/reader", {}, YFW_OPERATION_DELETE));
   edit.commit();
   const std::string text = device.text();
   EXPECT_NE(std::string::npos, text.find("<title>Emma</title>"));
@@ -241,20 +248,20 @@ TEST(DeviceEdit, LeavesAnEntryWithItsKeysAndNoEmptyContainer) {
 TEST(DeviceEdit, TellsTheNetEffect) {
   yfw::device device = device_of(shelved);
   yfw::device_edit edit(device);
-  edit.apply(call(call_kind::remove, "/library:library/name", {}, YFW_OPERATION_DELETE));
-  edit.apply(call(call_kind::set, "/library:library/name", "Annex"));
-  edit.apply(call(call_kind::set, "/library:library/motto", "Read"));
-  edit.apply(call(call_kind::remove, "/library:library/motto", {}, YFW_OPERATION_DELETE));
+  edit.apply(call(operation_kind::remove, "/library:library/name", {}, YFW_OPERATION_DELETE));
+  edit.apply(call(operation_kind::set, "/library:library/name", "Annex"));
+  edit.apply(call(operation_kind::set, "/library:library/motto", "Read"));
+  edit.apply(call(operation_kind::remove, "/library:library/motto", {}, YFW_OPERATION_DELETE));
   EXPECT_EQ("/library/name: Main -> Annex\n", words(edit.changes()));
 }
 
 // Applies a call, and tells its error's tag or "".
-std::string outcome_of(yfw::device_edit &edit, const yfw::native_call &call) {
+std::string outcome_of(yfw::device_edit &edit, const yfw::native_operation &call) {
   try {
     edit.apply(call);
     return {};
-  } catch (const yfw::rpc_error &fault) {
-    return std::string(word(fault.tag()));
+  } catch (const yfw::client_error &fault) {
+    return std::string(to_string(fault.tag()));
   }
 }
 
@@ -270,10 +277,11 @@ TEST(DeviceEdit, DoesTheSameInOneEditAsInMany) {
     const bool is_of_entry = random() % 8 == 0;
     const std::string path = book + (is_of_entry ? "" : random() % 2 == 0 ? "/binding" : "/loan/reader");
     const bool is_set = !is_of_entry && random() % 3 != 0;
-    const yfw::native_call next =
-        is_set ? call(call_kind::set, path, path.ends_with("binding") ? "cloth" : "Ann",
-                      random() % 4 == 0 ? YFW_OPERATION_CREATE : YFW_OPERATION_MERGE)
-               : call(call_kind::remove, path, {}, random() % 2 == 0 ? YFW_OPERATION_DELETE : YFW_OPERATION_REMOVE);
+    const yfw::native_operation next =
+        is_set
+            ? call(operation_kind::set, path, path.ends_with("binding") ? "cloth" : "Ann",
+                   random() % 4 == 0 ? YFW_OPERATION_CREATE : YFW_OPERATION_MERGE)
+            : call(operation_kind::remove, path, {}, random() % 2 == 0 ? YFW_OPERATION_DELETE : YFW_OPERATION_REMOVE);
     yfw::device_edit single(many);
     const std::string result = outcome_of(single, next);
     EXPECT_EQ(result, outcome_of(whole, next)) << next.path();
@@ -294,9 +302,9 @@ TEST(DeviceEdit, FindsEntriesAfterACaseOfAChoiceIsGone) {
   yfw::device_edit whole(one);
   const auto set = [&](const std::string &path, const std::string &value) {
     yfw::device_edit single(many);
-    single.apply(call(call_kind::set, "/library:library/" + path, value));
+    single.apply(call(operation_kind::set, "/library:library/" + path, value));
     single.commit();
-    whole.apply(call(call_kind::set, "/library:library/" + path, value));
+    whole.apply(call(operation_kind::set, "/library:library/" + path, value));
   };
   for (const std::string reader : {"Ann", "Bo"}) {
     for (int i = 0; i < 40; ++i) {
@@ -393,7 +401,7 @@ class DeviceFile : public testing::Test {
   static void set(const fs::path &file, const std::string &path, const std::string &value) {
     yfw::device_file device(file, library(), yfw::device_file::use::edit);
     yfw::device_edit edit(device.content());
-    edit.apply(call(call_kind::set, path, value));
+    edit.apply(call(operation_kind::set, path, value));
     edit.commit();
     device.save();
   }
@@ -487,7 +495,7 @@ TEST_F(DeviceFile, IsWholeAndCurrentWheneverTheWriterIsKilled) {
       last = next;
       ASSERT_EQ(static_cast<ssize_t>(sizeof next), ::read(acknowledged[0], &next, sizeof next));
     }
-    const yfw::native_call asked = call(call_kind::read, "/library:library/motto");
+    const yfw::native_operation asked = call(operation_kind::read, "/library:library/motto");
     std::string kept;
     EXPECT_EQ("", thrown_by([&] {
                 yfw::device_file device(file_, library(), yfw::device_file::use::read);

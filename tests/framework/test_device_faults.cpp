@@ -197,7 +197,7 @@ class DeviceFaults : public testing::Test {
     try {
       yfw::device_file device(file_, library(), yfw::device_file::use::edit);
       yfw::device_edit change(device.content());
-      change.apply({yfw::call_kind::set, steps_, "Annex", YFW_OPERATION_MERGE, nullptr});
+      change.apply({yfw::operation_kind::set, steps_, "Annex", YFW_OPERATION_MERGE, nullptr});
       change.commit();
       device.save();
     } catch (const std::exception &fault) {

@@ -69,8 +69,8 @@ TEST_P(EngineEdit, DoesWhatTheClientSays) {
     for (const yfw::device_change &change : yfw::engine(mapping(), log).edit(device, request, client).changes) {
       result += words(change);
     }
-  } catch (const yfw::rpc_error &fault) {
-    result = std::string(word(fault.tag())) + " " + fault.bad_element() + "|" + fault.text();
+  } catch (const yfw::client_error &fault) {
+    result = std::string(to_string(fault.tag())) + " " + fault.bad_element() + "|" + fault.text();
     EXPECT_EQ(before, device.text()) << "changed by an edit that failed";
   }
   EXPECT_EQ(GetParam().result, result);
@@ -208,8 +208,8 @@ TEST_P(LeafListEdit, LooksForTheEntryOfThatValue) {
          engine.edit_node(device, "/library:library/shelf", GetParam().value, GetParam().operation).changes) {
       result += words(change);
     }
-  } catch (const yfw::rpc_error &fault) {
-    result = word(fault.tag());
+  } catch (const yfw::client_error &fault) {
+    result = to_string(fault.tag());
   }
   EXPECT_EQ(GetParam().result, result);
 }
@@ -327,8 +327,8 @@ TEST_P(EngineFind, SelectsByXpath) {
         yfw::engine(mapping(), log)
             .find(ports("bidirectional"), GetParam().xpath, yfw::client_operation::get_config, yfw::content::all)
             .data);
-  } catch (const yfw::rpc_error &fault) {
-    answer = std::string(word(fault.tag())) + "|" + fault.text();
+  } catch (const yfw::client_error &fault) {
+    answer = std::string(to_string(fault.tag())) + "|" + fault.text();
   }
   EXPECT_EQ(GetParam().answer, answer);
 }

@@ -16,7 +16,8 @@ namespace {
 std::vector<std::string> told(const std::vector<std::string> &lines) {
   std::vector<std::string> result;
   for (const yfw::traced_function &function : yfw::traced_functions(lines)) {
-    std::string text = function.name + " " + std::string(word(function.role)) + " " + std::to_string(function.depth);
+    std::string text =
+        function.name + " " + std::string(to_string(function.role)) + " " + std::to_string(function.depth);
     for (const std::string &said : function.said) {
       text += ": " + said;
     }

@@ -106,7 +106,7 @@ TEST_P(MappingName, IsTakenApart) {
   const std::string found = !parts ? ""
                                    : std::string(parts->is_body ? "body of " : "") +
                                          (parts->dir == yfw::direction::ox ? "ox " : "xo ") + parts->plugin + ' ' +
-                                         parts->module + ' ' + std::string(word(parts->kind)) + ' ' + parts->path;
+                                         parts->module + ' ' + std::string(to_string(parts->kind)) + ' ' + parts->path;
   EXPECT_EQ(GetParam().parts, found);
 }
 

@@ -121,14 +121,14 @@ class writer {
     std::ifstream in(file_, std::ios::binary);
     const std::string text{std::istreambuf_iterator<char>(in), {}};
     const yfw::device device = yfw::device::read(yfw::document::read(text, file_.string(), modules()));
-    const yfw::native_call asked{yfw::call_kind::read,
-                                 yfw::read_instance_path("/Zemlo-QUARN-interface-cfg:interface-configurations/"
-                                                         "interface-configuration[interface-name='" +
-                                                             interface_ + "']/Zemlo-QUARN-mdrv-lib-cfg:mac-addr",
-                                                         modules()),
-                                 {},
-                                 YFW_OPERATION_MERGE,
-                                 nullptr};
+    const yfw::native_operation asked{yfw::operation_kind::read,
+                                      yfw::read_instance_path("/Zemlo-QUARN-interface-cfg:interface-configurations/"
+                                                              "interface-configuration[interface-name='" +
+                                                                  interface_ + "']/Zemlo-QUARN-mdrv-lib-cfg:mac-addr",
+                                                              modules()),
+                                      {},
+                                      YFW_OPERATION_MERGE,
+                                      nullptr};
     const yfw::data_tree found = device.select({&asked, 1});
     return count_of(*found.first()->first_child->first_child->next->value);
   }

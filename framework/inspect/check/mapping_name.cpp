@@ -57,7 +57,7 @@ std::optional<mapping_name> taken_apart(std::string_view name) {
                                                                                        : std::nullopt;
 }
 
-std::string_view word(mapping_kind kind) {
+std::string_view to_string(mapping_kind kind) {
   switch (kind) {
     case mapping_kind::leaf:
       return "leaf";

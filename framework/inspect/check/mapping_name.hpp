@@ -25,6 +25,6 @@ struct mapping_name {
 std::optional<mapping_name> taken_apart(std::string_view name);
 
 // "leaf", for messages.
-std::string_view word(mapping_kind kind);
+std::string_view to_string(mapping_kind kind);
 
 }  // namespace yfw

@@ -79,7 +79,7 @@ class plugin_check {
     const std::string own = std::to_string(YFW_ABI_VERSION);
     const bool is_own = report_.abi_version == own;
     add(is_own ? ok : error_level, "abi",
-        "built for record layout version " + yfw::quoted(*report_.abi_version) +
+        "built for record layout version " + in_quotes(*report_.abi_version) +
             (is_own ? "" : "; this framework has '" + own + "'"));
   }
 
@@ -156,7 +156,7 @@ class plugin_check {
     const std::filesystem::path file = manifest::beside(path_);
     if (!std::filesystem::exists(file)) {
       add(warning, "manifest",
-          "there is none beside it, " + yfw::quoted(file.filename().string()) +
+          "there is none beside it, " + in_quotes(file.filename().string()) +
               ": a framework does not know what to call");
       warn_of_odd_names();
       return;

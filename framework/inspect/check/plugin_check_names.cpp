@@ -15,7 +15,7 @@ bool is_callback(mapping_kind kind) {
 
 std::string no_op_name(const std::string &name, const mapping_name &parts) {
   const std::string model = std::string(name.substr(0, 8)) + parts.plugin + '_' + parts.module;
-  return model + "_duck_map_" + std::string(word(parts.kind));
+  return model + "_duck_map_" + std::string(to_string(parts.kind));
 }
 
 // The last word of a squeezed path and what is before it.
@@ -122,7 +122,7 @@ void name_check::warn_of_uncalled(const named &each, checked_model &model) {
     add(finding_level::warning, "overrides", "no walker calls it: overrides nothing", name);
   } else {
     add(finding_level::error, "overrides",
-        "no walker calls it: overrides nothing, the generated function runs; did you mean " + yfw::quoted(meant) + "?",
+        "no walker calls it: overrides nothing, the generated function runs; did you mean " + in_quotes(meant) + "?",
         name);
   }
 }

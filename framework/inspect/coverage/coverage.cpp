@@ -62,7 +62,7 @@ std::vector<const lysc_node *> asked_by_everything(const schema &modules, const 
   client_request client;
   client.everything = true;
   std::vector<const lysc_node *> asked;
-  for (const native_call &call : probe_request(nothing, client, mapping, log).calls) {
+  for (const native_operation &call : probe_request(nothing, client, mapping, log).calls) {
     const lysc_node *node = call.steps.back().node;
     if (std::find(asked.begin(), asked.end(), node) == asked.end()) {
       asked.push_back(node);
@@ -78,18 +78,18 @@ size_t count_mapped(const std::vector<leaf_probe> &probes) {
 
 }  // namespace
 
-std::string_view word(leaf_operation operation) {
+std::string_view to_string(leaf_operation operation) {
   constexpr std::string_view words[] = {"get-config", "get", "set", "delete"};
   return words[static_cast<size_t>(operation)];
 }
 
-std::string_view word(mapping_state state) {
+std::string_view to_string(mapping_state state) {
   constexpr std::string_view words[] = {
       "mapped", "mapped-to-several", "refused-value", "unmapped-with-error", "unmapped-silently", "not-probed"};
   return words[static_cast<size_t>(state)];
 }
 
-std::string_view word(effect_kind kind) {
+std::string_view to_string(effect_kind kind) {
   constexpr std::string_view words[] = {"read", "set", "delete", "report", "withdraw"};
   return words[static_cast<size_t>(kind)];
 }

@@ -26,13 +26,13 @@ bool is_allowed(const lysc_node *leaf, leaf_operation operation) {
          (is_config(leaf) && (operation != leaf_operation::remove || !is_key(leaf)));
 }
 
-effect_kind kind_of(const native_call &call) {
+effect_kind kind_of(const native_operation &call) {
   switch (call.kind) {
-    case call_kind::set:
+    case operation_kind::set:
       return effect_kind::set;
-    case call_kind::remove:
+    case operation_kind::remove:
       return effect_kind::remove;
-    case call_kind::read:
+    case operation_kind::read:
       break;
   }
   return effect_kind::read;
@@ -51,11 +51,11 @@ leaf_probe probe(one_leaf_document &made, leaf_operation operation, const std::o
   client_request client = bare_request(made.text(), request_of(operation));
   const probe_outcome outcome = probe_request(made.text(), std::move(client), mapping, log);
   leaf_probe result{value, {}, answer_text(outcome)};
-  for (const native_call &call : outcome.calls) {
+  for (const native_operation &call : outcome.calls) {
     probe_effect effect{kind_of(call), call.steps.back().node, call.value};
     const bool is_known = std::find(result.effects.begin(), result.effects.end(), effect) != result.effects.end();
     // What a key or a container above asks for is not the leaf's own.
-    const bool is_own = call.cause == nullptr || made.is_leaf_itself(call.cause);
+    const bool is_own = call.source_node == nullptr || made.is_leaf_itself(call.source_node);
     if (is_own && !is_known) {
       result.effects.push_back(std::move(effect));
     }
@@ -71,7 +71,7 @@ std::string answer_text(const probe_outcome &outcome) {
     text = status_words(outcome.status);
   }
   if (!outcome.error_tag.empty()) {
-    text += (text.empty() ? "" : ", ") + ("rejects tag " + yfw::quoted(outcome.error_tag));
+    text += (text.empty() ? "" : ", ") + ("rejects tag " + in_quotes(outcome.error_tag));
   }
   if (text.empty() && outcome.value_lost) {
     text = "the value is lost on the way";

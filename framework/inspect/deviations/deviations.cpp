@@ -159,7 +159,7 @@ class planner {
       if (probe.is_mapped()) {
         taken.push_back(*probe.value);
       } else {
-        refused += (refused.empty() ? "" : ", ") + yfw::quoted(*probe.value);
+        refused += (refused.empty() ? "" : ", ") + in_quotes(*probe.value);
       }
     }
     const lysc_type *type =
@@ -184,9 +184,9 @@ class planner {
     }
     for (const coverage_cell &cell : row.cells) {
       if (cell.is_allowed && cell.state == mapping_state::not_probed) {
-        remark(row, std::string(word(cell.operation)) + " was not tried: " + cell.reason);
+        remark(row, std::string(to_string(cell.operation)) + " was not tried: " + cell.reason);
       } else if (cell.is_allowed && is_open(cell, row)) {
-        remark(row, "was set to " + yfw::quoted(*cell.probes.front().value) + " only, which is refused");
+        remark(row, "was set to " + in_quotes(*cell.probes.front().value) + " only, which is refused");
       }
     }
   }

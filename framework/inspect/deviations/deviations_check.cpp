@@ -153,7 +153,7 @@ std::map<const lysc_node *, std::string> words_by_leaf(const deviations &all, co
         if (kind == deviate_kind::values) {
           text = "restricted to";
           for (const std::string &value : each.values) {
-            text += (text.ends_with("to") ? " " : ", ") + yfw::quoted(value);
+            text += (text.ends_with("to") ? " " : ", ") + in_quotes(value);
           }
         }
         words[row.leaf] = text;

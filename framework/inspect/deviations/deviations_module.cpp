@@ -10,7 +10,7 @@ namespace yfw {
 namespace {
 
 // In double quotes (RFC 7950, section 6.1.3).
-std::string in_quotes(const std::string &text) {
+std::string yang_string(const std::string &text) {
   std::string quoted = "\"";
   for (const char c : text) {
     quoted += c == '"' || c == '\\' ? std::string{'\\', c} : std::string{c};
@@ -40,12 +40,12 @@ class module_writer {
   }
 
   std::string text() {
-    out_ << "module " << names_.name << " {\n  yang-version 1.1;\n  namespace " << in_quotes(names_.ns)
+    out_ << "module " << names_.name << " {\n  yang-version 1.1;\n  namespace " << yang_string(names_.ns)
          << ";\n  prefix " << own_prefix << ";\n\n";
     for (const lys_module *module : modules_) {
       out_ << "  import " << module->name << " {\n    prefix " << prefixes_[module] << ";\n  }\n";
     }
-    out_ << (modules_.empty() ? "" : "\n") << "  description\n    " << in_quotes(description()) << ";\n\n";
+    out_ << (modules_.empty() ? "" : "\n") << "  description\n    " << yang_string(description()) << ";\n\n";
     if (!revision_.empty()) {
       out_ << "  revision " << revision_ << " {\n    description\n      \"As measured with these modules.\";\n  }\n";
     }
@@ -95,7 +95,7 @@ class module_writer {
   }
 
   void add(const deviation &each) {
-    out_ << "\n  deviation " << in_quotes(identifier(each.target)) << " {\n";
+    out_ << "\n  deviation " << yang_string(identifier(each.target)) << " {\n";
     switch (each.kind) {
       case deviate_kind::not_supported:
         out_ << "    deviate not-supported;\n";
@@ -116,7 +116,7 @@ class module_writer {
     out_ << "    deviate replace {\n      type enumeration {\n";
     for (const auto *item : array_items(as<lysc_type_enum>(type_of(each.target)).enums)) {
       if (std::find(each.values.begin(), each.values.end(), item->name) != each.values.end()) {
-        out_ << "        enum " << in_quotes(item->name) << " {\n          value " << item->value << ";\n        }\n";
+        out_ << "        enum " << yang_string(item->name) << " {\n          value " << item->value << ";\n        }\n";
       }
     }
     out_ << "      }\n    }\n";

@@ -75,10 +75,10 @@ std::string model_references::why_it_breaks(const deviation &wanted, const std::
     const std::string standing = default_of(target);
     const bool is_left =
         standing.empty() || std::find(wanted.values.begin(), wanted.values.end(), standing) != wanted.values.end();
-    return is_left ? "" : "its default " + yfw::quoted(standing) + " is refused";
+    return is_left ? "" : "its default " + in_quotes(standing) + " is refused";
   }
   if (is_key(target)) {
-    return verb(wanted.kind) + "it is a key of " + yfw::quoted(schema_path(target->parent));
+    return verb(wanted.kind) + "it is a key of " + in_quotes(schema_path(target->parent));
   }
   if ((target->flags & LYS_MAND_TRUE) != 0) {
     return verb(wanted.kind) + "it is mandatory";
@@ -91,7 +91,7 @@ std::string model_references::why_it_breaks(const deviation &wanted, const std::
   for (const reference &each : references_) {
     const bool stays = wanted.kind == deviate_kind::not_supported ? !is_removed(each.from) : is_config(each.from);
     if (is_within(each.to, target) && !is_within(each.from, target) && stays) {
-      return verb(wanted.kind) + "the " + each.kind + " of " + yfw::quoted(schema_path(each.from)) + " looks at it";
+      return verb(wanted.kind) + "the " + each.kind + " of " + in_quotes(schema_path(each.from)) + " looks at it";
     }
   }
   return "";

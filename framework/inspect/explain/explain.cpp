@@ -35,7 +35,7 @@ class request_explainer {
     if (result.calls.empty()) {
       result.reported_by = reporting_leaves();
     }
-    for (const native_call &call : result.calls) {
+    for (const native_operation &call : result.calls) {
       if (!is_key(call.steps.back().node)) {
         add_reports(call, result.values);
       }
@@ -121,8 +121,8 @@ class request_explainer {
     add_untraced(result.walk, leaf(), [&](const std::string &name) { return has_function(mapping_, name); });
     result.answer = result.refusal.empty() ? "" : answer_text(outcome);
     result.calls = result.refusal.empty() ? std::move(native.calls) : std::move(outcome.calls);
-    for (native_call &call : result.calls) {
-      call.cause = nullptr;
+    for (native_operation &call : result.calls) {
+      call.source_node = nullptr;
     }
     return result;
   }
@@ -167,19 +167,19 @@ class request_explainer {
     const std::string refusal = refusal_of([&] {
       const native_request native =
           translate_request(request, bare_request(request, client_operation::edit), mapping_, silent);
-      for (const native_call &call : native.calls) {
+      for (const native_operation &call : native.calls) {
         const std::string name(yfw::name(call.steps.back().node));
         result.results.push_back(call.value ? *call.value : "no " + name);
       }
     });
-    const std::string named = yfw::quoted(value) + " ";
+    const std::string named = in_quotes(value) + " ";
     result.refusal = refusal.substr(refusal.starts_with(named) ? named.size() : 0);
     result.refusal.resize(std::min(result.refusal.size(), result.refusal.find("; mapped are ")));
     return result;
   }
 
   // What the leaf has for values of the native one.
-  void add_reports(const native_call &read, std::vector<value_mapping> &values) {
+  void add_reports(const native_operation &read, std::vector<value_mapping> &values) {
     for (const std::string &value : sample_values(modules_, read.steps.back().node)) {
       trace_log silent;
       const explained_reply reply = explain_reply(read.steps, value, modules_, mapping_, silent);
@@ -230,15 +230,15 @@ void require_leaf(const full_path &asked, const schema &modules) {
   const lysc_node *node = asked.steps.back().node;
   if (holds_value(node)) {
     if (is_key(node)) {
-      throw error(yfw::quoted(path(node)) + " is a key, which comes and goes with its list entry");
+      throw error(in_quotes(path(node)) + " is a key, which comes and goes with its list entry");
     }
     return;
   }
   std::string below;
   for (const lysc_node *child : modules.children(node)) {
-    below += (below.empty() ? "" : ", ") + quoted(name(child));
+    below += (below.empty() ? "" : ", ") + in_quotes(name(child));
   }
-  throw error(yfw::quoted(path(node)) + " is no leaf; below it are " + below);
+  throw error(in_quotes(path(node)) + " is no leaf; below it are " + below);
 }
 
 }  // namespace
@@ -272,7 +272,7 @@ explanation explain(std::string_view path, const explain_options &options, const
       result.replies.push_back(explain_reply(asked.steps, value, modules, mapping, log));
     }
   } else {
-    throw error(yfw::quoted(result.path) + " of module " + quoted(module_name(result.leaf)) +
+    throw error(in_quotes(result.path) + " of module " + in_quotes(module_name(result.leaf)) +
                 " is of neither model: no entry point of the plug-in is on the way to it");
   }
   return result;

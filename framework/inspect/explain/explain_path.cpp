@@ -46,7 +46,7 @@ std::vector<written_step> written_steps(std::string_view path) {
 }
 
 std::string shown(const lysc_node *node) {
-  return node == nullptr ? "the top" : yfw::quoted(path(node));
+  return node == nullptr ? "the top" : in_quotes(path(node));
 }
 
 using schema_nodes = std::vector<const lysc_node *>;
@@ -55,10 +55,10 @@ using schema_nodes = std::vector<const lysc_node *>;
   const std::string_view plain = written.substr(written.find(':') + 1);
   std::vector<std::string_view> names;
   std::ranges::transform(modules.children(above), std::back_inserter(names), &yfw::name);
-  std::string text = quoted(written) + (above == nullptr ? " is not a top-level node of the modules"
-                                                         : " is not a child of " + shown(above));
+  std::string text = in_quotes(written) + (above == nullptr ? " is not a top-level node of the modules"
+                                                            : " is not a child of " + shown(above));
   if (const std::string_view near = closest(names, plain); !near.empty()) {
-    text += near == plain ? "; there it is of another module" : "; did you mean " + quoted(near) + "?";
+    text += near == plain ? "; there it is of another module" : "; did you mean " + in_quotes(near) + "?";
   }
   throw error(text);
 }
@@ -92,8 +92,8 @@ const lysc_node *node_named(const schema &modules, const manifest &description, 
     std::erase_if(reached, [&](const lysc_node *node) { return !is_served(node); });
   }
   if (reached.size() > 1) {
-    throw error(quoted(path) + " may mean " + yfw::quoted(qualified_path(reached[0])) + " or " +
-                yfw::quoted(qualified_path(reached[1])) + ": say which");
+    throw error(in_quotes(path) + " may mean " + in_quotes(qualified_path(reached[0])) + " or " +
+                in_quotes(qualified_path(reached[1])) + ": say which");
   }
   return reached.front();
 }
@@ -104,7 +104,7 @@ std::string made_up_predicates(const schema &modules, const lysc_node *list, std
   for (const std::string_view key : keys(list)) {
     const std::vector<std::string> samples = sample_values(modules, modules.child(list, ns(list), key));
     if (samples.empty()) {
-      throw error("no value of key " + quoted(key) + " of " + shown(list) + " is known to make up; give one");
+      throw error("no value of key " + in_quotes(key) + " of " + shown(list) + " is known to make up; give one");
     }
     const std::string predicate = "[" + std::string(key) + "=" + key_literal(samples.front()) + "]";
     made_up.push_back(std::string(name(list)) + predicate);
@@ -135,7 +135,7 @@ full_path complete_steps(const lysc_node *node, const schema &modules, const std
 
 full_path complete_path(std::string_view path, const schema &modules, const manifest &description) {
   if (!path.starts_with('/') || path.ends_with('/')) {
-    throw error(quoted(path) + " is not a path, of a slash and a name for each node");
+    throw error(in_quotes(path) + " is not a path, of a slash and a name for each node");
   }
   (void)xpath_tokens(path);  // throws for what is no path before anything is added to it
   const std::vector<written_step> written = written_steps(path);

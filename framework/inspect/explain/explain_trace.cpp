@@ -98,7 +98,7 @@ std::string name_part(const lysc_node *leaf) {
 
 }  // namespace
 
-std::string_view word(function_role role) {
+std::string_view to_string(function_role role) {
   constexpr std::string_view words[] = {"walker", "generated", "hand-written", "no-op", "helper"};
   return words[static_cast<size_t>(role)];
 }

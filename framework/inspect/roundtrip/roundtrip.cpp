@@ -61,7 +61,7 @@ void attempt(law_bench &bench, const lysc_node *leaf, const std::function<void()
 
 }  // namespace
 
-std::string_view word(law which) {
+std::string_view to_string(law which) {
   constexpr std::string_view words[] = {"set-get", "delete-get", "absent-get", "native-stable", "read-answered"};
   return words[static_cast<size_t>(which)];
 }

@@ -19,7 +19,7 @@ using read_values = std::vector<std::string>;
 std::string told(const read_values &values) {
   std::string text;
   for (const std::string &value : values) {
-    text += (text.empty() ? "" : ", ") + yfw::quoted(value);
+    text += (text.empty() ? "" : ", ") + in_quotes(value);
   }
   return text.empty() ? "nothing" : text;
 }
@@ -86,7 +86,7 @@ class client_checks {
     try {
       (void)bench_.work.edit_node(native, path_, has_value ? std::optional(value) : std::nullopt, operation);
       return edit_end::done;
-    } catch (const rpc_error &fault) {
+    } catch (const client_error &fault) {
       // What fails though the mapping took it, or without a word why, is no refusal.
       if (fault.tag() == error_tag::operation_failed) {
         report(which, value, (is_set ? "" : "cannot be deleted: ") + fault.text());

@@ -22,19 +22,19 @@ std::string_view take_word(std::string_view &line) {
 law law_named(std::string_view text, const place &where) {
   std::string known;
   for (const law each : all_laws) {
-    if (word(each) == text) {
+    if (to_string(each) == text) {
       return each;
     }
-    known += (known.empty() ? "'" : ", '") + std::string(word(each)) + "'";
+    known += (known.empty() ? "'" : ", '") + std::string(to_string(each)) + "'";
   }
-  throw error(where, quoted(text) + " is not a law, which are " + known);
+  throw error(where, in_quotes(text) + " is not a law, which are " + known);
 }
 
 known_loss read_line(std::string_view line, const place &where) {
   const law which = law_named(take_word(line), where);
   known_loss loss{which, std::string(take_word(line)), std::string(take_word(line)), {}, where.line};
   if (!loss.path.starts_with('/')) {
-    throw error(where, yfw::quoted(loss.path) + " is not a path, which begins with '/'");
+    throw error(where, in_quotes(loss.path) + " is not a path, which begins with '/'");
   }
   line.remove_prefix(std::min(line.find_first_not_of(blanks), line.size()));
   loss.reason = line.substr(0, line.find_last_not_of(blanks) + 1);

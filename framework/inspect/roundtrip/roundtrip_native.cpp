@@ -13,7 +13,7 @@ void require_valid(const data_node *first, const schema &modules) {
   for (const data_node *group = first; group != nullptr; group = group->next) {
     for (const data_node *node = group; node != nullptr; node = node->next_entry) {
       if (const auto value = node->value; value && !modules.check_value(node->schema, *value).ok) {
-        throw error("reports " + quoted(*value) + " as '" + path(node->schema) + "', which has no such value");
+        throw error("reports " + in_quotes(*value) + " as '" + path(node->schema) + "', which has no such value");
       }
       require_valid(node->first_child, modules);
     }
@@ -60,13 +60,13 @@ class native_check {
     }
     const std::vector<std::string> got = stored(again);
     if (got != std::vector{bench_.modules.check_value(leaf_, value).canonical}) {
-      throw error("becomes " + (got.empty() ? "nothing" : yfw::quoted(got.front())) +
-                  " when a client sets what it read" + left_out);
+      throw error("becomes " + (got.empty() ? "nothing" : in_quotes(got.front())) + " when a client sets what it read" +
+                  left_out);
     }
   }
 
   std::vector<std::string> stored(const device &native) const {
-    const native_call read{call_kind::read, steps_, {}, YFW_OPERATION_MERGE, nullptr};
+    const native_operation read{operation_kind::read, steps_, {}, YFW_OPERATION_MERGE, nullptr};
     return values_of(native.select({&read, 1}));
   }
 

@@ -75,11 +75,11 @@ class reply_translation {
     if (tag == "rpc-error") {
       const yfw_node_t *message = child(node, "error-message");
       throw error(document_.where(node), message != nullptr && message->value != nullptr
-                                             ? "the device reports an error: " + quoted(message->value)
+                                             ? "the device reports an error: " + in_quotes(message->value)
                                              : "the device reports an error");
     }
     if (tag != "rpc-reply" && tag != "data" && tag != "ok") {
-      throw error(document_.where(node), yfw::quoted(tag) + " is not a reply; 'rpc-reply', 'data' or native data is");
+      throw error(document_.where(node), in_quotes(tag) + " is not a reply; 'rpc-reply', 'data' or native data is");
     }
     for (yfw_node_t &below : children(node)) {
       visit_envelope(below);
@@ -119,7 +119,7 @@ class reply_translation {
       const lysc_node *schema = extra(node).schema;
       const bool is_known = schema != nullptr && !is_leaf_list(schema);
       if (is_known && !(is_list(schema) ? is_new_entry(node, is_in_entry) : is_new_node(schema))) {
-        throw error(document_.where(node), quoted(node.tag) + " appears twice");
+        throw error(document_.where(node), in_quotes(node.tag) + " appears twice");
       }
     }
   }
@@ -143,8 +143,8 @@ class reply_translation {
 
   void require_top_level(const yfw_node_t &node) const {
     if (extra(node).schema == nullptr) {
-      throw error(document_.where(node),
-                  quoted(node.tag) + " of namespace " + quoted(node.ns) + " is not a top-level node of the modules");
+      throw error(document_.where(node), in_quotes(node.tag) + " of namespace " + in_quotes(node.ns) +
+                                             " is not a top-level node of the modules");
     }
   }
 
@@ -275,23 +275,23 @@ class reply_translation {
   // Turns what the plug-in reported into notes and a failure into an error.
   void settle(const yfw_node_t &node, uint32_t status) {
     if (status != YMAP_OK) {
-      const yfw_node_t *culprit = node_compared(node, context_.compared);
-      throw error(document_.where(culprit != nullptr ? *culprit : node), reason(status));
+      const yfw_node_t *source_node = node_compared(node, context_.compared);
+      throw error(document_.where(source_node != nullptr ? *source_node : node), reason(status));
     }
     for (const reported_problem &problem : std::exchange(context_.problems, {})) {
       note(culprit_of(problem, node), "is left out: " + problem.text);
     }
     // Nothing is lost of these: of one leaf the first is enough.
     for (const reported_problem &problem : std::exchange(context_.passed_on, {})) {
-      const yfw_node_t &culprit = culprit_of(problem, node);
-      add_note(culprit, problem.text, path(extra(culprit).schema) + " is passed on");
+      const yfw_node_t &source_node = culprit_of(problem, node);
+      add_note(source_node, problem.text, path(extra(source_node).schema) + " is passed on");
     }
   }
 
   static const yfw_node_t &culprit_of(const reported_problem &problem, const yfw_node_t &walked) {
     const yfw_node_t *inside = problem.inside != nullptr ? problem.inside : &walked;
-    const yfw_node_t *culprit = node_compared(*inside, problem.compared);
-    return culprit != nullptr ? *culprit : *inside;
+    const yfw_node_t *source_node = node_compared(*inside, problem.compared);
+    return source_node != nullptr ? *source_node : *inside;
   }
 
   std::string reason(uint32_t status) const {
@@ -350,7 +350,7 @@ std::vector<std::string> reply_notes::texts() && {
 void note_missing_entries(reply_part &part, const reply_options &options, const std::string &file) {
   for (const std::string &name : options.entries) {
     if (!part.met.contains(name)) {
-      const std::string text = error(place{file, 0, {}}, "has no list entry " + yfw::quoted(name)).what();
+      const std::string text = error(place{file, 0, {}}, "has no list entry " + in_quotes(name)).what();
       part.notes.add({std::numeric_limits<unsigned>::max(), text, {}});
     }
   }

@@ -77,7 +77,7 @@ class piece_source {
   text_source &text_;
   std::vector<std::string> lists_;
   bool can_seek_;
-  spool kept_;  // what was read, once there is a cut, of a text that cannot be read twice
+  temporary_file kept_;  // what was read, once there is a cut, of a text that cannot be read twice
   size_t kept_bytes_ = 0;
   bool is_from_kept_ = false;
 

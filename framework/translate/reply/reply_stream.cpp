@@ -279,7 +279,7 @@ class reply_stream {
   const note_taker &take_notes_;
 
   std::string before_, after_;
-  std::optional<spool> entries_{std::in_place};
+  std::optional<temporary_file> entries_{std::in_place};
   std::unordered_set<size_t> keys_;
   reply_part around_;  // notes and names only
 };

@@ -14,7 +14,7 @@ bool deletes(uint32_t operation) {
 // The operation that the mapping wrote on the output node, which holds for the next path only. Where the client's node
 // is merely to be gone ("remove" never fails, RFC 6241, section 7.2), what stands for it must not fail either, so that
 // "create" becomes "merge".
-uint32_t take_output_operation(context &ctx, uint32_t operation) {
+uint32_t output_operation(context &ctx, uint32_t operation) {
   yfw_node_t &out = ctx.output_root;
   if ((out.flags & YFW_NODE_OPERATION_CHANGED) == 0) {
     return operation;
@@ -34,7 +34,7 @@ uint32_t call_recorder::add_path(context &ctx, std::string_view path, const char
   }
   const uint32_t request = ctx.record.request->operation;
   const bool is_read = request == YFW_REQUEST_READ_CONFIG || request == YFW_REQUEST_READ_ALL;
-  const uint32_t operation = take_output_operation(ctx, source != nullptr ? source->operation : YFW_OPERATION_MERGE);
+  const uint32_t operation = output_operation(ctx, source != nullptr ? source->operation : YFW_OPERATION_MERGE);
 
   recorded_call &made = recorded_.emplace_back();
   made.call.steps = steps_with_keys(ctx, steps);
@@ -47,12 +47,12 @@ uint32_t call_recorder::add_path(context &ctx, std::string_view path, const char
     made.call.value = value;
   }
   if (is_read) {
-    made.call.kind = call_kind::read;
+    made.call.kind = operation_kind::read;
   } else if (value != nullptr) {
-    made.call.kind = call_kind::set;
+    made.call.kind = operation_kind::set;
     made.node.operation = deletes(operation) ? YFW_OPERATION_MERGE : operation;
   } else {
-    made.call.kind = call_kind::remove;
+    made.call.kind = operation_kind::remove;
     made.value_lost = source == nullptr || !deletes(source->operation);
   }
   if (created != nullptr) {

@@ -14,7 +14,7 @@ namespace yfw {
 // A call as it was made. The mapping may still change the operation of `node` after it.
 struct recorded_call {
   yfw_node_t node;  // the output node that the plug-in may get hold of
-  native_call call;
+  native_operation call;
   compared_texts compared;  // tells which request node caused it
   bool value_lost;          // neither a set nor a delete: the value has no native counterpart
 };

@@ -33,8 +33,8 @@ void trim_values(yfw_node_t &node) {
 void require_subtree(const document &request, const yfw_node_t &filter) {
   for (const std::string_view ns : {std::string_view(), std::string_view(netconf_ns)}) {
     if (const auto type = request.attribute(filter, ns, "type"); type && *type != "subtree") {
-      throw rpc_error(request.where(filter), "filter type " + quoted(*type) + " is not supported, only 'subtree'",
-                      error_tag::operation_not_supported);
+      throw client_error(request.where(filter), "filter type " + in_quotes(*type) + " is not supported, only 'subtree'",
+                         error_tag::operation_not_supported);
     }
   }
 }
@@ -45,10 +45,10 @@ void refuse_operations(const document &request, const yfw_node_t &node) {
     return;
   }
   if (const uint8_t operation = extra(node).given_operation; operation != no_operation) {
-    throw rpc_error(request.where(node),
-                    "operation " + quoted(operation_word(operation)) + " stands on " + quoted(node.tag) +
-                        ", where it means nothing; give it on the data",
-                    error_tag::bad_element);
+    throw client_error(request.where(node),
+                       "operation " + in_quotes(operation_word(operation)) + " stands on " + in_quotes(node.tag) +
+                           ", where it means nothing; give it on the data",
+                       error_tag::bad_element);
   }
   for (const yfw_node_t &below : children(node)) {
     refuse_operations(request, below);

@@ -19,7 +19,7 @@ data_node &descend(data_tree &tree, data_node *parent, const path_step &step) {
   return entry;
 }
 
-void add_call(data_tree &tree, const native_call &call, uint32_t default_operation) {
+void add_call(data_tree &tree, const native_operation &call, uint32_t default_operation) {
   data_node *node = nullptr;
   for (const path_step &step : call.steps) {
     node = &descend(tree, node, step);
@@ -27,7 +27,7 @@ void add_call(data_tree &tree, const native_call &call, uint32_t default_operati
   if (node == nullptr) {
     return;
   }
-  if (call.kind == call_kind::read) {
+  if (call.kind == operation_kind::read) {
     if (call.value) {
       tree.set_value(*node, *call.value);
     }
@@ -45,7 +45,7 @@ void add_call(data_tree &tree, const native_call &call, uint32_t default_operati
 
 data_tree native_tree(const native_request &request, const schema &modules) {
   data_tree tree(modules);
-  for (const native_call &call : request.calls) {
+  for (const native_operation &call : request.calls) {
     add_call(tree, call, request.client.default_operation);
   }
   return tree;

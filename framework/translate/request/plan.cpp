@@ -12,16 +12,16 @@ namespace {
 
 class silence_finder {
  public:
-  silence_finder(const native_request &request, refusals &refused)
-      : default_(request.client.default_operation), refused_(refused) {
-    for (const native_call &call : request.calls) {
-      causes_.insert(call.cause);
+  silence_finder(const native_request &request, error_collector &errors)
+      : default_(request.client.default_operation), errors_(errors) {
+    for (const native_operation &call : request.calls) {
+      causes_.insert(call.source_node);
     }
   }
 
   // A key alone asks for nothing but its entry.
   void visit(const yfw_node_t &node) {
-    if (refused_.contains(node) || causes_.contains(&node)) {
+    if (errors_.contains(node) || causes_.contains(&node)) {
       return;
     }
     bool is_end = true;
@@ -32,17 +32,17 @@ class silence_finder {
       }
     }
     if (is_end && !has_refused_key(node) && operation_in_force(node, default_) != no_operation) {
-      refused_.add(node, "would cause no native edit", error_tag::operation_not_supported);
+      errors_.add(node, "would cause no native edit", error_tag::operation_not_supported);
     }
   }
 
  private:
   bool has_refused_key(const yfw_node_t &node) const {
-    return std::ranges::any_of(children(node), [&](const yfw_node_t &key) { return refused_.contains(key); });
+    return std::ranges::any_of(children(node), [&](const yfw_node_t &key) { return errors_.contains(key); });
   }
 
   const uint32_t default_;
-  refusals &refused_;
+  error_collector &errors_;
   std::set<const yfw_node_t *> causes_;
 };
 
@@ -78,7 +78,7 @@ class condition_reads {
       trace_log silent;
       document question = request_for(steps_to(node), modules_);
       client_request asked = bare_request(question, client_operation::get_config);
-      for (const native_call &call : translate_request(question, std::move(asked), mapping_, silent).calls) {
+      for (const native_operation &call : translate_request(question, std::move(asked), mapping_, silent).calls) {
         std::string path = call.path();
         if (paths_.insert(path).second) {
           plan_.reads.push_back({std::move(path), &node});
@@ -119,16 +119,16 @@ void add_condition_reads(edit_plan &plan, const schema &modules, const plugin &m
   }
 }
 
-void refuse_silent_ends(const native_request &request, refusals &refused) {
-  silence_finder finder(request, refused);
+void refuse_silent_ends(const native_request &request, error_collector &errors) {
+  silence_finder finder(request, errors);
   for (const yfw_node_t *node : request.client.data) {
     finder.visit(*node);
   }
 }
 
-const yfw_node_t *whole_cause(const native_call &call) {
-  const lysc_node *schema = call.cause != nullptr ? extra(*call.cause).schema : nullptr;
-  return is_container(schema) || is_list(schema) ? call.cause : nullptr;
+const yfw_node_t *whole_source_node(const native_operation &call) {
+  const lysc_node *schema = call.source_node != nullptr ? extra(*call.source_node).schema : nullptr;
+  return is_container(schema) || is_list(schema) ? call.source_node : nullptr;
 }
 
 uint32_t operation_in_force(const yfw_node_t &node, uint32_t default_operation) {

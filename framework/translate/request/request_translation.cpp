@@ -5,10 +5,10 @@
 
 #include "call_recorder.hpp"
 #include "yfw/internal/context.hpp"
-#include "yfw/internal/handover.hpp"
+#include "yfw/internal/dispatch.hpp"
+#include "yfw/internal/error_collector.hpp"
 #include "yfw/internal/plan_internal.hpp"
 #include "yfw/internal/plugin_call.hpp"
-#include "yfw/internal/refusals.hpp"
 #include "yfw/native_request.hpp"
 #include "ymap_status.h"
 
@@ -39,20 +39,20 @@ std::string in_hex(uint32_t status) {
 class translation {
  public:
   translation(document &request, client_request client, const plugin &mapping, trace_log &log, bool is_checked,
-              refusals::habit habit = refusals::habit::throws)
+              error_collector::mode habit = error_collector::mode::fail_fast)
       : document_(request),
         mapping_(mapping),
         recorder_(request.modules()),
         context_(mapping.description(), log, recorder_, request_operation(client)),
-        refused_(request, habit),
-        nodes_(request, result_.client, is_checked, refused_) {
+        errors_(request, habit),
+        nodes_(request, result_.client, is_checked, errors_) {
     result_.client = std::move(client);
   }
 
   native_request run() {
-    handover_plan plan = handovers();
+    dispatch_plan plan = dispatches();
     result_.notes = std::move(plan.notes);
-    for (const handover &each : plan.handovers) {
+    for (const dispatch &each : plan.dispatches) {
       translate(each);
     }
     for (const yfw_node_t *leaf : nodes_.content_matches()) {
@@ -65,13 +65,13 @@ class translation {
     lookup_observer lookups;
     context_.observer = &lookups;
     native_request planned = run();
-    refuse_silent_ends(planned, refused_);
-    return {std::move(planned), refused_.take(), lookups.take()};
+    refuse_silent_ends(planned, errors_);
+    return {std::move(planned), errors_.take(), lookups.take()};
   }
 
   probe_outcome probe() {
     probe_outcome outcome;
-    for (const handover &each : handovers().handovers) {
+    for (const dispatch &each : dispatches().dispatches) {
       yfw_node_t *copy = copy_of(each, {});
       if (copy == nullptr || outcome.status != YMAP_OK) {
         continue;
@@ -90,22 +90,22 @@ class translation {
   }
 
  private:
-  handover_plan handovers() {
-    return plan_handovers(document_, result_.client, mapping_.description(), nodes_, refused_);
+  dispatch_plan dispatches() {
+    return plan_dispatch(document_, result_.client, mapping_.description(), nodes_, errors_);
   }
 
   // Ends a walk of `copy`: its calls go to the end of `calls`.
-  void take_calls(const handover &each, const yfw_node_t &copy, std::vector<native_call> &calls) {
+  void take_calls(const dispatch &each, const yfw_node_t &copy, std::vector<native_operation> &calls) {
     for (recorded_call &made : recorder_.recorded()) {
       made.call.operation = made.node.operation;
       // Defaults are made for the whole entry.
-      made.call.cause = each.defaults != nullptr ? each.node : node_at(copy, made.compared);
+      made.call.source_node = each.defaults != nullptr ? each.node : node_at(copy, made.compared);
       calls.push_back(std::move(made.call));
     }
     recorder_.clear();
   }
 
-  void translate(const handover &each) {
+  void translate(const dispatch &each) {
     std::set<const yfw_node_t *> left_out;
     for (;;) {
       yfw_node_t *copy = copy_of(each, left_out);
@@ -120,33 +120,33 @@ class translation {
       if (status == YMAP_OK) {
         continue;
       }
-      const yfw_node_t *culprit = node_at(*copy, context_.compared);
-      if (can_do_without(culprit, status) && left_out.insert(culprit).second) {
-        note(*culprit, "is not mapped: it has no native counterpart");
+      const yfw_node_t *source_node = node_at(*copy, context_.compared);
+      if (can_do_without(source_node, status) && left_out.insert(source_node).second) {
+        note(*source_node, "is not mapped: it has no native counterpart");
       } else {
-        refuse(each, culprit, reason(culprit, status), tag_of(status));
+        refuse(each, source_node, reason(source_node, status), tag_of(status));
       }
     }
   }
 
-  // Refuses the culprit or, when none is known, all that was handed over; the next walk goes without it.
-  void refuse(const handover &each, const yfw_node_t *culprit, const std::string &text, error_tag tag) {
-    const yfw_node_t *node = culprit != nullptr ? culprit : each.node;
-    if (node == nullptr || refused_.contains(*node)) {
-      throw rpc_error(place{document_.file(), 0, path(each.schema)}, text, tag);
+  // Rejects the source node or, when none is known, all that was handed over; the next walk goes without it.
+  void refuse(const dispatch &each, const yfw_node_t *source_node, const std::string &text, error_tag tag) {
+    const yfw_node_t *node = source_node != nullptr ? source_node : each.node;
+    if (node == nullptr || errors_.contains(*node)) {
+      throw client_error(place{document_.file(), 0, path(each.schema)}, text, tag);
     }
-    refused_.add(*node, text, tag);
+    errors_.add(*node, text, tag);
     if (!children(*node).empty()) {
       note(*node, "is set aside with all that is below it");
     }
   }
 
-  yfw_node_t *copy_of(const handover &each, const std::set<const yfw_node_t *> &left_out) {
-    return each.node != nullptr ? nodes_.copy(*each.node, each.inherited, left_out) : nodes_.made(each.schema);
+  yfw_node_t *copy_of(const dispatch &each, const std::set<const yfw_node_t *> &left_out) {
+    return each.node != nullptr ? nodes_.copy(*each.node, each.inherited, left_out) : nodes_.placeholder(each.schema);
   }
 
   // One walk of a fresh copy. The calls of an earlier one are forgotten.
-  uint32_t walk(const handover &each, yfw_node_t &copy) {
+  uint32_t walk(const dispatch &each, yfw_node_t &copy) {
     recorder_.clear();
     context_.reset();
     context_.hierarchy = each.ancestors;
@@ -158,20 +158,20 @@ class translation {
   }
 
   // A read does without leaves that are not mapped. An unnamed node, part of a whole container, stops no walk.
-  bool can_do_without(const yfw_node_t *culprit, uint32_t status) const {
-    return status == YMAP_NOT_MAPPED && result_.client.is_read() && culprit != nullptr;
+  bool can_do_without(const yfw_node_t *source_node, uint32_t status) const {
+    return status == YMAP_NOT_MAPPED && result_.client.is_read() && source_node != nullptr;
   }
 
   // A walk that succeeded may still not do what the client said: a value without native counterpart becomes a call
-  // without value, and a leaf may cause no call at all. False when something is refused.
-  bool is_in_order(const handover &each, const yfw_node_t &copy) {
+  // without value, and a leaf may cause no call at all. False when something is errors.
+  bool is_in_order(const dispatch &each, const yfw_node_t &copy) {
     if (each.node == nullptr || each.defaults != nullptr) {
       return true;
     }
     for (const recorded_call &made : recorder_.recorded()) {
       if (!result_.client.is_read() && made.value_lost) {
-        const yfw_node_t *culprit = node_at(copy, made.compared);
-        refuse(each, culprit, lost_value(each, copy, culprit, made), error_tag::invalid_value);
+        const yfw_node_t *source_node = node_at(copy, made.compared);
+        refuse(each, source_node, lost_value(each, copy, source_node, made), error_tag::invalid_value);
         return false;
       }
     }
@@ -179,16 +179,16 @@ class translation {
     for (const recorded_call &made : recorder_.recorded()) {
       causes.insert(node_at(copy, made.compared));
     }
-    const size_t refused_before = refused_.count();
+    const size_t errors_before = errors_.count();
     require_cause(copy, causes);
-    return refused_.count() == refused_before;
+    return errors_.count() == errors_before;
   }
 
   void require_cause(const yfw_node_t &copy, const std::set<const yfw_node_t *> &causes) {
-    const yfw_node_t *given = walk_tree::origin(copy);
+    const yfw_node_t *given = plugin_input::source_node(copy);
     const bool is_mute = is_value_leaf(copy) && given != nullptr && !causes.contains(given);
     if (is_mute && !result_.client.is_read()) {
-      refused_.add(*given, "is not mapped: it would cause no native edit", error_tag::operation_not_supported);
+      errors_.add(*given, "is not mapped: it would cause no native edit", error_tag::operation_not_supported);
     } else if (is_mute) {
       note(*given, "is not mapped: nothing is read for it");
     }
@@ -201,25 +201,25 @@ class translation {
     return is_leaf(extra(node).schema) || is_leaf_list(extra(node).schema);
   }
 
-  std::string lost_value(const handover &each, const yfw_node_t &copy, const yfw_node_t *culprit,
+  std::string lost_value(const dispatch &each, const yfw_node_t &copy, const yfw_node_t *source_node,
                          const recorded_call &made) {
-    if (culprit == nullptr || culprit->value == nullptr) {
+    if (source_node == nullptr || source_node->value == nullptr) {
       return "has no native counterpart: '" + made.call.path() + "' would be asked for or deleted instead";
     }
-    std::string text = quoted(culprit->value) + " has no native counterpart";
+    std::string text = in_quotes(source_node->value) + " has no native counterpart";
     const std::vector<std::string> mapped = mapped_values(each, *node_compared(copy, made.compared));
     for (size_t i = 0; i < mapped.size(); ++i) {
-      text += (i == 0 ? "; mapped are " : ", ") + yfw::quoted(mapped[i]);
+      text += (i == 0 ? "; mapped are " : ", ") + in_quotes(mapped[i]);
     }
     return text;
   }
 
   // Which values of a leaf the mapping takes, found out by trying each one alone.
-  std::vector<std::string> mapped_values(const handover &each, const yfw_node_t &leaf) {
+  std::vector<std::string> mapped_values(const dispatch &each, const yfw_node_t &leaf) {
     std::vector<std::string> mapped;
     for (const std::string &candidate : document_.modules().allowed_values(extra(leaf).schema)) {
       yfw_node_t *trial = copy_of(each, {});
-      yfw_node_t *place = find_origin(*trial, walk_tree::origin(leaf));
+      yfw_node_t *place = find_origin(*trial, plugin_input::source_node(leaf));
       if (place == nullptr) {
         break;
       }
@@ -237,7 +237,7 @@ class translation {
   }
 
   static yfw_node_t *find_origin(yfw_node_t &copy, const yfw_node_t *origin) {
-    if (walk_tree::origin(copy) == origin) {
+    if (plugin_input::source_node(copy) == origin) {
       return &copy;
     }
     for (yfw_node_t &below : children(copy)) {
@@ -251,13 +251,13 @@ class translation {
   // The client's node that the plug-in was at, or null.
   static const yfw_node_t *node_at(const yfw_node_t &copy, const compared_texts &compared) {
     const yfw_node_t *found = node_compared(copy, compared);
-    return found != nullptr ? walk_tree::origin(*found) : nullptr;
+    return found != nullptr ? plugin_input::source_node(*found) : nullptr;
   }
 
-  std::string reason(const yfw_node_t *culprit, uint32_t status) const {
+  std::string reason(const yfw_node_t *source_node, uint32_t status) const {
     if (context_.record.error_tag != nullptr &&
-        (culprit == nullptr || culprit->tag != std::string_view(context_.record.error_tag))) {
-      return quoted(context_.record.error_tag) + " is not mapped";
+        (source_node == nullptr || source_node->tag != std::string_view(context_.record.error_tag))) {
+      return in_quotes(context_.record.error_tag) + " is not mapped";
     }
     if (context_.record.error_tag != nullptr) {
       return "is not mapped";
@@ -289,8 +289,8 @@ class translation {
   native_request result_;
   call_recorder recorder_;
   context context_;
-  refusals refused_;
-  walk_tree nodes_;
+  error_collector errors_;
+  plugin_input nodes_;
 };
 
 }  // namespace
@@ -304,7 +304,8 @@ edit_plan plan_request(document &request, client_request client, const plugin &m
     throw error(place{request.file(), 0, {}},
                 "is no edit, which alone can be planned; 'ymap request' translates reads");
   }
-  edit_plan result = translation(request, std::move(client), mapping, log, true, refusals::habit::collects).plan();
+  edit_plan result =
+      translation(request, std::move(client), mapping, log, true, error_collector::mode::collect_all).plan();
   add_condition_reads(result, request.modules(), mapping);
   return result;
 }

@@ -48,14 +48,14 @@ enum class error_tag {
 };
 
 // "data-exists"
-std::string_view word(error_tag tag);
+std::string_view to_string(error_tag tag);
 
-// A fault in what a client asks for, or in carrying it out: an rpc-error in all but dress. The place's path is of the
+// A fault in what a client asks for, or in carrying it out: an rpc-error in all but form. The place's path is of the
 // client's model, where the fault has one.
-class rpc_error : public error {
+class client_error : public error {
  public:
   // `bad_element` is the name that the tag is about; empty: the last one of the path.
-  rpc_error(place where, const std::string &text, error_tag tag, std::string bad_element = {});
+  client_error(place where, const std::string &text, error_tag tag, std::string bad_element = {});
 
   error_tag tag() const noexcept {
     return tag_;
@@ -72,7 +72,7 @@ class rpc_error : public error {
 
 // `text` in single quotes, shortened to about its first 80 bytes and with control characters replaced by '?', fit for a
 // message of one line. With a std::string it is called as yfw::quoted, since std::quoted would be found as well.
-std::string quoted(std::string_view text);
+std::string in_quotes(std::string_view text);
 
 // `text` fit for a message of one line: with control characters replaced by '?', and without the middle of a long one.
 std::string one_line(std::string_view text);

@@ -33,7 +33,7 @@ class capture_session {
 };
 
 // Something that a plug-in did: a framework call, a write to a node or record, its return.
-struct plugin_act {
+struct plugin_event {
   std::string text;  // as a capture has it, on one line
   unsigned line;     // in the capture, or 0
 };
@@ -49,7 +49,7 @@ class capture {
   const std::string &function() const;
 
   // What the plug-in did when the capture was taken. Without a return at the end if it did not return.
-  const std::vector<plugin_act> &acts() const;
+  const std::vector<plugin_event> &events() const;
   bool has_returned() const;
 
   struct parts;  // of the replay
@@ -65,16 +65,17 @@ class capture {
 // What the plug-in does with the input of the capture. A framework call has the answer that the capture holds for the
 // same call with the same arguments; one that it does not hold fails if something was to be found, and else does
 // nothing. Throws `error` when the library has no such function.
-std::vector<plugin_act> replay(const capture &recorded, const plugin &mapping);
+std::vector<plugin_event> replay(const capture &recorded, const plugin &mapping);
 
 // Where two runs part. Without `expected` or `actual`: one ends before the other.
-struct parting {
-  std::optional<plugin_act> expected;
-  std::optional<plugin_act> actual;
+struct difference {
+  std::optional<plugin_event> expected;
+  std::optional<plugin_event> actual;
 
   // Names of the arguments in which two calls of the same function differ.
   std::vector<std::string> differing_arguments() const;
 };
-std::optional<parting> first_parting(const std::vector<plugin_act> &expected, const std::vector<plugin_act> &actual);
+std::optional<difference> first_difference(const std::vector<plugin_event> &expected,
+                                           const std::vector<plugin_event> &actual);
 
 }  // namespace yfw

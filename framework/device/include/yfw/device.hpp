@@ -35,7 +35,7 @@ class device {
   // The reply to the read calls: what they name, nothing else. A list entry that a call leads to comes with its keys,
   // also when it has none of the leaves that are asked for, as the nodes that a subtree filter matches by content do
   // (RFC 6241, section 6.2.5). A step without keys leads to all entries. Other calls are passed over.
-  data_tree select(std::span<const native_call> calls) const;
+  data_tree select(std::span<const native_operation> calls) const;
 
   // Nothing but the data, in the format that was read, and for XML within the same elements. Comments and layout are
   // not kept. Throws `error` when something that was read could not be written as it was: unknown data in JSON, whose
@@ -77,9 +77,9 @@ class device_edit {
 
   // Carries out a set or delete as RFC 6241, section 7.2, tells. List entries and containers on the way to a value are
   // made; of what a delete leaves, containers without content go, while a list entry stays, which exists by its keys. A
-  // delete makes nothing. Throws `rpc_error`, without a place and with the native path in its text, for `create` of
+  // delete makes nothing. Throws `client_error`, without a place and with the native path in its text, for `create` of
   // what is there, `delete` of what is not, operational data, keys, and values that the native model does not have.
-  void apply(const native_call &call);
+  void apply(const native_operation &call);
 
   // The net effect, in the order in which nodes were first touched.
   std::vector<device_change> changes() const;
@@ -90,13 +90,13 @@ class device_edit {
   }
 
  private:
-  void set(const native_call &call);
-  void set_leaf(std::vector<native_node> &level, const native_call &call);
-  native_node &reached(std::vector<native_node> &level, const native_call &call, size_t step);
-  native_node *find(std::vector<native_node> &level, const native_call &call, size_t step);
-  void drop_other_cases(std::vector<native_node> &level, const native_call &call, size_t step);
-  bool remove(std::vector<native_node> &level, const native_call &call, size_t step);
-  void forget_places(const native_call &call, size_t step);
+  void set(const native_operation &call);
+  void set_leaf(std::vector<native_node> &level, const native_operation &call);
+  native_node &reached(std::vector<native_node> &level, const native_operation &call, size_t step);
+  native_node *find(std::vector<native_node> &level, const native_operation &call, size_t step);
+  void drop_other_cases(std::vector<native_node> &level, const native_operation &call, size_t step);
+  bool remove(std::vector<native_node> &level, const native_operation &call, size_t step);
+  void forget_places(const native_operation &call, size_t step);
   void note_removal(const native_node &node, const std::string &path);
   void note(const std::string &path, std::optional<std::string> before, std::optional<std::string> after);
 

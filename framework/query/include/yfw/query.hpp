@@ -49,16 +49,16 @@ struct read_xpath {
 };
 
 // Names may stand without prefix, or with the name or prefix of a module. '//' at the top finds nodes of the client's
-// model only, and a name that several modules have there means the one of that model. Throws `rpc_error` for names that
-// the modules do not have, and for axes and variables.
+// model only, and a name that several modules have there means the one of that model. Throws `client_error` for names
+// that the modules do not have, and for axes and variables.
 read_xpath read_expression(std::string_view xpath, const schema &modules, const client_node_test &is_clients = {});
 
 // The data node of a path like /library/book[title='Emma']/price, with all keys; names as for `read_expression`. Throws
-// `rpc_error` when it is none.
+// `client_error` when it is none.
 std::vector<path_step> read_instance_path(std::string_view path, const schema &modules,
                                           const client_node_test &is_clients = {});
 
-// The nodes of a tree that an expression selects. Throws `rpc_error` with libyang's message when it is wrong.
+// The nodes of a tree that an expression selects. Throws `client_error` with libyang's message when it is wrong.
 std::vector<const data_node *> selected_nodes(const data_tree &data, const std::string &qualified_xpath);
 
 }  // namespace yfw

@@ -21,7 +21,7 @@ struct edit_outcome {
   std::vector<std::string> notes;  // one line each
 };
 
-// Works for clients through one plug-in. All errors that a client causes or can do something about are `rpc_error`s,
+// Works for clients through one plug-in. All errors that a client causes or can do something about are `client_error`s,
 // with the place in the request.
 class engine {
  public:
@@ -39,7 +39,7 @@ class engine {
 
   // Carries out an edit, whole or not at all, and tells what it does to the device; with test-option "test-only" that
   // is all. `create` and `delete` fail by what the client would read (RFC 6241, section 7.2), never by what the mapping
-  // makes of them. error-option "continue-on-error" is refused.
+  // makes of them. error-option "continue-on-error" is errors.
   edit_outcome edit(device &native, document &request, const client_request &client) const;
 
   // One operation, YFW_OPERATION_…, on one node of the client's model: with a value that of a leaf is written.

@@ -16,7 +16,7 @@ namespace yfw {
 client_request read_client_request(document &request, std::optional<client_operation> bare_operation);
 
 // The error as `rpc-error` in an `rpc-reply` (RFC 6241, section 4.3), or in JSON as `errors` of RFC 8040, section 7.1.
-void write_rpc_error(std::ostream &out, const error &fault, const schema &modules, const manifest &description,
-                     data_format format);
+void write_error_reply(std::ostream &out, const error &fault, const schema &modules, const manifest &description,
+                       data_format format);
 
 }  // namespace yfw

@@ -9,7 +9,7 @@
 
 namespace yfw {
 
-class spool {
+class temporary_file {
  public:
   // Throws `error` when the file cannot be made or written.
   void append(std::string_view text);

@@ -29,14 +29,14 @@ enum class mapping_state {
 };
 
 // The words that reports use: "get-config", "delete"; "mapped-to-several".
-std::string_view word(leaf_operation operation);
-std::string_view word(mapping_state state);
+std::string_view to_string(leaf_operation operation);
+std::string_view to_string(mapping_state state);
 
 // What a probe caused: a native read, set or delete of a request; a leaf of the high model that a reply reports or,
 // since the native leaf is there, no longer reports.
 enum class effect_kind { read, set, remove, report, withdraw };
 
-std::string_view word(effect_kind kind);
+std::string_view to_string(effect_kind kind);
 
 struct probe_effect {
   effect_kind kind;

@@ -18,7 +18,7 @@ namespace yfw {
 enum class function_role { walker, generated, by_hand, no_op, helper };
 
 // The words of reports: "hand-written", "no-op".
-std::string_view word(function_role role);
+std::string_view to_string(function_role role);
 
 // A function that was called.
 struct traced_function {
@@ -55,7 +55,7 @@ struct explained_request {
   std::string_view operation;                // "get", "set", "delete"
   std::optional<std::string> value;          // that is set
   std::vector<traced_function> walk;         // empty when the request is refused before the plug-in sees it
-  std::vector<native_call> calls;            // without causes
+  std::vector<native_operation> calls;       // without causes
   std::string refusal;                       // empty when it is carried out
   std::string answer;                        // of a refused one: what the plug-in answered, status first
   std::vector<std::string> reported_by;      // of a read that names no native leaf: those that replies report it of

@@ -20,7 +20,7 @@ inline constexpr law all_laws[] = {law::set_get, law::delete_get, law::absent_ge
                                    law::read_answered};
 
 // "set-get"
-std::string_view word(law which);
+std::string_view to_string(law which);
 
 // A law that does not hold for a leaf with a value.
 struct broken_law {

@@ -11,7 +11,7 @@
 namespace yfw {
 
 // "report-defaults"
-std::string_view word(call_form form);
+std::string_view to_string(call_form form);
 
 // Calls `function`, with the context's output root as output, and returns its status. `node` is null for
 // `report_defaults`. An installed `call_tap` sees the call.

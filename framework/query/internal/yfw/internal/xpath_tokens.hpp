@@ -31,7 +31,7 @@ struct xpath_token {
   std::string prefix = {};
 };
 
-// The words, ended by one of kind `end`. Throws `rpc_error` for what is none, for axes, attributes and variables.
+// The words, ended by one of kind `end`. Throws `client_error` for what is none, for axes, attributes and variables.
 std::vector<xpath_token> xpath_tokens(std::string_view text);
 
 }  // namespace yfw

@@ -19,8 +19,8 @@ namespace yfw {
 
 struct native_request {
   client_request client;
-  std::vector<native_call> calls;  // in the order in which the plug-in made them
-  std::vector<std::string> notes;  // what is not done and why, one line each, place first
+  std::vector<native_operation> calls;  // in the order in which the plug-in made them
+  std::vector<std::string> notes;       // what is not done and why, one line each, place first
 };
 
 // Lets the plug-in translate a request. A leaf of a read that has no native counterpart is left out with a note, the
@@ -33,7 +33,7 @@ struct probe_outcome {
   uint32_t status = 0;                // what the entry point returned; the first one that is not 0
   std::string error_tag;              // the tag that it rejected, or empty
   std::vector<std::string> problems;  // texts of the error points that were reached
-  std::vector<native_call> calls;
+  std::vector<native_operation> calls;
   bool value_lost = false;  // a call of a write carries neither a value nor a delete
 };
 

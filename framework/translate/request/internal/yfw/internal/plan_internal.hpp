@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "yfw/internal/abi_call.hpp"
-#include "yfw/internal/refusals.hpp"
+#include "yfw/internal/error_collector.hpp"
 #include "yfw/plan.hpp"
 
 namespace yfw {
@@ -29,6 +29,6 @@ class lookup_observer : public call_observer {
 void add_condition_reads(edit_plan &plan, const schema &modules, const plugin &mapping);
 
 // Refuses the ends of the client's tree that no call was made for.
-void refuse_silent_ends(const native_request &request, refusals &refused);
+void refuse_silent_ends(const native_request &request, error_collector &errors);
 
 }  // namespace yfw

@@ -9,7 +9,7 @@
 
 #include "yfw/client_request.hpp"
 #include "yfw/document.hpp"
-#include "yfw/internal/refusals.hpp"
+#include "yfw/internal/error_collector.hpp"
 #include "yfw/node.hpp"
 
 namespace yfw {
@@ -18,11 +18,11 @@ namespace yfw {
 inline constexpr std::string_view note_of_content_match =
     "selects by value, which the native request does not: more is read than asked for";
 
-class walk_tree {
+class plugin_input {
  public:
   // With `is_checked` false, values and what may be edited are not looked at: the plug-in gets what is given.
-  walk_tree(const document &request, const client_request &client, bool is_checked, refusals &refused)
-      : document_(request), client_(client), is_checked_(is_checked), refused_(refused) {}
+  plugin_input(const document &request, const client_request &client, bool is_checked, error_collector &errors)
+      : document_(request), client_(client), is_checked_(is_checked), errors_(errors) {}
 
   // A copy of `from` and what is below it. For reads, leaves lose their values, and a container in which values are all
   // that is given is asked for as a whole. For writes, operations are inherited (RFC 6241, section 7.2) from
@@ -32,10 +32,10 @@ class walk_tree {
   yfw_node_t *copy(const yfw_node_t &from, uint32_t inherited, const std::set<const yfw_node_t *> &left_out);
 
   // A node without children that stands for no node of the client, or for a list entry of which no key is known.
-  yfw_node_t *made(const lysc_node *schema);
+  yfw_node_t *placeholder(const lysc_node *schema);
 
   // The client's node that a copy stands for, or null.
-  static const yfw_node_t *origin(const yfw_node_t &copy) {
+  static const yfw_node_t *source_node(const yfw_node_t &copy) {
     return static_cast<const yfw_node_t *>(extra(copy).source);
   }
 
@@ -54,20 +54,20 @@ class walk_tree {
   const document &document_;
   const client_request &client_;
   const bool is_checked_;
-  refusals &refused_;
+  error_collector &errors_;
   node_arena arena_;
   std::set<const yfw_node_t *> left_out_;
   std::set<const yfw_node_t *> content_matches_;
 };
 
 // Whether the modules have such a node there, and it is what they say. Refuses it if not, and says which name is near.
-bool is_known_node(const document &request, const yfw_node_t &node, refusals &refused);
+bool is_known_node(const document &request, const yfw_node_t &node, error_collector &errors);
 
 // What becomes of an entry is said on the entry, not on its key.
-void refuse_operation_on_key(const yfw_node_t &key, refusals &refused);
+void refuse_operation_on_key(const yfw_node_t &key, error_collector &errors);
 
 // Refuses siblings that are the same node as one before them: RFC 7950, section 7.6 ff., allows one each.
-void refuse_repeated(const std::vector<const yfw_node_t *> &siblings, refusals &refused);
-void refuse_repeated_children(const yfw_node_t &parent, refusals &refused);
+void refuse_repeated(const std::vector<const yfw_node_t *> &siblings, error_collector &errors);
+void refuse_repeated_children(const yfw_node_t &parent, error_collector &errors);
 
 }  // namespace yfw

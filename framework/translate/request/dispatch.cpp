@@ -1,4 +1,4 @@
-#include "yfw/internal/handover.hpp"
+#include "yfw/internal/dispatch.hpp"
 
 #include <algorithm>
 
@@ -16,19 +16,19 @@ std::string path_or_top(const lysc_node *node) {
 
 class planner {
  public:
-  planner(document &request, const client_request &client, const manifest &description, walk_tree &nodes,
-          refusals &refused)
-      : document_(request), client_(client), manifest_(description), nodes_(nodes), refused_(refused) {}
+  planner(document &request, const client_request &client, const manifest &description, plugin_input &nodes,
+          error_collector &errors)
+      : document_(request), client_(client), manifest_(description), nodes_(nodes), errors_(errors) {}
 
-  handover_plan plan() {
+  dispatch_plan plan() {
     if (client_.everything) {
       read_below(nullptr, "everything");
     }
     if (!client_.is_read()) {
-      refuse_repeated({client_.data.begin(), client_.data.end()}, refused_);
+      refuse_repeated({client_.data.begin(), client_.data.end()}, errors_);
     }
     for (yfw_node_t *node : client_.data) {
-      if (!refused_.contains(*node) && is_known_node(document_, *node, refused_)) {
+      if (!errors_.contains(*node) && is_known_node(document_, *node, errors_)) {
         place_node(*node, nullptr, client_.default_operation);
       }
     }
@@ -44,18 +44,18 @@ class planner {
     } else if (leads_to_entry(schema)) {
       enter(node, schema, inherited);
     } else {
-      nobody_serves(node);
+      report_unmapped(node);
     }
   }
 
   void enter(yfw_node_t &node, const lysc_node *schema, uint32_t inherited) {
     const uint32_t operation = operation_above_entry(node, inherited);
-    if (refused_.contains(node)) {
+    if (errors_.contains(node)) {
       return;
     }
     yfw_node_t *const outer_key = key_;
     if (!client_.is_read()) {
-      refuse_repeated_children(node, refused_);
+      refuse_repeated_children(node, errors_);
     }
     if (is_list(schema)) {
       key_ = check_keys(node, schema);
@@ -66,7 +66,7 @@ class planner {
     }
     size_t selections = 0;
     for (yfw_node_t &below : children(node)) {
-      if (refused_.contains(below) || !is_known_node(document_, below, refused_)) {
+      if (errors_.contains(below) || !is_known_node(document_, below, errors_)) {
         continue;
       }
       if (!is_key(extra(below).schema)) {
@@ -92,7 +92,7 @@ class planner {
         add({ancestors_, key_, nullptr, below, YFW_OPERATION_MERGE, entry, nullptr});
         found = true;
       } else if (leads_to_entry(below)) {
-        ancestors_.push_back(nodes_.made(below));
+        ancestors_.push_back(nodes_.placeholder(below));
         read_below(below, asked);
         ancestors_.pop_back();
         found = true;
@@ -114,10 +114,10 @@ class planner {
                            std::find(std::begin(tolerated_above_entry), std::end(tolerated_above_entry), operation) !=
                                std::end(tolerated_above_entry);
     if (!tolerated || (operation == YFW_OPERATION_CREATE && !is_list(extra(node).schema))) {
-      refused_.add(node,
-                   "no plug-in can carry out operation " + quoted(operation_word(operation)) +
-                       " on it; give the operation on a mapped node below it",
-                   error_tag::operation_not_supported);
+      errors_.add(node,
+                  "no plug-in can carry out operation " + in_quotes(operation_word(operation)) +
+                      " on it; give the operation on a mapped node below it",
+                  error_tag::operation_not_supported);
     }
     return operation;
   }
@@ -127,15 +127,15 @@ class planner {
     for (const std::string_view name : keys(list)) {
       yfw_node_t *key = child(entry, name);
       if (!client_.is_read() && (key == nullptr || key->value == nullptr)) {
-        refused_.add(entry, "has no key " + quoted(name) + ", which an edit needs", error_tag::missing_element,
-                     std::string(name));
+        errors_.add(entry, "has no key " + in_quotes(name) + ", which an edit needs", error_tag::missing_element,
+                    std::string(name));
       }
       if (key != nullptr && !client_.is_read()) {
-        refuse_operation_on_key(*key, refused_);
+        refuse_operation_on_key(*key, errors_);
       }
       if (key != nullptr && key->value != nullptr) {
         if (const checked_value checked = document_.check(*key); !checked.ok) {
-          refused_.add(*key, checked.why, error_tag::invalid_value);
+          errors_.add(*key, checked.why, error_tag::invalid_value);
         }
         first = first == nullptr ? key : first;
       }
@@ -151,13 +151,13 @@ class planner {
     }
   }
 
-  void nobody_serves(const yfw_node_t &node) {
+  void report_unmapped(const yfw_node_t &node) {
     if (!client_.is_read()) {
-      refused_.add(node, "is not mapped: no plug-in serves " + quoted(module_name(extra(node).schema)) + " there",
-                   error_tag::operation_not_supported);
+      errors_.add(node, "is not mapped: no plug-in serves " + in_quotes(module_name(extra(node).schema)) + " there",
+                  error_tag::operation_not_supported);
       return;
     }
-    note(node, "is not mapped: no plug-in serves " + quoted(module_name(extra(node).schema)) + " there");
+    note(node, "is not mapped: no plug-in serves " + in_quotes(module_name(extra(node).schema)) + " there");
   }
 
   const entry_point *entry_for(const lysc_node *above, std::string_view served_module) const {
@@ -178,25 +178,25 @@ class planner {
     plan_.notes.push_back(error(document_.where(node), text).what());
   }
 
-  void add(handover added) {
-    plan_.handovers.push_back(std::move(added));
+  void add(dispatch added) {
+    plan_.dispatches.push_back(std::move(added));
   }
 
   document &document_;
   const client_request &client_;
   const manifest &manifest_;
-  walk_tree &nodes_;
-  refusals &refused_;
-  handover_plan plan_;
+  plugin_input &nodes_;
+  error_collector &errors_;
+  dispatch_plan plan_;
   std::vector<yfw_node_t *> ancestors_;
   yfw_node_t *key_ = nullptr;
 };
 
 }  // namespace
 
-handover_plan plan_handovers(document &request, const client_request &client, const manifest &description,
-                             walk_tree &nodes, refusals &refused) {
-  return planner(request, client, description, nodes, refused).plan();
+dispatch_plan plan_dispatch(document &request, const client_request &client, const manifest &description,
+                            plugin_input &nodes, error_collector &errors) {
+  return planner(request, client, description, nodes, errors).plan();
 }
 
 }  // namespace yfw

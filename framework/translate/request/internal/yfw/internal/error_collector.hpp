@@ -12,13 +12,13 @@ namespace yfw {
 
 // Either the first problem ends the work, or all of them are collected: a node that has one is then set aside, and the
 // work goes on without it.
-class refusals {
+class error_collector {
  public:
-  enum class habit { throws, collects };
+  enum class mode { fail_fast, collect_all };
 
-  refusals(const document &request, habit what) : document_(request), habit_(what) {}
+  error_collector(const document &request, mode what) : document_(request), mode_(what) {}
 
-  // Throws the problem as `rpc_error`, or keeps it. Of one node only the first is kept.
+  // Throws the problem as `client_error`, or keeps it. Of one node only the first is kept.
   void add(const yfw_node_t &node, const std::string &text, error_tag tag, std::string bad_element = {});
 
   // Whether the node is set aside.
@@ -30,13 +30,13 @@ class refusals {
   }
 
   // All that were kept, in the order of the document.
-  std::vector<rpc_error> take();
+  std::vector<client_error> take();
 
  private:
   const document &document_;
-  const habit habit_;
+  const mode mode_;
   std::set<const yfw_node_t *> nodes_;
-  std::vector<std::pair<uint32_t, rpc_error>> kept_;  // behind the node's place in the text
+  std::vector<std::pair<uint32_t, client_error>> kept_;  // behind the node's place in the text
 };
 
 }  // namespace yfw

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "yfw/internal/walk_tree.hpp"
+#include "yfw/internal/plugin_input.hpp"
 #include "yfw/plugin.hpp"
 
 namespace yfw {
@@ -13,7 +13,7 @@ namespace yfw {
 inline constexpr std::string_view note_of_key = "is a key: it comes with whatever else is read";
 
 // A node for an entry point, or, with `defaults`, a list entry that is created.
-struct handover {
+struct dispatch {
   std::vector<yfw_node_t *> ancestors;  // open above it, outermost first
   yfw_node_t *key = nullptr;            // first key leaf of the innermost list entry above, or null
   const yfw_node_t *node = nullptr;     // the client's; null: the whole of `schema` is read
@@ -23,15 +23,15 @@ struct handover {
   const default_function *defaults = nullptr;
 };
 
-struct handover_plan {
-  std::vector<handover> handovers;
+struct dispatch_plan {
+  std::vector<dispatch> dispatches;
   std::vector<std::string> notes;
 };
 
 // Finds the entry points for all that the request names; for a read that ends above an entry point, for all that is
 // below. In a read, what no entry point serves becomes a note. Refuses unknown data, and in a write whatever no entry
 // point serves and operations on nodes above the entry points, which no plug-in could carry out.
-handover_plan plan_handovers(document &request, const client_request &client, const manifest &description,
-                             walk_tree &nodes, refusals &refused);
+dispatch_plan plan_dispatch(document &request, const client_request &client, const manifest &description,
+                            plugin_input &nodes, error_collector &errors);
 
 }  // namespace yfw

@@ -1,4 +1,4 @@
-#include "yfw/internal/walk_tree.hpp"
+#include "yfw/internal/plugin_input.hpp"
 
 #include <algorithm>
 
@@ -42,11 +42,11 @@ std::string identity(const yfw_node_t &node) {
   return text;
 }
 
-bool is_fit_for_its_kind(const yfw_node_t &node, refusals &refused) {
+bool is_fit_for_its_kind(const yfw_node_t &node, error_collector &errors) {
   const lysc_node *schema = extra(node).schema;
   const bool is_inner = is_container(schema) || is_list(schema);
   if (is_inner && node.value != nullptr && !is_blank(std::string_view(node.value))) {
-    refused.add(node, "is no leaf and holds no text like " + quoted(node.value), error_tag::bad_element);
+    errors.add(node, "is no leaf and holds no text like " + in_quotes(node.value), error_tag::bad_element);
     return false;
   }
   return true;
@@ -54,15 +54,15 @@ bool is_fit_for_its_kind(const yfw_node_t &node, refusals &refused) {
 
 }  // namespace
 
-bool is_known_node(const document &request, const yfw_node_t &node, refusals &refused) {
+bool is_known_node(const document &request, const yfw_node_t &node, error_collector &errors) {
   if (extra(node).schema != nullptr) {
-    return is_fit_for_its_kind(node, refused);
+    return is_fit_for_its_kind(node, errors);
   }
   const yfw_node_t *above = extra(node).parent;
   const bool is_top = above == nullptr || is_envelope(*above);
   const lysc_node *holder = is_top ? nullptr : extra(*above).schema;
-  std::string text = quoted(node.tag) + " of namespace " + quoted(node.ns);
-  text += is_top ? " is not a top-level node of the modules" : " is not a child of " + yfw::quoted(path(holder));
+  std::string text = in_quotes(node.tag) + " of namespace " + in_quotes(node.ns);
+  text += is_top ? " is not a top-level node of the modules" : " is not a child of " + in_quotes(path(holder));
   std::vector<std::string_view> names;
   for (const lysc_node *known : request.modules().children(holder)) {
     names.push_back(name(known));
@@ -70,45 +70,46 @@ bool is_known_node(const document &request, const yfw_node_t &node, refusals &re
   if (const std::string_view near = closest(names, node.tag); near == node.tag) {
     text += "; that name has another namespace there";
   } else if (!near.empty()) {
-    text += "; did you mean " + quoted(near) + "?";
+    text += "; did you mean " + in_quotes(near) + "?";
   }
   const bool is_known_module = !request.modules().module_of_ns(node.ns).empty();
-  refused.add(node, text, is_known_module ? error_tag::unknown_element : error_tag::unknown_namespace);
+  errors.add(node, text, is_known_module ? error_tag::unknown_element : error_tag::unknown_namespace);
   return false;
 }
 
-void refuse_operation_on_key(const yfw_node_t &key, refusals &refused) {
+void refuse_operation_on_key(const yfw_node_t &key, error_collector &errors) {
   const uint8_t given = extra(key).given_operation;
   if (deletes(given) || given == YFW_OPERATION_CREATE) {
-    refused.add(key, "is a key; operation " + quoted(operation_word(given)) + " is given on its list entry",
-                error_tag::bad_element);
+    errors.add(key, "is a key; operation " + in_quotes(operation_word(given)) + " is given on its list entry",
+               error_tag::bad_element);
   }
 }
 
-void refuse_repeated(const std::vector<const yfw_node_t *> &siblings, refusals &refused) {
+void refuse_repeated(const std::vector<const yfw_node_t *> &siblings, error_collector &errors) {
   std::set<std::string> seen;
   for (const yfw_node_t *node : siblings) {
     if (!seen.insert(identity(*node)).second) {
-      refused.add(*node, quoted(node->tag) + " appears twice", error_tag::bad_element);
+      errors.add(*node, in_quotes(node->tag) + " appears twice", error_tag::bad_element);
     }
   }
 }
 
-void refuse_repeated_children(const yfw_node_t &parent, refusals &refused) {
+void refuse_repeated_children(const yfw_node_t &parent, error_collector &errors) {
   std::vector<const yfw_node_t *> siblings;
   for (const yfw_node_t &node : children(parent)) {
     siblings.push_back(&node);
   }
-  refuse_repeated(siblings, refused);
+  refuse_repeated(siblings, errors);
 }
 
-yfw_node_t *walk_tree::copy(const yfw_node_t &from, uint32_t inherited, const std::set<const yfw_node_t *> &left_out) {
+yfw_node_t *plugin_input::copy(const yfw_node_t &from, uint32_t inherited,
+                               const std::set<const yfw_node_t *> &left_out) {
   left_out_ = left_out;
   yfw_node_t *to = arena_.nodes(1);
   return fill(*to, from, inherited) ? to : nullptr;
 }
 
-yfw_node_t *walk_tree::made(const lysc_node *schema) {
+yfw_node_t *plugin_input::placeholder(const lysc_node *schema) {
   yfw_node_t *node = arena_.nodes(1);
   node->tag = arena_.text(name(schema));
   node->ns = ns(schema).data();
@@ -116,8 +117,8 @@ yfw_node_t *walk_tree::made(const lysc_node *schema) {
   return node;
 }
 
-bool walk_tree::fill(yfw_node_t &to, const yfw_node_t &from, uint32_t inherited) {
-  if (left_out_.contains(&from) || refused_.contains(from) || !is_known_node(document_, from, refused_) ||
+bool plugin_input::fill(yfw_node_t &to, const yfw_node_t &from, uint32_t inherited) {
+  if (left_out_.contains(&from) || errors_.contains(from) || !is_known_node(document_, from, errors_) ||
       !is_readable(from)) {
     return false;
   }
@@ -130,12 +131,12 @@ bool walk_tree::fill(yfw_node_t &to, const yfw_node_t &from, uint32_t inherited)
   return is_value_leaf(from) ? fill_leaf(to, from, operation) : fill_children(to, from, operation);
 }
 
-bool walk_tree::fill_leaf(yfw_node_t &to, const yfw_node_t &from, uint32_t operation) {
+bool plugin_input::fill_leaf(yfw_node_t &to, const yfw_node_t &from, uint32_t operation) {
   if (client_.is_read()) {
     return true;
   }
   if (is_checked_ && is_key(extra(from).schema)) {
-    refuse_operation_on_key(from, refused_);
+    refuse_operation_on_key(from, errors_);
   }
   if (deletes(operation) || operation == no_operation) {
     return operation != no_operation;
@@ -146,14 +147,14 @@ bool walk_tree::fill_leaf(yfw_node_t &to, const yfw_node_t &from, uint32_t opera
   }
   const checked_value checked = document_.check(from);
   if (!checked.ok) {
-    refused_.add(from, checked.why, error_tag::invalid_value);
+    errors_.add(from, checked.why, error_tag::invalid_value);
     return false;
   }
   to.value = arena_.text(checked.canonical);
   return true;
 }
 
-bool walk_tree::fill_children(yfw_node_t &to, const yfw_node_t &from, uint32_t operation) {
+bool plugin_input::fill_children(yfw_node_t &to, const yfw_node_t &from, uint32_t operation) {
   const auto given = children(from);
   if (given.empty()) {
     return client_.is_read() || operation != no_operation;
@@ -163,7 +164,7 @@ bool walk_tree::fill_children(yfw_node_t &to, const yfw_node_t &from, uint32_t o
     return true;  // whatever is given below goes with it
   }
   if (!client_.is_read()) {
-    refuse_repeated_children(from, refused_);
+    refuse_repeated_children(from, errors_);
   }
   const bool only_values = client_.is_read() && std::all_of(given.begin(), given.end(), [](const yfw_node_t &node) {
                              return is_value_leaf(node) && node.value != nullptr;
@@ -187,29 +188,29 @@ bool walk_tree::fill_children(yfw_node_t &to, const yfw_node_t &from, uint32_t o
 }
 
 // What stands below a deleted node says nothing more, so it may not seem to.
-void walk_tree::check_deleted(const yfw_node_t &deleted) {
+void plugin_input::check_deleted(const yfw_node_t &deleted) {
   for (const yfw_node_t &below : children(deleted)) {
     const uint8_t given = extra(below).given_operation;
-    if (!is_known_node(document_, below, refused_)) {
+    if (!is_known_node(document_, below, errors_)) {
       continue;
     }
     if (given != no_operation && !deletes(given)) {
-      refused_.add(below, "operation " + quoted(operation_word(given)) + " stands inside what is deleted",
-                   error_tag::bad_element);
+      errors_.add(below, "operation " + in_quotes(operation_word(given)) + " stands inside what is deleted",
+                  error_tag::bad_element);
     }
     check_deleted(below);
   }
 }
 
-bool walk_tree::is_readable(const yfw_node_t &node) {
+bool plugin_input::is_readable(const yfw_node_t &node) {
   const lysc_node *schema = extra(node).schema;
   if (!is_checked_ || is_config(schema) || client_.operation == client_operation::get) {
     return true;
   }
-  refused_.add(node,
-               client_.is_read() ? "is operational state, which 'get-config' does not read; use 'get'"
-                                 : "is operational state, which cannot be edited",
-               client_.is_read() ? error_tag::bad_element : error_tag::operation_not_supported);
+  errors_.add(node,
+              client_.is_read() ? "is operational state, which 'get-config' does not read; use 'get'"
+                                : "is operational state, which cannot be edited",
+              client_.is_read() ? error_tag::bad_element : error_tag::operation_not_supported);
   return false;
 }
 
