@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 #include <random>
+#include <set>
 #include <sstream>
 
 #include "capture_anonymiser.hpp"
@@ -180,11 +181,11 @@ struct AnonymousRow {
 
 class Anonymous : public testing::TestWithParam<AnonymousRow> {};
 
-// With the keys of the library below: "Emma" and "10.1.0.7".
+// With the keys of the library below: "Emma", "10.1.0.7" and "Emma II".
 TEST_P(Anonymous, KeepsTheForm) {
   yfw::document document = yfw::document::read(
       "<library xmlns='urn:test:library'><book><title>Emma</title></book><book><title>10.1.0.7</title></book>"
-      "<book><title>42</title></book></library>",
+      "<book><title>42</title></book><book><title>Emma II</title></book></library>",
       "keys", library());
   yfw::anonymiser names;
   for (const yfw_node_t &root : document.roots()) {
@@ -198,8 +199,8 @@ INSTANTIATE_TEST_SUITE_P(
     Text, Anonymous,
     testing::Values(
         AnonymousRow{"Key", "Emma", "Xxxb"}, AnonymousRow{"InText", "link to Emma.", "link to Xxxb."},
-        AnonymousRow{"PartOfAWord", "Emmas dilEmma", "Emmas dilEmma"}, AnonymousRow{"Number", "42", "42"},
-        AnonymousRow{"Colons", "00:1B:2c:00:00:01", "02:00:00:00:00:01"},
+        AnonymousRow{"LongerKey", "Emma II", "Xxxx XC"}, AnonymousRow{"PartOfAWord", "Emmas dilEmma", "Emmas dilEmma"},
+        AnonymousRow{"Number", "42", "42"}, AnonymousRow{"Colons", "00:1B:2c:00:00:01", "02:00:00:00:00:01"},
         AnonymousRow{"AnyCase", "0A:1B:2C:00:00:01 0a:1b:2c:00:00:01", "02:00:00:00:00:01 02:00:00:00:00:01"},
         AnonymousRow{"Dots", "001b.2c00.0001 and 00:1b:2c:00:00:01", "0200.0000.0001 and 02:00:00:00:00:01"},
         AnonymousRow{"Ip4Key", "10.1.0.7/24", "198.18.0.1/24"},
@@ -207,6 +208,15 @@ INSTANTIATE_TEST_SUITE_P(
         AnonymousRow{"Ip6", "fe80::1 fe80::1 fe80::2", "2001:db8::0:2 2001:db8::0:2 2001:db8::0:3"},
         AnonymousRow{"NoAddress", "12:30:45 1.2.3 SPEED_10MB a:b", "12:30:45 1.2.3 SPEED_10MB a:b"}),
     [](const auto &row) { return std::string(row.param.name); });
+
+TEST(AnonymousAddresses, AreAsManyAsTheOthers) {
+  yfw::anonymiser names;
+  std::set<std::string> replaced;
+  for (int i = 0; i < 600; ++i) {
+    replaced.insert(names.replaced("10.1." + std::to_string(i / 200) + "." + std::to_string(i % 200)));
+  }
+  EXPECT_EQ(600U, replaced.size());
+}
 
 TEST(Capture, SessionsDoNotMix) {
   const fs::path directory = fs::temp_directory_path() / ("captures-" + std::to_string(::getpid()));

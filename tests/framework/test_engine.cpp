@@ -240,6 +240,20 @@ TEST(Reply, WalksAgainWithoutARefusedValueButNotForever) {
   EXPECT_EQ("device:1: /library/shelf: the plug-in refuses it", thrown_by([&] { (void)notes_on(257); }));
 }
 
+TEST(Reply, TellsEntriesApartByEachKey) {
+  const auto outcome_of = [](const std::string &title, const std::string &edition) {
+    yfw::document native = yfw::document::read(
+        "<library xmlns='urn:test:library'><book><title>A</title><edition>1 2</edition></book><book><title>" + title +
+            "</title><edition>" + edition + "</edition></book></library>",
+        "device", library());
+    const yfw::plugin shelves = yfw::plugin::load(YFW_TEST_SHELVES);
+    yfw::trace_log log;
+    return thrown_by([&] { (void)translate_reply(native, shelves, {}, log); });
+  };
+  EXPECT_EQ("", outcome_of("A 1", "2"));
+  EXPECT_EQ("device:1: /library/book[title=\"A\"][edition=\"1 2\"]: 'book' appears twice", outcome_of("A", "1 2"));
+}
+
 // ---- reads
 
 struct EngineGetRow {
@@ -349,6 +363,10 @@ INSTANTIATE_TEST_SUITE_P(
         XpathRow{"ByPosition", "/interfaces/interface[2]/name", INTERFACE("{\"name\":\"Gi2\"}")},
         XpathRow{"OneName", "/interfaces/interface[name='Gi2']/name", INTERFACE("{\"name\":\"Gi2\"}")},
         XpathRow{"UpAgain", "/interfaces/interface[name='Gi1']/name/../name", INTERFACE("{\"name\":\"Gi1\"}")},
+        XpathRow{"OneOrTheOther", "/interfaces/interface[name='Gi1']/name | /interfaces/interface[name='Gi2']/name",
+                 INTERFACE("{\"name\":\"Gi1\"},{\"name\":\"Gi2\"}")},
+        XpathRow{"ByAnotherEntry", "/interfaces/interface[name='Gi1'][/interfaces/interface[name='Gi2']]/name",
+                 INTERFACE("{\"name\":\"Gi1\"}")},
         XpathRow{"Nothing", "/interfaces/interface[name='Gi9']/ethernet/config", "{}"},
         XpathRow{"UnknownName", "/interfaces/interfce",
                  "unknown-element|'interfce' is not a child of '/interfaces'; did you mean 'interface'?"},

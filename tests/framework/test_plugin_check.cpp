@@ -52,6 +52,20 @@ TEST(ElfFile, RefusesWhatLacksAPartThatIsLoaded) {
   EXPECT_FALSE(is_readable(bytes));
 }
 
+TEST(ElfFile, ReadsASectionThatEndsWithTheFile) {
+  std::string bytes = library_bytes();
+  Elf64_Ehdr head;
+  std::memcpy(&head, bytes.data(), sizeof head);
+  const size_t at = head.e_shoff + head.e_shstrndx * sizeof(Elf64_Shdr);
+  Elf64_Shdr names;
+  std::memcpy(&names, bytes.data() + at, sizeof names);
+  const std::string text = bytes.substr(names.sh_offset, names.sh_size);
+  names.sh_offset = bytes.size();
+  std::memcpy(bytes.data() + at, &names, sizeof names);
+  EXPECT_FALSE(is_readable(bytes + text.substr(1)));
+  EXPECT_TRUE(is_readable(bytes + text));
+}
+
 struct DamageRow {
   const char *name;
   size_t field, bytes;  // of the head of the file

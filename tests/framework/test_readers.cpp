@@ -130,11 +130,13 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         ReadRow{"Good", xml("<motto>\u00e9\u20ac\U0001f4d6</motto>"), "library:library{motto=\u00e9\u20ac\U0001f4d6}"},
         ReadRow{"Overlong", xml("<motto>\xc0\xaf</motto>"), "in:2: the text is not UTF-8"},
-        ReadRow{"OverlongThree", xml("<motto>\xe0\x80\xaf</motto>"), "in:2: the text is not UTF-8"},
+        ReadRow{"OverlongThree", xml("<motto>\xe0\x9f\xbf</motto>"), "in:2: the text is not UTF-8"},
         ReadRow{"Surrogate", xml("<motto>\xed\xa0\x80</motto>"), "in:2: the text is not UTF-8"},
         ReadRow{"TooHigh", xml("<motto>\xf4\x90\x80\x80</motto>"), "in:2: the text is not UTF-8"},
         ReadRow{"Latin1", json("\"motto\": \"caf\xe9\""), "in:2: the text is not UTF-8"},
         ReadRow{"CutOff", "<a>\n\xe2\x82", "in:2: the text is not UTF-8"},
+        ReadRow{"NoncharacterOfAPlane", xml("<motto>\xf0\x9f\xbf\xbe</motto>"),
+                "in:2: the text is a character that YANG has not"},
         ReadRow{"Noncharacter", xml("<motto>\xef\xbf\xbf</motto>"), "in:2: the text is a character that YANG has not"},
         ReadRow{"Control", xml("<motto>\x1b</motto>"), "in:2: the text is a character that YANG has not"}),
     row_name);
@@ -228,6 +230,14 @@ TEST(Limits, HoldAgainstHostileDocuments) {
   EXPECT_EQ(outcome(xml(""), {.bytes = 10}), "in:1: larger than 10 bytes");
   EXPECT_EQ(outcome(repeated("<a xmlns='x'>", 3) + repeated("</a>", 3), {.declarations = 2}),
             "in:1: /a/a: more than 2 namespace declarations in scope");
+}
+
+TEST(Document, MayBeAsLargeAsTheLimits) {
+  EXPECT_EQ(outcome("<data xmlns='urn:ietf:params:xml:ns:netconf:base:1.0' a=''/>", {.attributes = 2}),
+            "ietf-netconf:data");
+  EXPECT_EQ(outcome(xml("<name/><open/>"), {.bytes = xml("<name/><open/>").size(), .nodes = 3}),
+            "library:library{name open}");
+  EXPECT_EQ(outcome(repeated("<a xmlns='x'>", 3) + repeated("</a>", 3), {.declarations = 3}), "x:a?{a?{a?}}");
 }
 
 TEST(Document, TellsPlacesOfNodes) {

@@ -103,6 +103,12 @@ INSTANTIATE_TEST_SUITE_P(
         ValueRow{"UnionNone", "pages", "few",
                  "-'few' is not a whole number in 0..65535, and 'few' is not one of its values, which are 'true', "
                  "'false', and 'few' is not one of its values, which are 'unknown'"},
+        ValueRow{"UnionOfReferenceAndSigned", "floor", "-129",
+                 "-'-129' is not a whole number in 1..9 or 20, and '-129' is not a whole number in -128..127"},
+        ValueRow{"IdentityOfAllBases", "look", "large-and-red", "large-and-red"},
+        ValueRow{"IdentityOfOneBase", "look", "large",
+                 "-'large' is not a whole number in 0..255, and 'large' is not one of its values, which are "
+                 "'large-and-red'"},
         ValueRow{"InstanceIdentifier", "place", "/library:library/name", "/library:library/name"},
         ValueRow{"NoInstanceIdentifier", "place", "library",
                  "-'library' is not a value of its type: invalid instance-identifier \"library\" value - syntax error"},
@@ -117,6 +123,7 @@ TEST(Schema, ResolvesPrefixesOfIdentities) {
   EXPECT_EQ(library().check_value(leaf("genre"), "s:crime", prefixes).canonical, "crime");
   EXPECT_EQ(library().check_value(leaf("genre"), "t:crime", prefixes).why, "the prefix of 't:crime' is not declared");
   EXPECT_EQ(library().identity_module(leaf("genre"), "crime"), "shop");
+  EXPECT_EQ(library().identity_module(leaf("look"), "large-and-red"), "library");
   EXPECT_EQ(library().identity_module(leaf("name"), "crime"), "");
 }
 
@@ -137,8 +144,13 @@ TEST(Schema, SuggestsTheNearestName) {
 
 TEST(Schema, RefusesWhatDoesNotCompile) {
   const std::string data = YFW_TEST_DATA;
-  EXPECT_EQ(thrown_by([&] { yfw::schema::load({data + "/broken"}); }),
-            data + "/broken/broken.yang:5: invalid character sequence \"tipe\", expected a keyword");
+  // Of a module that is in two directories, the first one's file counts.
+  for (const char *other : {"/yang", "/broken/."}) {
+    EXPECT_EQ(thrown_by([&] {
+                yfw::schema::load({data + "/broken", data + other});
+              }),
+              data + "/broken/broken.yang:5: invalid character sequence \"tipe\", expected a keyword");
+  }
   EXPECT_EQ(thrown_by([&] { yfw::schema::load({data + "/unresolved"}); }),
             "referenced type \"nowhere\" not found (/unresolved:a)");
   EXPECT_EQ(thrown_by([&] { yfw::schema::load({data}); }), data + ": no YANG module (*.yang) is there");

@@ -30,12 +30,15 @@ TEST(DataTree, FindsWhatItHas) {
   yfw::data_node &emma = book(tree, "Emma", "1");
   EXPECT_NE(&book(tree, "Emma", "2"), &emma);
   EXPECT_EQ(&book(tree, "Emma", "1"), &emma);
+  EXPECT_NE(&book(tree, "Aedition1", ""), &book(tree, "A", "1edition"));
   EXPECT_NE(&tree.at(&emma, shop, "price"), &tree.at(&emma, lib, "price"));
   EXPECT_EQ(&tree.item(emma.parent, lib, "shelf", "1"), &tree.item(emma.parent, lib, "shelf", "1"));
   EXPECT_EQ(yfw::path(tree.at(&emma, lib, "price")), "/library/book[title=\"Emma\"][edition=\"1\"]/price");
   tree.clear();
   EXPECT_EQ(tree.first(), nullptr);
   EXPECT_EQ(as_json(tree), "{}");
+  book(tree, "Emma", "1");
+  EXPECT_EQ(as_json(tree), R"({"library:library":{"book":[{"title":"Emma","edition":1}]}})");
 }
 
 // A tree with each kind of node, entries of the list interleaved with other nodes.
@@ -46,7 +49,8 @@ yfw::data_tree full_tree() {
   tree.set_value(tree.at(&emma, lib, "price"), "9.50");
   tree.set_value(tree.at(&emma, shop, "price"), "9");
   tree.set_value(tree.at(&emma, lib, "genre"), "crime");
-  tree.set_value(tree.at(&top, lib, "motto"), "<a> & \"b\"\\\n");
+  tree.set_value(tree.at(&emma, lib, "floor"), "-5");
+  tree.set_value(tree.at(&top, lib, "motto"), "<a> & \"b\"\\\r\n");
   tree.set_value(tree.at(&book(tree, "Sylvia", "20"), lib, "pages"), "unknown");
   tree.set_value(tree.at(&top, lib, "open"), "true");
   tree.set_value(tree.at(&top, lib, "closed"), "");
@@ -61,16 +65,18 @@ yfw::data_tree full_tree() {
 
 TEST(Writers, WriteEachKindOfNode) {
   const yfw::data_tree tree = full_tree();
-  EXPECT_EQ(as_xml(tree),
-            "<library xmlns=\"urn:test:library\"><book><title>Emma</title><edition>1</edition><price>9.50</price>"
-            "<price xmlns=\"urn:test:shop\">9</price><genre xmlns:shop=\"urn:test:shop\">shop:crime</genre></book>"
-            "<book><title>Sylvia</title><edition>20</edition><pages>unknown</pages></book>"
-            "<motto>&lt;a&gt; &amp; &quot;b&quot;\\\n</motto><open>true</open><closed/><shelf>3</shelf><shelf>4</shelf>"
-            "<name/><gas-meter>18446744073709551615</gas-meter><visit><minutes>5</minutes></visit>"
-            "<visit><minutes>050</minutes></visit></library>");
+  EXPECT_EQ(
+      as_xml(tree),
+      "<library xmlns=\"urn:test:library\"><book><title>Emma</title><edition>1</edition><price>9.50</price>"
+      "<price xmlns=\"urn:test:shop\">9</price><genre "
+      "xmlns:shop=\"urn:test:shop\">shop:crime</genre><floor>-5</floor></book>"
+      "<book><title>Sylvia</title><edition>20</edition><pages>unknown</pages></book>"
+      "<motto>&lt;a&gt; &amp; &quot;b&quot;\\&#13;\n</motto><open>true</open><closed/><shelf>3</shelf><shelf>4</shelf>"
+      "<name/><gas-meter>18446744073709551615</gas-meter><visit><minutes>5</minutes></visit>"
+      "<visit><minutes>050</minutes></visit></library>");
   EXPECT_EQ(as_json(tree), R"({"library:library":{"book":[{"title":"Emma","edition":1,"price":"9.50","shop:price":9,)"
-                           R"("genre":"shop:crime"},{"title":"Sylvia","edition":20,"pages":"unknown"}],)"
-                           R"("motto":"<a> & \"b\"\\\n","open":true,"closed":[null],"shelf":[3,4],"name":null,)"
+                           R"("genre":"shop:crime","floor":-5},{"title":"Sylvia","edition":20,"pages":"unknown"}],)"
+                           R"("motto":"<a> & \"b\"\\\r\n","open":true,"closed":[null],"shelf":[3,4],"name":null,)"
                            R"("gas-meter":"18446744073709551615","visit":[{"minutes":5},{"minutes":"050"}]}})");
 }
 
