@@ -214,10 +214,13 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(DeviceEdit, DropsTheOtherCasesOfAChoice) {
   yfw::device device = device_of(shelved);
-  for (const auto &[leaf, value, result] : {std::tuple{"gas-meter", "7", "/library/gas-meter: none -> 7\n"},
-                                            std::tuple{"stove", "true",
-                                                       "/library/stove: none -> true\n"
-                                                       "/library/gas-meter: 7 -> none\n"}}) {
+  for (const auto &[leaf, value, result] :
+       {std::tuple{"gas-meter", "7", "/library/gas-meter: none -> 7\n"},
+        std::tuple{"stove", "true",
+                   "/library/stove: none -> true\n"
+                   "/library/gas-meter: 7 -> none\n"},
+        std::tuple{"coal", "3", "/library/coal: none -> 3\n/library/stove: true -> none\n"},
+        std::tuple{"wood", "4", "/library/wood: none -> 4\n/library/coal: 3 -> none\n"}}) {
     yfw::device_edit edit(device);
     edit.apply(call(operation_kind::set, std::string("/library:library/") + leaf, value, YFW_OPERATION_MERGE));
     EXPECT_EQ(result, words(edit.changes()));
@@ -476,20 +479,25 @@ TEST_F(DeviceFile, LosesNoEditOfTwoWriters) {
 TEST_F(DeviceFile, IsWholeAndCurrentWheneverTheWriterIsKilled) {
   int acknowledged[2] = {};
   ASSERT_EQ(0, ::pipe(acknowledged));
+  constexpr int mark = -1;  // the end, or a writer that fails
   int last = 0;
   for (int round = 0; round < 20; ++round) {
     const pid_t writer = ::fork();
     if (writer == 0) {
-      for (int i = last + 1;; ++i) {
-        set(file_, "/library:library/motto", std::to_string(i));
-        (void)!::write(acknowledged[1], &i, sizeof i);
-      }
+      (void)thrown_by([&] {
+        for (int i = last + 1;; ++i) {
+          set(file_, "/library:library/motto", std::to_string(i));
+          (void)!::write(acknowledged[1], &i, sizeof i);
+        }
+      });
+      (void)!::write(acknowledged[1], &mark, sizeof mark);
+      ::_exit(1);
     }
     ASSERT_EQ(static_cast<ssize_t>(sizeof last), ::read(acknowledged[0], &last, sizeof last));
+    ASSERT_NE(mark, last);
     std::this_thread::sleep_for(std::chrono::microseconds(700 * round));
     ::kill(writer, SIGKILL);
     ::waitpid(writer, nullptr, 0);
-    const int mark = -1;
     ASSERT_EQ(static_cast<ssize_t>(sizeof mark), ::write(acknowledged[1], &mark, sizeof mark));
     for (int next = last; next != mark;) {
       last = next;

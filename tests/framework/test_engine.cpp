@@ -363,8 +363,10 @@ INSTANTIATE_TEST_SUITE_P(
         XpathRow{"ByPosition", "/interfaces/interface[2]/name", INTERFACE("{\"name\":\"Gi2\"}")},
         XpathRow{"OneName", "/interfaces/interface[name='Gi2']/name", INTERFACE("{\"name\":\"Gi2\"}")},
         XpathRow{"UpAgain", "/interfaces/interface[name='Gi1']/name/../name", INTERFACE("{\"name\":\"Gi1\"}")},
-        XpathRow{"OneOrTheOther", "/interfaces/interface[name='Gi1']/name | /interfaces/interface[name='Gi2']/name",
-                 INTERFACE("{\"name\":\"Gi1\"},{\"name\":\"Gi2\"}")},
+        XpathRow{"OneOrTheOther",
+                 "/interfaces/interface[name='Gi1']/ethernet/config/duplex-mode | "
+                 "/interfaces/interface[name='Gi2']/ethernet/config/duplex-mode",
+                 INTERFACE(DUPLEX("Gi1", "FULL") "," DUPLEX("Gi2", "HALF"))},
         XpathRow{"ByAnotherEntry", "/interfaces/interface[name='Gi1'][/interfaces/interface[name='Gi2']]/name",
                  INTERFACE("{\"name\":\"Gi1\"}")},
         XpathRow{"Nothing", "/interfaces/interface[name='Gi9']/ethernet/config", "{}"},

@@ -159,6 +159,8 @@ INSTANTIATE_TEST_SUITE_P(
         TextRow{"ByteOrderMark", "\xef\xbb\xbf" + statistics(three)},
         TextRow{"NothingMapped", statistics("<e:statistic/>")},
         TextRow{"MarkupBetweenEntries", envelope(statistics("<!-- <e:statistic> -->" + three + "<?target a>b?>"))},
+        TextRow{"CommentThatBeginsWithAnAngle",
+                envelope(statistics(statistic("Gi1") + "<!--> <e:statistic> -->" + statistic("Gi2")))},
         TextRow{"MarkupInEntries",
                 envelope(statistics(statistic("Gi1",
                                               "<!-- </e:statistic> --><e:received-good-bytes><![CDATA[4]]>2"
