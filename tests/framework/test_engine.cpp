@@ -169,6 +169,19 @@ INSTANTIATE_TEST_SUITE_P(
         EngineEditRow{"DeleteInterface", message("", "<interface nc:operation='delete'><name>Gi1</name></interface>"),
                       "operation-not-supported |no plug-in can carry out operation 'delete' on it; give the operation "
                       "on a mapped node below it"},
+        EngineEditRow{"CreateAboveInterface",
+                      "<interfaces xmlns='http://openconfig.net/yang/interfaces' "
+                      "xmlns:nc='urn:ietf:params:xml:ns:netconf:base:1.0' nc:operation='create'/>",
+                      "operation-not-supported |no plug-in can carry out operation 'create' on it; give the operation "
+                      "on a mapped node below it"},
+        EngineEditRow{"CreateDeepInDeleted",
+                      message("",
+                              "<interface><name>Gi1</name><ethernet "
+                              "xmlns='http://openconfig.net/yang/interfaces/ethernet' nc:operation='remove'><config>"
+                              "<duplex-mode nc:operation='create'>HALF</duplex-mode></config></ethernet></interface>"),
+                      "bad-element duplex-mode|operation 'create' stands inside what is deleted"},
+        EngineEditRow{"CreateKey", message("", "<interface><name nc:operation='create'>Gi1</name></interface>"),
+                      "bad-element name|is a key; operation 'create' is given on its list entry"},
         EngineEditRow{"ContinueOnError",
                       message("<error-option>continue-on-error</error-option>", config_of("Gi1", "")),
                       "operation-not-supported |error-option 'continue-on-error' is not supported: an edit is done "
@@ -189,8 +202,7 @@ TEST(EngineEdit, ChangesNothingWithTestOnly) {
 
 // With a mapping that has a leaf-list: its entries 1 and 2 are there.
 struct LeafListRow {
-  const char *name, *value;
-  uint32_t operation;
+  const char *name, *library;  // what is below it
   const char *result;
 };
 
@@ -203,9 +215,10 @@ TEST_P(LeafListEdit, LooksForTheEntryOfThatValue) {
   yfw::trace_log log;
   std::string result;
   try {
-    const yfw::engine engine(shelves, log);
-    for (const yfw::device_change &change :
-         engine.edit_node(device, "/library:library/shelf", GetParam().value, GetParam().operation).changes) {
+    yfw::document request =
+        yfw::document::read(R"({"library:library":{)" + std::string(GetParam().library) + "}}", "edit", library());
+    const auto client = read_client_request(request, yfw::client_operation::edit);
+    for (const yfw::device_change &change : yfw::engine(shelves, log).edit(device, request, client).changes) {
       result += words(change);
     }
   } catch (const yfw::client_error &fault) {
@@ -214,12 +227,17 @@ TEST_P(LeafListEdit, LooksForTheEntryOfThatValue) {
   EXPECT_EQ(GetParam().result, result);
 }
 
-INSTANTIATE_TEST_SUITE_P(Rows, LeafListEdit,
-                         testing::Values(LeafListRow{"CreateAbsent", "3", YFW_OPERATION_CREATE,
-                                                     "shelf[.='3']: none -> 3; "},
-                                         LeafListRow{"CreatePresent", "2", YFW_OPERATION_CREATE, "data-exists"},
-                                         LeafListRow{"DeleteAbsent", "3", YFW_OPERATION_DELETE, "data-missing"}),
-                         [](const auto &each) { return std::string(each.param.name); });
+#define OPERATION(word) R"([{"ietf-netconf:operation":")" word R"("}])"
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, LeafListEdit,
+    testing::Values(LeafListRow{"Merge", R"("shelf":[2,3,4])", "shelf[.='3']: none -> 3; shelf[.='4']: none -> 4; "},
+                    LeafListRow{"Twice", R"("shelf":[3,3])", "bad-element"},
+                    LeafListRow{"CreateAbsent", R"("shelf":[3],"@shelf":)" OPERATION("create"),
+                                "shelf[.='3']: none -> 3; "},
+                    LeafListRow{"CreatePresent", R"("shelf":[2],"@shelf":)" OPERATION("create"), "data-exists"},
+                    LeafListRow{"DeleteAbsent", R"("shelf":[3],"@shelf":)" OPERATION("delete"), "data-missing"}),
+    [](const auto &each) { return std::string(each.param.name); });
 
 // Each value that is refused ends a walk, and the next one goes without it: with very many of them that would take
 // long.

@@ -218,7 +218,7 @@ INSTANTIATE_TEST_SUITE_P(
                 json_statistics(json_statistic("Gi1") + "," + json_statistic("Gi2") + " , " + json_statistic("Gi3"))},
         TextRow{"BracesInTexts", json_statistics(json_statistic("Gi{1\\\\") + "," + json_statistic("\\\"]}") + "," +
                                                  json_statistic("}"))},
-        TextRow{"BackslashBeforeBraces", json_statistics(json_statistic("Gi1\\\\") + "," + json_statistic("Gi]},{2"))},
+        TextRow{"BackslashBeforeBraces", json_statistics(json_statistic("Gi1\\\\") + "," + json_statistic("Gi},{2"))},
         TextRow{"EntryTwice",
                 json_statistics(json_statistic("Gi1") + "," + json_statistic("Gi2") + "," + json_statistic("Gi1"))},
         TextRow{"MemberTwice",
