@@ -208,6 +208,7 @@ INSTANTIATE_TEST_SUITE_P(
                 "/library/shelf[.='1']: 1 -> none\n/library/shelf[.='2']: 2 -> none\n"},
         EditRow{"BadValue", operation_kind::set, YFW_OPERATION_MERGE, emma + "/binding", "wood", "operation-failed"},
         EditRow{"Key", operation_kind::remove, YFW_OPERATION_REMOVE, emma + "/title", {}, "operation-failed"},
+        EditRow{"OtherKey", operation_kind::set, YFW_OPERATION_MERGE, emma + "/title", "Persuasion", "operation-failed"},
         EditRow{"State", operation_kind::set, YFW_OPERATION_MERGE, "/library:library/visit/minutes", "9",
                 "operation-not-supported"}),
     [](const auto &each) { return std::string(each.param.name); });
@@ -242,10 +243,13 @@ TEST(DeviceEdit, LeavesAnEntryWithItsKeysAndNoEmptyContainer) {
   yfw::device_edit edit(device);
   edit.apply(call(operation_kind::remove, emma + "/binding", {}, YFW_OPERATION_DELETE));
   edit.apply(call(operation_kind::remove, emma + "/loan/reader", {}, YFW_OPERATION_DELETE));
+  edit.apply(call(operation_kind::set, emma + "/stamp/day", "7"));
+  edit.apply(call(operation_kind::remove, emma + "/stamp/day", {}, YFW_OPERATION_DELETE));
   edit.commit();
   const std::string text = device.text();
   EXPECT_NE(std::string::npos, text.find("<title>Emma</title>"));
   EXPECT_EQ(std::string::npos, text.find("<loan"));
+  EXPECT_NE(std::string::npos, text.find("<stamp"));
 }
 
 TEST(DeviceEdit, TellsTheNetEffect) {
