@@ -1,12 +1,12 @@
 // A device file: what is read and written again is the same device.
-#include "yfw/device.hpp"
+#include "yfw/memory_device.hpp"
 
 #include "fuzz.hpp"
 
 namespace {
 
 std::string rewritten(const std::string &text) {
-  return yfw::device::read(yfw::document::read(text, fuzz::file, fuzz::modules())).text();
+  return yfw::memory_device(yfw::document::read(text, fuzz::file, fuzz::modules())).text();
 }
 
 }  // namespace

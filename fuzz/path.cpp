@@ -1,8 +1,9 @@
 // A path or XPath expression as `explain`, `get` and `set` take it: the whole input, or before a line feed, after which
 // a value to set follows.
 #include "fuzz.hpp"
-#include "yfw/engine.hpp"
 #include "yfw/explain.hpp"
+#include "yfw/mapping_service.hpp"
+#include "yfw/memory_device.hpp"
 
 namespace {
 
@@ -12,21 +13,22 @@ constexpr const char *native_data =
     "<ethernet xmlns='urn:zemlo:yang:Zemlo-QUARN-drivers-media-eth-cfg'><speed>100</speed></ethernet>"
     "</interface-configuration></interface-configurations>";
 
-yfw::device some_device() {
-  return yfw::device::read(yfw::document::read(native_data, "device", fuzz::modules()));
+yfw::memory_device some_device() {
+  return yfw::memory_device(yfw::document::read(native_data, "device", fuzz::modules()));
 }
 
 void set(const std::string &path, const std::string &value) {
   yfw::trace_log log;
-  yfw::device device = some_device();
-  yfw::engine(fuzz::mapping(), log).edit_node(device, path, value, YFW_OPERATION_MERGE);
+  yfw::memory_device device = some_device();
+  yfw::mapping_service(fuzz::mapping(), device, log).edit_node(path, value, YFW_OPERATION_MERGE);
   (void)device.text();
 }
 
 void find(const std::string &path) {
   yfw::trace_log log;
+  yfw::memory_device device = some_device();
   const yfw::reply answer =
-      yfw::engine(fuzz::mapping(), log).find(some_device(), path, yfw::client_operation::get, yfw::content::all);
+      yfw::mapping_service(fuzz::mapping(), device, log).find(path, yfw::client_operation::get, yfw::content::all);
   fuzz::require_read_back(answer.data);
 }
 

@@ -6,9 +6,7 @@
 #include "yfw/writer.hpp"
 
 namespace yfw {
-namespace {
 
-// The last one of the steps' nodes, all of which are in the tree then; null for none.
 data_node *add_path(data_tree &tree, const std::vector<path_step> &steps) {
   data_node *node = nullptr;
   for (const path_step &step : steps) {
@@ -18,10 +16,10 @@ data_node *add_path(data_tree &tree, const std::vector<path_step> &steps) {
   return node;
 }
 
-}  // namespace
+namespace {
 
-std::string text_for(const std::vector<path_step> &steps, const schema &modules, uint32_t operation,
-                     const std::optional<std::string> &value) {
+data_tree tree_of(const std::vector<path_step> &steps, const schema &modules, uint32_t operation,
+                  const std::optional<std::string> &value) {
   data_tree tree(modules);
   if (data_node *last = add_path(tree, steps); last != nullptr) {
     last->operation = operation == no_operation ? std::nullopt : std::optional(operation);
@@ -29,14 +27,21 @@ std::string text_for(const std::vector<path_step> &steps, const schema &modules,
       tree.set_value(*last, *value);
     }
   }
+  return tree;
+}
+
+}  // namespace
+
+std::string text_for(const std::vector<path_step> &steps, const schema &modules, uint32_t operation,
+                     const std::optional<std::string> &value) {
   std::ostringstream text;
-  write_json(text, tree);
+  write_json(text, tree_of(steps, modules, operation, value));
   return text.str();
 }
 
 document request_for(const std::vector<path_step> &steps, const schema &modules, uint32_t operation,
                      const std::optional<std::string> &value) {
-  return document::read(text_for(steps, modules, operation, value), "", modules);
+  return document::from_tree(tree_of(steps, modules, operation, value), "");
 }
 
 }  // namespace yfw

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "yfw/error.hpp"
+#include "node_values.hpp"
 #include "yfw/internal/text.hpp"
 #include "yfw/node.hpp"
 #include "yfw/writer.hpp"
@@ -74,26 +75,9 @@ class byte_set {
   std::array<bool, 256> has_{};
 };
 
-// Throws `error` with the node's path for a value that YANG does not have.
-inline void check_text(const data_node &node) {
-  if (const text_fault fault = first_fault(*node.value); fault.kind != bad_text::none) {
-    throw error({"", 0, path(node)},
-                "the value " + std::string(fault_words(fault.kind)) + " at byte " + std::to_string(fault.offset + 1));
-  }
-}
-
 // The operation in force below a node; `outer` is the one around it.
 inline uint32_t operation_in_force(const data_node &node, uint32_t outer) {
   return node.operation.value_or(outer);
-}
-
-// The module of an identity as a value, when it must be named: when it is not that of the leaf. Else "".
-inline std::string_view foreign_module(const schema &modules, const data_node &node) {
-  if (node.schema == nullptr || !node.value) {
-    return "";
-  }
-  const std::string_view module = modules.identity_module(node.schema, *node.value);
-  return module == module_name(node.schema) ? "" : module;
 }
 
 }  // namespace yfw

@@ -4,7 +4,6 @@
 
 #include "commands.hpp"
 #include "input.hpp"
-#include "yfw/engine.hpp"
 #include "yfw/message.hpp"
 
 namespace ymap {

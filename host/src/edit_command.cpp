@@ -5,7 +5,8 @@
 #include "commands.hpp"
 #include "device_options.hpp"
 #include "input.hpp"
-#include "yfw/engine.hpp"
+#include "yfw/file_device.hpp"
+#include "yfw/mapping_service.hpp"
 #include "yfw/message.hpp"
 
 namespace ymap {
@@ -59,15 +60,13 @@ void print(const std::vector<yfw::device_change> &changes, const std::string &do
   write_result(text, done);
 }
 
-// Opens the device, lets `edit` work on it and keeps what comes of it. Locked, it is nobody else's meanwhile.
-void edit_device(const edit_options &options, bool is_dry, const setup &with,
-                 const std::function<yfw::edit_outcome(yfw::device &)> &edit) {
-  using use = yfw::device_file::use;
-  yfw::device_file device(options.on.device, with.schema(), is_dry ? use::read : use::edit);
-  const yfw::edit_outcome outcome = edit(device.content());
-  if (!is_dry && !outcome.changes.empty()) {
-    device.save();
-  }
+// Carries out an edit of the device and prints what it did.
+void edit_device(const edit_options &options, bool is_dry, setup &with,
+                 const std::function<yfw::edit_outcome(const yfw::mapping_service &, yfw::transaction_use)> &edit) {
+  yfw::file_device device(options.on.device, with.schema());
+  const yfw::mapping_service service(with.plugin(), device, with.trace());
+  const yfw::edit_outcome outcome =
+      edit(service, is_dry ? yfw::transaction_use::trial : yfw::transaction_use::commit);
   write_notes(outcome.notes);
   if (is_dry || options.is_verbose) {
     print(outcome.changes, is_dry ? "" : "the device " + yfw::in_quotes(options.on.device) + " has been changed");
@@ -76,9 +75,8 @@ void edit_device(const edit_options &options, bool is_dry, const setup &with,
 
 void run_on_path(const edit_options &options) {
   work_on_device(options.on, [&](setup &with) {
-    const yfw::engine engine(with.plugin(), with.trace());
-    edit_device(options, options.is_dry, with, [&](yfw::device &device) {
-      return engine.edit_node(device, options.what, options.value, options.operation);
+    edit_device(options, options.is_dry, with, [&](const yfw::mapping_service &service, yfw::transaction_use use) {
+      return service.edit_node(options.what, options.value, options.operation, use);
     });
   });
 }
@@ -90,9 +88,10 @@ void run_on_file(const edit_options &options) {
     if (client.is_read()) {
       throw usage_error(display_name(options.what) + " holds a read: use 'ymap get --filter'");
     }
-    const yfw::engine engine(with.plugin(), with.trace());
     edit_device(options, options.is_dry || client.test_option == "test-only", with,
-                [&](yfw::device &device) { return engine.edit(device, request, client); });
+                [&](const yfw::mapping_service &service, yfw::transaction_use use) {
+                  return service.edit(request, client, use);
+                });
   });
 }
 

@@ -5,7 +5,8 @@
 #include "commands.hpp"
 #include "device_options.hpp"
 #include "input.hpp"
-#include "yfw/engine.hpp"
+#include "yfw/file_device.hpp"
+#include "yfw/mapping_service.hpp"
 #include "yfw/message.hpp"
 #include "yfw/node.hpp"
 #include "yfw/writer.hpp"
@@ -51,7 +52,7 @@ void print(const yfw::reply &answer, yfw::data_format format) {
   write_result(text.str());
 }
 
-void get_by_filter(const get_options &options, const yfw::device &device, setup &with) {
+void get_by_filter(const get_options &options, const yfw::mapping_service &service, setup &with) {
   yfw::document request = read_request(options.filter, with.schema());
   if (!is_bare(request) && options.operation) {
     throw usage_error(display_name(options.filter) +
@@ -62,21 +63,19 @@ void get_by_filter(const get_options &options, const yfw::device &device, setup 
   if (!client.is_read()) {
     throw usage_error(display_name(options.filter) + " holds an edit: use 'ymap edit'");
   }
-  const yfw::engine engine(with.plugin(), with.trace());
-  print(engine.get(device, request, client, options.content), options.on.to.value_or(request.format()));
+  print(service.get(request, client, options.content), options.on.to.value_or(request.format()));
 }
 
 void run(const get_options &options) {
   require_one_way(options);
   work_on_device(options.on, [&](setup &with) {
-    yfw::device_file device(options.on.device, with.schema(), yfw::device_file::use::read);
+    yfw::file_device device(options.on.device, with.schema());
+    const yfw::mapping_service service(with.plugin(), device, with.trace());
     if (!options.filter.empty()) {
-      get_by_filter(options, device.content(), with);
+      get_by_filter(options, service, with);
       return;
     }
-    const yfw::engine engine(with.plugin(), with.trace());
-    print(engine.find(device.content(), options.xpath, options.operation.value_or(yfw::client_operation::get),
-                      options.content),
+    print(service.find(options.xpath, options.operation.value_or(yfw::client_operation::get), options.content),
           options.on.to.value_or(yfw::data_format::xml));
   });
 }

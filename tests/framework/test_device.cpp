@@ -14,7 +14,9 @@
 #include <tuple>
 
 #include "library.hpp"
-#include "yfw/device.hpp"
+#include "yfw/file_device.hpp"
+#include "yfw/memory_device.hpp"
+#include "yfw/node.hpp"
 #include "yfw/query.hpp"
 #include "yfw/writer.hpp"
 
@@ -31,8 +33,16 @@ constexpr const char *shelved =
     "<visit><minutes>5</minutes></visit><visit><minutes>7</minutes></visit>"
     "</library></data>";
 
-yfw::device device_of(const std::string &text) {
-  return yfw::device::read(yfw::document::read(text, "device", library()));
+yfw::memory_device device_of(const std::string &text) {
+  return yfw::memory_device(yfw::document::read(text, "device", library()));
+}
+
+std::unique_ptr<yfw::native_transaction> edit_of(yfw::native_device &device) {
+  return device.begin(yfw::datastore::running, yfw::transaction_use::commit);
+}
+
+void apply(yfw::native_transaction &edit, const yfw::native_operation &operation) {
+  edit.apply({&operation, 1});
 }
 
 // The call on a path with keys; without them when `of_all`.
@@ -125,6 +135,16 @@ std::string words(const std::vector<yfw::device_change> &changes) {
   return text;
 }
 
+// Applies a call, and returns its error's tag or "".
+std::string outcome_of(yfw::native_transaction &edit, const yfw::native_operation &call) {
+  try {
+    apply(edit, call);
+    return {};
+  } catch (const yfw::client_error &fault) {
+    return std::string(to_string(fault.tag()));
+  }
+}
+
 struct EditRow {
   const char *name;
   operation_kind kind;
@@ -138,20 +158,41 @@ class DeviceEdit : public testing::TestWithParam<EditRow> {};
 
 TEST_P(DeviceEdit, ChangesWhatItSays) {
   const EditRow &row = GetParam();
-  yfw::device device = device_of(shelved);
+  yfw::memory_device device = device_of(shelved);
   const std::string before = device.text();
   std::string result;
   try {
-    yfw::device_edit edit(device);
-    edit.apply(call(row.kind, row.path, row.value, row.operation));
-    result = words(edit.changes());
-    EXPECT_EQ(before, device.text()) << "changed before it is committed";
-    edit.commit();
+    const auto edit = edit_of(device);
+    apply(*edit, call(row.kind, row.path, row.value, row.operation));
+    result = words(*edit->effects());
+    edit->commit();
   } catch (const yfw::client_error &fault) {
     result = to_string(fault.tag());
   }
   EXPECT_EQ(row.result, result);
   EXPECT_EQ(result.find("->") != std::string::npos, before != device.text());
+}
+
+// All that an edit changed comes back, and what is edited next is found.
+TEST_P(DeviceEdit, UndoesWhatIsNotCommitted) {
+  const EditRow &row = GetParam();
+  yfw::memory_device device = device_of(shelved);
+  const std::string before = device.text();
+  for (const bool is_last : {false, true}) {
+    const auto edit = edit_of(device);
+    for (const auto &operation :
+         {call(operation_kind::remove, emma, {}, YFW_OPERATION_REMOVE), call(operation_kind::set, emma + "/pages", "9"),
+          call(operation_kind::set, persuasion + "/binding", "cloth"),
+          call(operation_kind::set, "/library:library/stove", "true"),
+          call(operation_kind::remove, "/library:library/name", {}, YFW_OPERATION_REMOVE)}) {
+      is_last ? void() : apply(*edit, operation);
+    }
+    const std::string result = outcome_of(*edit, call(row.kind, row.path, row.value, row.operation));
+    EXPECT_TRUE(!is_last || result.empty() || result == row.result) << result;
+  }
+  EXPECT_EQ(before, device.text());
+  const yfw::native_operation asked = call(operation_kind::read, emma + "/binding");
+  EXPECT_NE(nullptr, device.select({&asked, 1}).first());
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -208,13 +249,14 @@ INSTANTIATE_TEST_SUITE_P(
                 "/library/shelf[.='1']: 1 -> none\n/library/shelf[.='2']: 2 -> none\n"},
         EditRow{"BadValue", operation_kind::set, YFW_OPERATION_MERGE, emma + "/binding", "wood", "operation-failed"},
         EditRow{"Key", operation_kind::remove, YFW_OPERATION_REMOVE, emma + "/title", {}, "operation-failed"},
-        EditRow{"OtherKey", operation_kind::set, YFW_OPERATION_MERGE, emma + "/title", "Persuasion", "operation-failed"},
+        EditRow{"OtherKey", operation_kind::set, YFW_OPERATION_MERGE, emma + "/title", "Persuasion",
+                "operation-failed"},
         EditRow{"State", operation_kind::set, YFW_OPERATION_MERGE, "/library:library/visit/minutes", "9",
                 "operation-not-supported"}),
     [](const auto &each) { return std::string(each.param.name); });
 
 TEST(DeviceEdit, DropsTheOtherCasesOfAChoice) {
-  yfw::device device = device_of(shelved);
+  yfw::memory_device device = device_of(shelved);
   for (const auto &[leaf, value, result] :
        {std::tuple{"gas-meter", "7", "/library/gas-meter: none -> 7\n"},
         std::tuple{"stove", "true",
@@ -222,30 +264,30 @@ TEST(DeviceEdit, DropsTheOtherCasesOfAChoice) {
                    "/library/gas-meter: 7 -> none\n"},
         std::tuple{"coal", "3", "/library/coal: none -> 3\n/library/stove: true -> none\n"},
         std::tuple{"wood", "4", "/library/wood: none -> 4\n/library/coal: 3 -> none\n"}}) {
-    yfw::device_edit edit(device);
-    edit.apply(call(operation_kind::set, std::string("/library:library/") + leaf, value, YFW_OPERATION_MERGE));
-    EXPECT_EQ(result, words(edit.changes()));
-    edit.commit();
+    const auto edit = edit_of(device);
+    apply(*edit, call(operation_kind::set, std::string("/library:library/") + leaf, value, YFW_OPERATION_MERGE));
+    EXPECT_EQ(result, words(*edit->effects()));
+    edit->commit();
   }
   EXPECT_EQ(device.text().find("gas-meter"), std::string::npos);
 }
 
 TEST(DeviceEdit, RefusesAPathWithoutKeys) {
-  yfw::device device = device_of(shelved);
-  yfw::device_edit edit(device);
+  yfw::memory_device device = device_of(shelved);
+  const auto edit = edit_of(device);
   EXPECT_EQ("'/library/book/binding' lacks a key of 'book'", thrown_by([&] {
-              edit.apply(call(operation_kind::set, emma + "/binding", "cloth", YFW_OPERATION_MERGE, true));
+              apply(*edit, call(operation_kind::set, emma + "/binding", "cloth", YFW_OPERATION_MERGE, true));
             }));
 }
 
 TEST(DeviceEdit, LeavesAnEntryWithItsKeysAndNoEmptyContainer) {
-  yfw::device device = device_of(shelved);
-  yfw::device_edit edit(device);
-  edit.apply(call(operation_kind::remove, emma + "/binding", {}, YFW_OPERATION_DELETE));
-  edit.apply(call(operation_kind::remove, emma + "/loan/reader", {}, YFW_OPERATION_DELETE));
-  edit.apply(call(operation_kind::set, emma + "/stamp/day", "7"));
-  edit.apply(call(operation_kind::remove, emma + "/stamp/day", {}, YFW_OPERATION_DELETE));
-  edit.commit();
+  yfw::memory_device device = device_of(shelved);
+  const auto edit = edit_of(device);
+  apply(*edit, call(operation_kind::remove, emma + "/binding", {}, YFW_OPERATION_DELETE));
+  apply(*edit, call(operation_kind::remove, emma + "/loan/reader", {}, YFW_OPERATION_DELETE));
+  apply(*edit, call(operation_kind::set, emma + "/stamp/day", "7"));
+  apply(*edit, call(operation_kind::remove, emma + "/stamp/day", {}, YFW_OPERATION_DELETE));
+  edit->commit();
   const std::string text = device.text();
   EXPECT_NE(std::string::npos, text.find("<title>Emma</title>"));
   EXPECT_EQ(std::string::npos, text.find("<loan"));
@@ -253,30 +295,20 @@ TEST(DeviceEdit, LeavesAnEntryWithItsKeysAndNoEmptyContainer) {
 }
 
 TEST(DeviceEdit, TellsTheNetEffect) {
-  yfw::device device = device_of(shelved);
-  yfw::device_edit edit(device);
-  edit.apply(call(operation_kind::remove, "/library:library/name", {}, YFW_OPERATION_DELETE));
-  edit.apply(call(operation_kind::set, "/library:library/name", "Annex"));
-  edit.apply(call(operation_kind::set, "/library:library/motto", "Read"));
-  edit.apply(call(operation_kind::remove, "/library:library/motto", {}, YFW_OPERATION_DELETE));
-  EXPECT_EQ("/library/name: Main -> Annex\n", words(edit.changes()));
-}
-
-// Applies a call, and tells its error's tag or "".
-std::string outcome_of(yfw::device_edit &edit, const yfw::native_operation &call) {
-  try {
-    edit.apply(call);
-    return {};
-  } catch (const yfw::client_error &fault) {
-    return std::string(to_string(fault.tag()));
-  }
+  yfw::memory_device device = device_of(shelved);
+  const auto edit = edit_of(device);
+  apply(*edit, call(operation_kind::remove, "/library:library/name", {}, YFW_OPERATION_DELETE));
+  apply(*edit, call(operation_kind::set, "/library:library/name", "Annex"));
+  apply(*edit, call(operation_kind::set, "/library:library/motto", "Read"));
+  apply(*edit, call(operation_kind::remove, "/library:library/motto", {}, YFW_OPERATION_DELETE));
+  EXPECT_EQ("/library/name: Main -> Annex\n", words(*edit->effects()));
 }
 
 // In long lists entries are found in another way when many are looked for.
 TEST(DeviceEdit, DoesTheSameInOneEditAsInMany) {
-  yfw::device one = device_of(shelved);
-  yfw::device many = device_of(shelved);
-  yfw::device_edit whole(one);
+  yfw::memory_device one = device_of(shelved);
+  yfw::memory_device many = device_of(shelved);
+  const auto whole = edit_of(one);
   std::mt19937 random(1);
   for (int i = 0; i < 2000; ++i) {
     const std::string book = "/library:library/book[title='" + std::to_string(random() % 50) + "'][edition='" +
@@ -289,14 +321,14 @@ TEST(DeviceEdit, DoesTheSameInOneEditAsInMany) {
             ? call(operation_kind::set, path, path.ends_with("binding") ? "cloth" : "Ann",
                    random() % 4 == 0 ? YFW_OPERATION_CREATE : YFW_OPERATION_MERGE)
             : call(operation_kind::remove, path, {}, random() % 2 == 0 ? YFW_OPERATION_DELETE : YFW_OPERATION_REMOVE);
-    yfw::device_edit single(many);
-    const std::string result = outcome_of(single, next);
-    EXPECT_EQ(result, outcome_of(whole, next)) << next.path();
+    const auto single = edit_of(many);
+    const std::string result = outcome_of(*single, next);
+    EXPECT_EQ(result, outcome_of(*whole, next)) << next.path();
     if (result.empty()) {
-      single.commit();
+      single->commit();
     }
   }
-  whole.commit();
+  whole->commit();
   EXPECT_EQ(many.text(), one.text());
   EXPECT_GT(std::ranges::count(one.text(), '\n'), 100);
 }
@@ -304,14 +336,14 @@ TEST(DeviceEdit, DoesTheSameInOneEditAsInMany) {
 // The entries move up when the leaf before them goes.
 TEST(DeviceEdit, FindsEntriesAfterACaseOfAChoiceIsGone) {
   const std::string heated = "<library xmlns=\"urn:test:library\"><gas-meter>7</gas-meter></library>";
-  yfw::device one = device_of(heated);
-  yfw::device many = device_of(heated);
-  yfw::device_edit whole(one);
+  yfw::memory_device one = device_of(heated);
+  yfw::memory_device many = device_of(heated);
+  const auto whole = edit_of(one);
   const auto set = [&](const std::string &path, const std::string &value) {
-    yfw::device_edit single(many);
-    single.apply(call(operation_kind::set, "/library:library/" + path, value));
-    single.commit();
-    whole.apply(call(operation_kind::set, "/library:library/" + path, value));
+    const auto single = edit_of(many);
+    apply(*single, call(operation_kind::set, "/library:library/" + path, value));
+    single->commit();
+    apply(*whole, call(operation_kind::set, "/library:library/" + path, value));
   };
   for (const std::string reader : {"Ann", "Bo"}) {
     for (int i = 0; i < 40; ++i) {
@@ -319,7 +351,7 @@ TEST(DeviceEdit, FindsEntriesAfterACaseOfAChoiceIsGone) {
     }
     set("stove", "true");
   }
-  whole.commit();
+  whole->commit();
   EXPECT_EQ(many.text(), one.text());
 }
 
@@ -406,11 +438,10 @@ class DeviceFile : public testing::Test {
     return {std::istreambuf_iterator<char>(in), {}};
   }
   static void set(const fs::path &file, const std::string &path, const std::string &value) {
-    yfw::device_file device(file, library(), yfw::device_file::use::edit);
-    yfw::device_edit edit(device.content());
-    edit.apply(call(operation_kind::set, path, value));
-    edit.commit();
-    device.save();
+    yfw::file_device device(file, library());
+    const auto edit = edit_of(device);
+    apply(*edit, call(operation_kind::set, path, value));
+    edit->commit();
   }
 
   fs::path directory_, file_;
@@ -509,10 +540,11 @@ TEST_F(DeviceFile, IsWholeAndCurrentWheneverTheWriterIsKilled) {
     }
     const yfw::native_operation asked = call(operation_kind::read, "/library:library/motto");
     std::string kept;
-    EXPECT_EQ("", thrown_by([&] {
-                yfw::device_file device(file_, library(), yfw::device_file::use::read);
-                kept = *device.content().select({&asked, 1}).first()->first_child->value;
-              }));
+    EXPECT_EQ(
+        "", thrown_by([&] {
+          const yfw::document read = yfw::file_device(file_, library()).read({&asked, 1}, yfw::datastore::running);
+          kept = yfw::children(read.roots().front()).front().value;
+        }));
     EXPECT_TRUE(kept == std::to_string(last) || kept == std::to_string(last + 1)) << kept << " after " << last;
     last = std::stoi(kept);
   }

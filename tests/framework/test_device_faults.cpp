@@ -17,7 +17,7 @@
 #include <set>
 
 #include "library.hpp"
-#include "yfw/device.hpp"
+#include "yfw/file_device.hpp"
 #include "yfw/query.hpp"
 
 namespace {
@@ -195,11 +195,11 @@ class DeviceFaults : public testing::Test {
     std::ofstream(file_) << before;
     plan = {operation, number, error};
     try {
-      yfw::device_file device(file_, library(), yfw::device_file::use::edit);
-      yfw::device_edit change(device.content());
-      change.apply({yfw::operation_kind::set, steps_, "Annex", YFW_OPERATION_MERGE, nullptr});
-      change.commit();
-      device.save();
+      yfw::file_device device(file_, library());
+      const auto change = device.begin(yfw::datastore::running, yfw::transaction_use::commit);
+      const yfw::native_operation set{yfw::operation_kind::set, steps_, "Annex", YFW_OPERATION_MERGE, nullptr};
+      change->apply({&set, 1});
+      change->commit();
     } catch (const std::exception &fault) {
       plan.operation = nullptr;
       return fault.what();
@@ -298,8 +298,9 @@ TEST_F(DeviceFaults, OfAllocationsLeaveAWholeFile) {
     if (!plan.has_struck) {
       break;
     }
-    ASSERT_EQ(plan.is_replaced ? after : before, without_layout(file_)) << number << ": " << thrown;
-    ASSERT_FALSE(thrown.empty()) << number;
+    // What is not needed any more may also just stay: then the edit succeeds.
+    const bool is_done = plan.is_replaced || thrown.empty();
+    ASSERT_EQ(is_done ? after : before, without_layout(file_)) << number << ": " << thrown;
     expect_nothing_left(open_before);
   }
   EXPECT_GT(number, 20U);

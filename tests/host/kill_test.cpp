@@ -19,7 +19,7 @@
 #include <random>
 #include <thread>
 
-#include "yfw/device.hpp"
+#include "yfw/memory_device.hpp"
 #include "yfw/query.hpp"
 
 namespace {
@@ -120,7 +120,7 @@ class writer {
     const std::lock_guard alone(one_at_a_time);
     std::ifstream in(file_, std::ios::binary);
     const std::string text{std::istreambuf_iterator<char>(in), {}};
-    const yfw::device device = yfw::device::read(yfw::document::read(text, file_.string(), modules()));
+    const yfw::memory_device device(yfw::document::read(text, file_.string(), modules()));
     const yfw::native_operation asked{yfw::operation_kind::read,
                                       yfw::read_instance_path("/Zemlo-QUARN-interface-cfg:interface-configurations/"
                                                               "interface-configuration[interface-name='" +

@@ -3,7 +3,8 @@
 
 #include <algorithm>
 
-#include "yfw/engine.hpp"
+#include "yfw/mapping_service.hpp"
+#include "yfw/memory_device.hpp"
 #include "yfw/internal/coverage_probes.hpp"
 #include "yfw/internal/coverage_values.hpp"
 #include "yfw/internal/explain_internal.hpp"
@@ -57,7 +58,7 @@ class request_explainer {
     explained_request result = translated("set", YFW_OPERATION_MERGE, value);
     result.values = std::move(values);
     if (result.refusal.empty()) {
-      device native = empty_device();
+      memory_device native(modules_);
       result.before = read(native);
       edit(native, value, YFW_OPERATION_MERGE, result);
     }
@@ -70,7 +71,7 @@ class request_explainer {
     if (!result.refusal.empty()) {
       return result;
     }
-    device native = empty_device();
+    memory_device native(modules_);
     for (const std::string &value : sample_values(modules_, leaf())) {
       if (mapped(value).refusal.empty()) {
         edit(native, value, YFW_OPERATION_MERGE, result);
@@ -87,9 +88,6 @@ class request_explainer {
     return asked_.steps.back().node;
   }
 
-  device empty_device() const {
-    return device::read(document::read("{}", "", modules_));
-  }
 
   document request_text(uint32_t operation, const std::optional<std::string> &value) const {
     return request_for(asked_.steps, modules_, operation, value);
@@ -206,18 +204,18 @@ class request_explainer {
     return first == second;
   }
 
-  void edit(device &native, const std::optional<std::string> &value, uint32_t operation, explained_request &result) {
+  void edit(memory_device &native, const std::optional<std::string> &value, uint32_t operation, explained_request &result) {
     trace_log silent;
     result.refusal = refusal_of([&] {
-      (void)engine(mapping_, silent).edit_node(native, path_text(asked_.steps), value, operation);
+      (void)mapping_service(mapping_, native, silent).edit_node(path_text(asked_.steps), value, operation);
       result.after = read(native);
     });
   }
 
-  std::vector<reported_leaf> read(const device &native) {
+  std::vector<reported_leaf> read(memory_device &native) {
     trace_log silent;
     return leaves_of(
-        engine(mapping_, silent).find(native, entry_path(asked_.steps), client_operation::get, content::all).data);
+        mapping_service(mapping_, native, silent).find(entry_path(asked_.steps), client_operation::get, content::all).data);
   }
 
   const full_path &asked_;

@@ -32,7 +32,7 @@ class client_checks {
       : bench_(bench), leaf_(leaf), steps_(bench.steps_to(leaf)), path_(path_text(steps_)) {}
 
   void set_and_delete(const std::string &value) {
-    device native = bench_.empty_device();
+    memory_device native(bench_.modules);
     ++bench_.count(law::set_get).tried;
     if (edit(native, law::set_get, value, YFW_OPERATION_MERGE) != edit_end::done) {
       return;
@@ -64,10 +64,10 @@ class client_checks {
  private:
   // False when the other leaf cannot be had.
   bool absent_beside(const lysc_node *other, const std::string &value) {
-    device native = bench_.empty_device();
+    memory_device native(bench_.modules);
     const std::vector<path_step> steps = bench_.steps_to(other);
     try {
-      (void)bench_.work.edit_node(native, path_text(steps), value, YFW_OPERATION_MERGE);
+      (void)bench_.service(native).edit_node(path_text(steps), value, YFW_OPERATION_MERGE);
     } catch (const error &) {
       return false;
     }
@@ -80,11 +80,11 @@ class client_checks {
     return true;
   }
 
-  edit_end edit(device &native, law which, const std::string &value, uint32_t operation) {
+  edit_end edit(memory_device &native, law which, const std::string &value, uint32_t operation) {
     const bool is_set = operation == YFW_OPERATION_MERGE;
     const bool has_value = is_set || is_leaf_list(leaf_);  // an entry of a leaf-list is named by its value
     try {
-      (void)bench_.work.edit_node(native, path_, has_value ? std::optional(value) : std::nullopt, operation);
+      (void)bench_.service(native).edit_node(path_, has_value ? std::optional(value) : std::nullopt, operation);
       return edit_end::done;
     } catch (const client_error &fault) {
       // What fails though the mapping took it, or without a word why, is no refusal.
@@ -97,8 +97,8 @@ class client_checks {
     }
   }
 
-  read_values read(const device &native) const {
-    return values_of(bench_.work.find(native, path_, client_operation::get_config, content::config).data);
+  read_values read(memory_device &native) const {
+    return values_of(bench_.service(native).find(path_, client_operation::get_config, content::config).data);
   }
 
   bool is_not_absent(const read_values &got) const {

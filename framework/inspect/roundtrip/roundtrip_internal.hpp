@@ -7,7 +7,8 @@
 #include <vector>
 
 #include "yfw/coverage.hpp"
-#include "yfw/engine.hpp"
+#include "yfw/mapping_service.hpp"
+#include "yfw/memory_device.hpp"
 #include "yfw/internal/explain_internal.hpp"
 #include "yfw/path_document.hpp"
 #include "yfw/roundtrip.hpp"
@@ -18,7 +19,7 @@ namespace yfw {
 class law_bench {
  public:
   law_bench(const schema &modules_in_force, const plugin &checked, trace_log &trace)
-      : modules(modules_in_force), mapping(checked), log(trace), work(checked, trace) {
+      : modules(modules_in_force), mapping(checked), log(trace) {
     result.counts.resize(std::size(all_laws));
   }
 
@@ -34,14 +35,13 @@ class law_bench {
   // The steps to a node, with samples as keys. Throws `error` when a key has none.
   std::vector<path_step> steps_to(const lysc_node *node) const;
 
-  device empty_device() const {
-    return device::read(document::read("{}", "", modules));
+  mapping_service service(native_device &device) const {
+    return {mapping, device, log};
   }
 
   const schema &modules;
   const plugin &mapping;
   trace_log &log;
-  const engine work;
   roundtrip result;
 };
 

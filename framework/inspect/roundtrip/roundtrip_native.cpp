@@ -51,12 +51,12 @@ class native_check {
       return;
     }
     const std::string left_out = reported.notes.empty() ? "" : "; it " + without_place(reported.notes.front());
-    device again = bench_.empty_device();
+    memory_device again(bench_.modules);
     if (!leaves_of(reported.data).empty()) {
       std::ostringstream text;
       write_json(text, reported.data);
       document edit = document::read(text.str(), "", bench_.modules);
-      (void)bench_.work.edit(again, edit, bare_request(edit, client_operation::edit));
+      (void)bench_.service(again).edit(edit, bare_request(edit, client_operation::edit));
     }
     const std::vector<std::string> got = stored(again);
     if (got != std::vector{bench_.modules.check_value(leaf_, value).canonical}) {
@@ -65,7 +65,7 @@ class native_check {
     }
   }
 
-  std::vector<std::string> stored(const device &native) const {
+  std::vector<std::string> stored(const memory_device &native) const {
     const native_operation read{operation_kind::read, steps_, {}, YFW_OPERATION_MERGE, nullptr};
     return values_of(native.select({&read, 1}));
   }

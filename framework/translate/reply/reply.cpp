@@ -102,7 +102,7 @@ class reply_translation {
   // Whether these are no list entries and each is the one that follows in the module, so that no two are the same. Most
   // of what devices send is: then there is nothing to remember.
   static bool is_module_sequence(std::span<const yfw_node_t> level) {
-    const lysc_node *following = extra(level.front()).schema;
+    const lysc_node *following = level.empty() ? nullptr : extra(level.front()).schema;
     for (const yfw_node_t &node : level) {
       const lysc_node *schema = extra(node).schema;
       if (schema == nullptr || schema != following || is_list(schema)) {

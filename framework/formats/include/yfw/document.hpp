@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "yfw.h"
+#include "yfw/data_tree.hpp"
 #include "yfw/error.hpp"
 #include "yfw/instance_path.hpp"
 #include "yfw/schema.hpp"
@@ -45,6 +46,11 @@ class document {
   // unknown word, and whatever exceeds a limit.
   static document read(std::string text, std::string file, const schema &schema, const read_limits &limits = {},
                        unsigned first_line = 1);
+
+  // The document of a tree that no text tells of: its nodes have no lines, and an identity of another module than its
+  // leaf's has the name of that module as prefix, as in JSON. `file` is for messages. With `empty_is_none` a leaf whose
+  // value is empty has none, as an empty element. Throws `error` with the path of a value that YANG does not have.
+  static document from_tree(const data_tree &tree, std::string file, bool empty_is_none = false);
 
   document(document &&) noexcept;
   document &operator=(document &&) noexcept;

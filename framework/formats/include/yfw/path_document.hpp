@@ -12,6 +12,9 @@
 
 namespace yfw {
 
+// Adds the nodes of a path to a tree and returns the last one; null for no steps. Of lists the entry with the keys.
+data_node *add_path(data_tree &tree, const std::vector<path_step> &steps);
+
 // A tree of one path as JSON, with an operation on its last node unless that is no_operation.
 std::string text_for(const std::vector<path_step> &steps, const schema &modules, uint32_t operation = no_operation,
                      const std::optional<std::string> &value = {});

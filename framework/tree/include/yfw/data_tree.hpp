@@ -30,6 +30,7 @@ struct data_node {
   data_node *last_child = nullptr;  // first node of the last group
   data_node *next = nullptr;
   data_node *next_entry = nullptr;
+  data_node *previous_entry = nullptr;
   data_node *last_entry = nullptr;  // of the group, in its first node only
 };
 
@@ -60,6 +61,31 @@ class data_tree {
 
   void set_value(data_node &node, std::string_view value);
 
+  // The child of that schema node, of a group the first one, or null.
+  const data_node *find(const data_node *parent, const lysc_node *schema) const;
+  data_node *find(const data_node *parent, const lysc_node *schema);
+
+  // The list entry that was added by `entry` with those keys, all keys of the list, or null. Constant time.
+  const data_node *find_entry(const data_node *parent, const lysc_node *list, std::span<const key_value> keys) const;
+  data_node *find_entry(const data_node *parent, const lysc_node *list, std::span<const key_value> keys);
+
+  // The node that was added by `item` with that value, or null. Constant time.
+  const data_node *find_item(const data_node *parent, const lysc_node *leaf_list, std::string_view value) const;
+  data_node *find_item(const data_node *parent, const lysc_node *leaf_list, std::string_view value);
+
+  // Takes a node with all that is below it out of the tree. It stays as it is until it is either put back with
+  // `restore`, in the reverse order of removals and additions and with the result of this call, or let go with
+  // `release`. Time is in proportion to the number of the groups beside it. `restore` throws nothing.
+  using index_type = std::unordered_map<std::string, data_node *>;
+  using index_handle = index_type::node_type;
+  index_handle remove(data_node &node);
+  void restore(data_node &node, index_handle handle) noexcept;
+  void release(data_node &node);
+
+  // Frees the memory of texts that were replaced or released, when they are more than half of all. Values and names
+  // that are no schema's move.
+  void compact();
+
   // The first group at the top, or null when the tree is empty.
   const data_node *first() const {
     return top_.first_child;
@@ -84,7 +110,12 @@ class data_tree {
   data_node *group(data_node *parent, const node_name &name);
   data_node &append(data_node *parent, const node_name &name, data_node *siblings);
   std::string_view keep(std::string_view text);
-  std::string &index_key(const data_node *parent, const node_name &name);
+  std::string index_key(const data_node *parent, std::string_view ns, std::string_view tag) const;
+  std::string entry_index_key(const data_node *parent, const node_name &name, std::span<const key_value> ordered) const;
+  std::string index_key_of(const data_node &node) const;
+  data_node *&link_to(data_node &above, const data_node *next);
+  void forget(const data_node &node);
+  void keep_again(data_node *level);
 
   const schema *schema_;
   data_node top_;
@@ -93,8 +124,10 @@ class data_tree {
   std::vector<std::unique_ptr<char[]>> texts_;
   char *text_ = nullptr;
   size_t text_left_ = 0;
-  std::unordered_map<std::string, data_node *> index_;
-  std::string scratch_;
+  size_t kept_bytes_ = 0;  // of all texts
+  size_t dead_bytes_ = 0;  // of those that no node has any more
+  std::vector<data_node *> free_;
+  index_type index_;
 };
 
 // The path with keys, as `path` of a `yfw_node_t` gives it.

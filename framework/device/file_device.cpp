@@ -8,8 +8,9 @@
 #include <cstdio>
 #include <cstring>
 
-#include "yfw/device.hpp"
-#include "yfw/node.hpp"
+#include "native_store.hpp"
+#include "yfw/file_device.hpp"
+#include "yfw/namespaces.hpp"
 
 namespace yfw {
 namespace {
@@ -60,11 +61,28 @@ class descriptor {
   int file_;
 };
 
-std::string contents(const fs::path &name, const fs::path &target) {
-  const descriptor file(::open(target.c_str(), O_RDONLY | O_CLOEXEC));
-  if (file < 0) {
-    fail(name, "cannot be opened");
+// What tells whether a file is still the one that was read.
+struct file_identity {
+  dev_t device = 0;
+  ino_t number = 0;
+  off_t size = 0;
+  timespec changed = {};
+
+  bool operator==(const file_identity &other) const {
+    return device == other.device && number == other.number && size == other.size &&
+           changed.tv_sec == other.changed.tv_sec && changed.tv_nsec == other.changed.tv_nsec;
   }
+};
+
+file_identity identity_of(int file, const fs::path &name) {
+  struct stat found {};
+  if (::fstat(file, &found) != 0) {
+    fail(name, "cannot be looked at");
+  }
+  return {found.st_dev, found.st_ino, found.st_size, found.st_mtim};
+}
+
+std::string contents(int file, const fs::path &name) {
   std::string text;
   std::array<char, 65536> block;
   ssize_t count = 1;
@@ -123,7 +141,8 @@ class replacement {
     }
   }
 
-  void place() {
+  // Returns what the file is then.
+  file_identity place() {
     const descriptor directory(::open(target_.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (directory < 0) {
       fail(target_, "cannot be replaced, since its directory cannot be opened");
@@ -135,6 +154,7 @@ class replacement {
     if (::fsync(directory) != 0) {
       fail(target_, "is replaced, but its directory cannot be brought to disk");
     }
+    return identity_of(file_, target_);
   }
 
  private:
@@ -155,44 +175,114 @@ class replacement {
   bool is_placed_ = false;
 };
 
-}  // namespace
-
 // Open for the lock alone, by which nothing is written. Who made the file may let others only read it, and that does;
 // a file system over a network, though, may want it open for writing.
-static int opened_lock(const fs::path &file) {
+int opened_lock(const fs::path &file) {
   const int lock = ::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
   return lock < 0 && errno == EACCES ? ::open(file.c_str(), O_RDONLY | O_CLOEXEC) : lock;
 }
 
-file_lock::file_lock(const fs::path &file) : file_(opened_lock(file)) {
-  if (file_ < 0) {
-    fail(file, "cannot be opened, so that the device cannot be locked");
-  }
-  while (::flock(file_, LOCK_EX) != 0) {
-    if (const int why = errno; why != EINTR) {
-      ::close(file_);
-      errno = why;
-      fail(file, "cannot be locked");
+// An advisory lock (flock) on a file of that name, which is made when missing and stays. Waits until it is free.
+class file_lock {
+ public:
+  explicit file_lock(const fs::path &file) : file_(opened_lock(file)) {
+    if (file_ < 0) {
+      fail(file, "cannot be opened, so that the device cannot be locked");
+    }
+    while (::flock(file_, LOCK_EX) != 0) {
+      if (errno != EINTR) {
+        fail(file, "cannot be locked");
+      }
     }
   }
-}
 
-file_lock::~file_lock() {
-  ::close(file_);
-}
+ private:
+  descriptor file_;
+};
 
-device_file::device_file(const fs::path &file, const schema &modules, use intent)
-    : name_(file), target_(target_of(file)) {
-  if (intent == use::edit) {
-    lock_.emplace(target_.string() + ".lock");
+}  // namespace
+
+struct file_device::loaded_file {
+  file_identity identity;
+  std::shared_ptr<native_store> store;
+};
+
+namespace {
+
+// Keeps what it edits, and the lock on the file, as long as it lives.
+class file_transaction : public native_transaction {
+ public:
+  file_transaction(std::unique_ptr<file_lock> lock, std::shared_ptr<native_store> store,
+                   store_transaction::save_function save)
+      : lock_(std::move(lock)), store_(std::move(store)), inside_(*store_, std::move(save)) {}
+
+  void apply(std::span<const native_operation> operations) override {
+    inside_.apply(operations);
   }
-  content_.emplace(device::read(document::read(contents(name_, target_), name_.string(), modules)));
+  std::optional<std::vector<device_change>> effects() const override {
+    return inside_.effects();
+  }
+  void commit() override {
+    inside_.commit();
+  }
+
+ private:
+  const std::unique_ptr<file_lock> lock_;  // on another file: the device's file is a new one after each write
+  const std::shared_ptr<native_store> store_;
+  store_transaction inside_;
+};
+
+}  // namespace
+
+file_device::file_device(const fs::path &file, const schema &modules) : name_(file.string()), modules_(modules) {}
+
+file_device::~file_device() = default;
+
+const std::string &file_device::name() const {
+  return name_;
 }
 
-void device_file::save() {
-  replacement made(target_);
-  made.fill(content_->text());
-  made.place();
+const schema &file_device::modules() const {
+  return modules_;
+}
+
+device_capabilities file_device::capabilities() const {
+  return store_capabilities();
+}
+
+// What the file holds, read again when it is another one than the last time.
+std::shared_ptr<native_store> file_device::current(const fs::path &target) const {
+  const descriptor file(::open(target.c_str(), O_RDONLY | O_CLOEXEC));
+  if (file < 0) {
+    fail(name_, "cannot be opened");
+  }
+  const file_identity identity = identity_of(file, name_);
+  const std::scoped_lock lock(mutex_);
+  if (loaded_ == nullptr || !(loaded_->identity == identity)) {
+    const document native = document::read(contents(file, name_), name_, modules_);
+    loaded_ = std::make_unique<loaded_file>(identity, std::make_shared<native_store>(native_data(native)));
+  }
+  return loaded_->store;
+}
+
+document file_device::read(std::span<const native_operation> operations, datastore /*from*/) const {
+  return current(target_of(name_))->read(operations, name_);
+}
+
+std::unique_ptr<native_transaction> file_device::begin(datastore /*to*/, transaction_use use) {
+  const fs::path target = target_of(name_);
+  if (use == transaction_use::trial) {
+    return std::make_unique<file_transaction>(nullptr, current(target), store_transaction::save_function());
+  }
+  auto lock = std::make_unique<file_lock>(target.string() + ".lock");
+  const auto save = [this, target](const native_data &data) {
+    replacement made(target);
+    made.fill(data.text());
+    const file_identity identity = made.place();
+    const std::scoped_lock loaded(mutex_);
+    loaded_->identity = identity;
+  };
+  return std::make_unique<file_transaction>(std::move(lock), current(target), save);
 }
 
 }  // namespace yfw

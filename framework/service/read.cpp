@@ -1,38 +1,16 @@
-#include "yfw/engine.hpp"
-
 #include <algorithm>
-#include <cctype>
-#include <sstream>
 #include <utility>
 
-#include "engine_internal.hpp"
 #include "yfw/internal/dispatch.hpp"
 #include "yfw/internal/manifest_nodes.hpp"
+#include "yfw/mapping_service.hpp"
 #include "yfw/native_request.hpp"
 #include "yfw/node.hpp"
-#include "yfw/writer.hpp"
+#include "yfw/path_document.hpp"
+#include "yfw/query.hpp"
 
 namespace yfw {
 namespace {
-
-// A note without the line of a text that nobody sees. What stands before a line is the file's name.
-std::string without_line(const std::string &note, const std::string &file) {
-  const std::string before = file.empty() ? "line " : file + ":";
-  size_t end = before.size();
-  while (end < note.size() && std::isdigit(static_cast<unsigned char>(note[end])) != 0) {
-    ++end;
-  }
-  if (!note.starts_with(before) || end == before.size() || note.substr(end, 2) != ": ") {
-    return note;
-  }
-  return (file.empty() ? "" : file + ": ") + note.substr(end + 2);
-}
-
-std::string as_xml(const data_tree &tree) {
-  std::ostringstream text;
-  write_xml(text, tree, {.wrappers = {{"data", netconf_ns}}});
-  return text.str();
-}
 
 // Names and values select what the device need not know of: the answer is filtered by them.
 bool is_settled_by_filter(const std::string &note) {
@@ -82,16 +60,20 @@ class key_reads {
 
 }  // namespace
 
-client_error without_line(const client_error &fault) {
-  return {place{fault.where().file, 0, fault.where().path}, fault.text(), fault.tag(), fault.bad_element()};
-}
-
-reply engine::get(const device &native, document &request, const client_request &client, content wanted) const {
+reply mapping_service::get(document &request, const client_request &client, content wanted) const {
   if (client.operation == client_operation::get_config) {
     wanted = content::config;
   }
+  reply found = answer(request, client, wanted);
+  found.data = client.everything ? selected_content(found.data, wanted)
+                                 : filtered(found.data, request, client.data, wanted);
+  return found;
+}
+
+// All that the device says to the request, unfiltered.
+reply mapping_service::answer(document &request, const client_request &client, content wanted) const {
   native_request asked = translate_request(request, client, mapping_, log_);
-  key_reads keys(mapping_.description(), native.modules(), client, asked.calls);
+  key_reads keys(mapping_.description(), device_.modules(), client, asked.calls);
   for (const yfw_node_t *node : client.data) {
     keys.add_below(*node);
   }
@@ -100,45 +82,34 @@ reply engine::get(const device &native, document &request, const client_request 
     asked.notes.push_back(request.file() + ": source " + in_quotes(client.source) +
                           ": the device has one datastore, 'running', which is read");
   }
-  document selected = document::read(as_xml(native.select(asked.calls)), native.file(), native.modules());
+  document native = device_.read(asked.calls, datastore::running);
   try {
-    reply translated = translate_reply(selected, mapping_, {.wanted = wanted}, log_);
-    for (const std::string &note : translated.notes) {
-      asked.notes.push_back(without_line(note, native.file()));
-    }
-    return {client.everything ? selected_content(translated.data, wanted)
-                              : filtered(translated.data, request, client.data, wanted),
-            std::move(asked.notes)};
+    reply translated = translate_reply(native, mapping_, {.wanted = wanted}, log_);
+    asked.notes.insert(asked.notes.end(), translated.notes.begin(), translated.notes.end());
+    return {std::move(translated.data), std::move(asked.notes)};
   } catch (const error &fault) {
     // The path is the device's, where an error's place is the client's.
-    throw client_error({native.file(), 0, {}}, fault.where().path + ": " + fault.text(), error_tag::operation_failed);
+    throw client_error({device_.name(), 0, {}}, fault.where().path + ": " + fault.text(), error_tag::operation_failed);
   }
 }
 
-reply engine::find(const device &native, std::string_view xpath, client_operation operation, content wanted) const {
-  read_xpath expression =
-      read_expression(xpath, native.modules(), client_nodes(mapping_.description(), native.modules()));
+reply mapping_service::find(std::string_view xpath, client_operation operation, content wanted) const {
+  const schema &modules = device_.modules();
+  read_xpath expression = read_expression(xpath, modules, client_nodes(mapping_.description(), modules));
   std::vector<path_step> &steps = expression.steps;
   if (steps.size() > 1 && is_key(steps.back().node)) {
     steps[steps.size() - 2].keys.clear();  // with a key's value in it, the filter would select the whole entry
   }
-  document request = request_for(steps, native.modules());
+  document request = request_for(steps, modules);
   client_request client = bare_request(request, operation);
   client.everything = steps.empty();
-  try {
-    reply answer = get(native, request, client, wanted);
-    reply result{data_tree(native.modules()), {}};
-    tree_selection selected(result.data, content::all);
-    for (const data_node *node : selected_nodes(answer.data, expression.qualified)) {
-      selected.add_subtree(*node);
-    }
-    for (const std::string &note : answer.notes) {
-      result.notes.push_back(without_line(note, ""));
-    }
-    return result;
-  } catch (const client_error &fault) {
-    throw without_line(fault);
+  reply found = get(request, client, wanted);
+  reply result{data_tree(modules), std::move(found.notes)};
+  tree_selection selected(result.data, content::all);
+  for (const data_node *node : selected_nodes(found.data, expression.qualified)) {
+    selected.add_subtree(*node);
   }
+  return result;
 }
 
 }  // namespace yfw

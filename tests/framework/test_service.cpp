@@ -6,15 +6,16 @@
 
 #include "ethernet.hpp"
 #include "library.hpp"
-#include "yfw/engine.hpp"
+#include "yfw/mapping_service.hpp"
+#include "yfw/memory_device.hpp"
 #include "yfw/message.hpp"
 #include "yfw/writer.hpp"
 
 namespace {
 
 // OpenConfig can tell the flow control "bidirectional", but not "ingress".
-yfw::device ports(const std::string &flow_control = "ingress") {
-  return yfw::device::read(yfw::document::read(
+yfw::memory_device ports(const std::string &flow_control = "ingress") {
+  return yfw::memory_device(yfw::document::read(
       R"({"Zemlo-QUARN-interface-cfg:interface-configurations": {"interface-configuration": [
             {"interface-name": "Gi1", "Zemlo-QUARN-mdrv-lib-cfg:mac-addr": "02:00:00:00:00:01",
              "Zemlo-QUARN-drivers-media-eth-cfg:ethernet": {"duplex": "full", "speed": "100"}},
@@ -45,28 +46,29 @@ std::string compact(const yfw::data_tree &tree) {
 
 // ---- edits
 
-struct EngineEditRow {
+struct ServiceEditRow {
   const char *name;
   std::string edit;
   const char *result;  // "last path name: before -> after" of each change, or the tag and what the error says
 };
 
-class EngineEdit : public testing::TestWithParam<EngineEditRow> {};
+class ServiceEdit : public testing::TestWithParam<ServiceEditRow> {};
 
 std::string words(const yfw::device_change &change) {
   return change.path.substr(change.path.rfind('/') + 1) + ": " + change.before.value_or("none") + " -> " +
          change.after.value_or("none") + "; ";
 }
 
-TEST_P(EngineEdit, DoesWhatTheClientSays) {
-  yfw::device device = ports();
+TEST_P(ServiceEdit, DoesWhatTheClientSays) {
+  yfw::memory_device device = ports();
   const std::string before = device.text();
   yfw::trace_log log;
   std::string result;
   try {
     yfw::document request = yfw::document::read(GetParam().edit, "", modules());
     const auto client = read_client_request(request, yfw::client_operation::edit);
-    for (const yfw::device_change &change : yfw::engine(mapping(), log).edit(device, request, client).changes) {
+    for (const yfw::device_change &change :
+         yfw::mapping_service(mapping(), device, log).edit(request, client).changes) {
       result += words(change);
     }
   } catch (const yfw::client_error &fault) {
@@ -79,124 +81,125 @@ TEST_P(EngineEdit, DoesWhatTheClientSays) {
 constexpr const char *none = "<default-operation>none</default-operation>";
 
 INSTANTIATE_TEST_SUITE_P(
-    Effects, EngineEdit,
+    Effects, ServiceEdit,
     testing::Values(
-        EngineEditRow{"Merge", message("", config_of("Gi1", "<port-speed>SPEED_1GB</port-speed>")),
-                      "speed: 100 -> 1000; "},
-        EngineEditRow{"MergeMakesInterface", message("", config_of("Gi3", "<duplex-mode>HALF</duplex-mode>")),
-                      "interface-configuration[interface-name='Gi3']: none -> ; duplex: none -> half; "},
+        ServiceEditRow{"Merge", message("", config_of("Gi1", "<port-speed>SPEED_1GB</port-speed>")),
+                       "speed: 100 -> 1000; "},
+        ServiceEditRow{"MergeMakesInterface", message("", config_of("Gi3", "<duplex-mode>HALF</duplex-mode>")),
+                       "interface-configuration[interface-name='Gi3']: none -> ; duplex: none -> half; "},
         // Natively this is a strict delete of what is not there.
-        EngineEditRow{"MergeOfAbsence",
-                      message("", config_of("Gi1", "<enable-flow-control>false</enable-flow-control>")), ""},
+        ServiceEditRow{"MergeOfAbsence",
+                       message("", config_of("Gi1", "<enable-flow-control>false</enable-flow-control>")), ""},
         // Natively this is a strict create of what is there.
-        EngineEditRow{"RemoveOfDefault", message("", config_of("Gi2", "<auto-negotiate nc:operation='remove'/>")), ""},
-        EngineEditRow{"Create",
-                      message("", config_of("Gi1",
-                                            "<enable-flow-control nc:operation='create'>true"
-                                            "</enable-flow-control>")),
-                      "flow-control: none -> bidirectional; "},
-        EngineEditRow{"Delete", message("", config_of("Gi1", "<port-speed nc:operation='delete'/>")),
-                      "speed: 100 -> none; "},
-        EngineEditRow{"RemoveAbsent", message("", config_of("Gi9", "<port-speed nc:operation='remove'/>")), ""},
-        EngineEditRow{"ReplaceOfContainer",
-                      "<data xmlns='urn:ietf:params:xml:ns:netconf:base:1.0' "
-                      "xmlns:nc='urn:ietf:params:xml:ns:netconf:base:1.0'><interfaces "
-                      "xmlns='http://openconfig.net/yang/interfaces'><interface><name>Gi1</name><ethernet "
-                      "xmlns='http://openconfig.net/yang/interfaces/ethernet'><config nc:operation='replace'>"
-                      "<auto-negotiate>false</auto-negotiate><duplex-mode>HALF</duplex-mode></config></ethernet>"
-                      "</interface></interfaces></data>",
-                      "mac-addr: 02:00:00:00:00:01 -> none; duplex: full -> half; speed: 100 -> none; "},
-        EngineEditRow{"DefaultNone",
-                      message(none, config_of("Gi1",
-                                              "<duplex-mode>HALF</duplex-mode>"
-                                              "<port-speed nc:operation='merge'>SPEED_1GB"
-                                              "</port-speed>")),
-                      "speed: 100 -> 1000; "},
-        EngineEditRow{"CreateInterface", message("", "<interface nc:operation='create'><name>Gi3</name></interface>"),
-                      "interface-configuration[interface-name='Gi3']: none -> ; auto-negotiation: none -> override; "}),
+        ServiceEditRow{"RemoveOfDefault", message("", config_of("Gi2", "<auto-negotiate nc:operation='remove'/>")), ""},
+        ServiceEditRow{"Create",
+                       message("", config_of("Gi1",
+                                             "<enable-flow-control nc:operation='create'>true"
+                                             "</enable-flow-control>")),
+                       "flow-control: none -> bidirectional; "},
+        ServiceEditRow{"Delete", message("", config_of("Gi1", "<port-speed nc:operation='delete'/>")),
+                       "speed: 100 -> none; "},
+        ServiceEditRow{"RemoveAbsent", message("", config_of("Gi9", "<port-speed nc:operation='remove'/>")), ""},
+        ServiceEditRow{"ReplaceOfContainer",
+                       "<data xmlns='urn:ietf:params:xml:ns:netconf:base:1.0' "
+                       "xmlns:nc='urn:ietf:params:xml:ns:netconf:base:1.0'><interfaces "
+                       "xmlns='http://openconfig.net/yang/interfaces'><interface><name>Gi1</name><ethernet "
+                       "xmlns='http://openconfig.net/yang/interfaces/ethernet'><config nc:operation='replace'>"
+                       "<auto-negotiate>false</auto-negotiate><duplex-mode>HALF</duplex-mode></config></ethernet>"
+                       "</interface></interfaces></data>",
+                       "mac-addr: 02:00:00:00:00:01 -> none; duplex: full -> half; speed: 100 -> none; "},
+        ServiceEditRow{"DefaultNone",
+                       message(none, config_of("Gi1",
+                                               "<duplex-mode>HALF</duplex-mode>"
+                                               "<port-speed nc:operation='merge'>SPEED_1GB"
+                                               "</port-speed>")),
+                       "speed: 100 -> 1000; "},
+        ServiceEditRow{
+            "CreateInterface", message("", "<interface nc:operation='create'><name>Gi3</name></interface>"),
+            "interface-configuration[interface-name='Gi3']: none -> ; auto-negotiation: none -> override; "}),
     [](const auto &each) { return std::string(each.param.name); });
 
 INSTANTIATE_TEST_SUITE_P(
-    Errors, EngineEdit,
+    Errors, ServiceEdit,
     testing::Values(
-        EngineEditRow{"CreatePresent",
-                      message("", config_of("Gi1", "<duplex-mode nc:operation='create'>FULL</duplex-mode>")),
-                      "data-exists |cannot be created: it is there already"},
+        ServiceEditRow{"CreatePresent",
+                       message("", config_of("Gi1", "<duplex-mode nc:operation='create'>FULL</duplex-mode>")),
+                       "data-exists |cannot be created: it is there already"},
         // The device has no item for it, and reads as "false".
-        EngineEditRow{"CreateOfWhatReadsAsPresent",
-                      message("", config_of("Gi1", "<auto-negotiate nc:operation='create'>true</auto-negotiate>")),
-                      "data-exists |cannot be created: it is there already"},
-        EngineEditRow{"CreateInterfacePresent",
-                      message("", "<interface nc:operation='create'><name>Gi1</name></interface>"),
-                      "data-exists |cannot be created: it is there already"},
-        EngineEditRow{"DeleteAbsent", message("", config_of("Gi1", "<enable-flow-control nc:operation='delete'/>")),
-                      "data-missing |cannot be deleted: it is not there; 'remove' would not mind"},
+        ServiceEditRow{"CreateOfWhatReadsAsPresent",
+                       message("", config_of("Gi1", "<auto-negotiate nc:operation='create'>true</auto-negotiate>")),
+                       "data-exists |cannot be created: it is there already"},
+        ServiceEditRow{"CreateInterfacePresent",
+                       message("", "<interface nc:operation='create'><name>Gi1</name></interface>"),
+                       "data-exists |cannot be created: it is there already"},
+        ServiceEditRow{"DeleteAbsent", message("", config_of("Gi1", "<enable-flow-control nc:operation='delete'/>")),
+                       "data-missing |cannot be deleted: it is not there; 'remove' would not mind"},
         // The item "override" reads as the leaf's default, which is its absence.
-        EngineEditRow{"DeleteOfWhatReadsAsAbsent",
-                      message("", config_of("Gi2", "<auto-negotiate nc:operation='delete'/>")),
-                      "data-missing |cannot be deleted: it is not there; 'remove' would not mind"},
-        EngineEditRow{"NoneInAbsentInterface",
-                      message(none, config_of("Gi9", "<port-speed nc:operation='merge'>SPEED_1GB</port-speed>")),
-                      "data-missing |is not there, and default-operation 'none' does not make it"},
+        ServiceEditRow{"DeleteOfWhatReadsAsAbsent",
+                       message("", config_of("Gi2", "<auto-negotiate nc:operation='delete'/>")),
+                       "data-missing |cannot be deleted: it is not there; 'remove' would not mind"},
+        ServiceEditRow{"NoneInAbsentInterface",
+                       message(none, config_of("Gi9", "<port-speed nc:operation='merge'>SPEED_1GB</port-speed>")),
+                       "data-missing |is not there, and default-operation 'none' does not make it"},
         // The first leaf is good: the edit is whole or nothing.
-        EngineEditRow{
+        ServiceEditRow{
             "NotInYang",
             message("", config_of("Gi1", "<duplex-mode>HALF</duplex-mode><port-speed>SPEED_3MB</port-speed>")),
             "invalid-value |'SPEED_3MB' is not one of its values, which are 'SPEED_10MB', 'SPEED_100MB', "
             "'SPEED_1GB', 'SPEED_2500MB', 'SPEED_5GB', 'SPEED_10GB', 'SPEED_25GB', 'SPEED_40GB', "
             "'SPEED_50GB', 'SPEED_100GB', 'SPEED_200GB', 'SPEED_400GB', 'SPEED_UNKNOWN'"},
-        EngineEditRow{
+        ServiceEditRow{
             "NotInMapping",
             message("", config_of("Gi1", "<duplex-mode>HALF</duplex-mode><port-speed>SPEED_5GB</port-speed>")),
             "invalid-value |'SPEED_5GB' has no native counterpart; mapped are 'SPEED_10MB', 'SPEED_100MB', "
             "'SPEED_1GB'"},
-        EngineEditRow{
+        ServiceEditRow{
             "UnknownElement", message("", config_of("Gi1", "<duplex>HALF</duplex>")),
             "unknown-element duplex|'duplex' of namespace 'http://openconfig.net/yang/interfaces/ethernet' is "
             "not a child of '/interfaces/interface/ethernet/config'"},
-        EngineEditRow{"UnknownNamespace", message("", "<interface><name>Gi1</name><x xmlns='urn:x'/></interface>"),
-                      "unknown-namespace x|'x' of namespace 'urn:x' is not a child of '/interfaces/interface'"},
-        EngineEditRow{"MissingKey", message("", "<interface/>"),
-                      "missing-element name|has no key 'name', which an edit needs"},
-        EngineEditRow{"Twice",
-                      message("", config_of("Gi1", "<duplex-mode>HALF</duplex-mode><duplex-mode>FULL</duplex-mode>")),
-                      "bad-element duplex-mode|'duplex-mode' appears twice"},
-        EngineEditRow{"NotMapped",
-                      message("", config_of("Gi1",
-                                            "<aggregate-id xmlns='http://openconfig.net/yang/"
-                                            "interfaces/aggregate'>Ae1</aggregate-id>")),
-                      "operation-not-supported |is not mapped: it has no native counterpart"},
-        EngineEditRow{"DeleteInterface", message("", "<interface nc:operation='delete'><name>Gi1</name></interface>"),
-                      "operation-not-supported |no plug-in can carry out operation 'delete' on it; give the operation "
-                      "on a mapped node below it"},
-        EngineEditRow{"CreateAboveInterface",
-                      "<interfaces xmlns='http://openconfig.net/yang/interfaces' "
-                      "xmlns:nc='urn:ietf:params:xml:ns:netconf:base:1.0' nc:operation='create'/>",
-                      "operation-not-supported |no plug-in can carry out operation 'create' on it; give the operation "
-                      "on a mapped node below it"},
-        EngineEditRow{"CreateDeepInDeleted",
-                      message("",
-                              "<interface><name>Gi1</name><ethernet "
-                              "xmlns='http://openconfig.net/yang/interfaces/ethernet' nc:operation='remove'><config>"
-                              "<duplex-mode nc:operation='create'>HALF</duplex-mode></config></ethernet></interface>"),
-                      "bad-element duplex-mode|operation 'create' stands inside what is deleted"},
-        EngineEditRow{"CreateKey", message("", "<interface><name nc:operation='create'>Gi1</name></interface>"),
-                      "bad-element name|is a key; operation 'create' is given on its list entry"},
-        EngineEditRow{"ContinueOnError",
-                      message("<error-option>continue-on-error</error-option>", config_of("Gi1", "")),
-                      "operation-not-supported |error-option 'continue-on-error' is not supported: an edit is done "
-                      "whole or not at all, as 'rollback-on-error' says"}),
+        ServiceEditRow{"UnknownNamespace", message("", "<interface><name>Gi1</name><x xmlns='urn:x'/></interface>"),
+                       "unknown-namespace x|'x' of namespace 'urn:x' is not a child of '/interfaces/interface'"},
+        ServiceEditRow{"MissingKey", message("", "<interface/>"),
+                       "missing-element name|has no key 'name', which an edit needs"},
+        ServiceEditRow{"Twice",
+                       message("", config_of("Gi1", "<duplex-mode>HALF</duplex-mode><duplex-mode>FULL</duplex-mode>")),
+                       "bad-element duplex-mode|'duplex-mode' appears twice"},
+        ServiceEditRow{"NotMapped",
+                       message("", config_of("Gi1",
+                                             "<aggregate-id xmlns='http://openconfig.net/yang/"
+                                             "interfaces/aggregate'>Ae1</aggregate-id>")),
+                       "operation-not-supported |is not mapped: it has no native counterpart"},
+        ServiceEditRow{"DeleteInterface", message("", "<interface nc:operation='delete'><name>Gi1</name></interface>"),
+                       "operation-not-supported |no plug-in can carry out operation 'delete' on it; give the operation "
+                       "on a mapped node below it"},
+        ServiceEditRow{"CreateAboveInterface",
+                       "<interfaces xmlns='http://openconfig.net/yang/interfaces' "
+                       "xmlns:nc='urn:ietf:params:xml:ns:netconf:base:1.0' nc:operation='create'/>",
+                       "operation-not-supported |no plug-in can carry out operation 'create' on it; give the operation "
+                       "on a mapped node below it"},
+        ServiceEditRow{"CreateDeepInDeleted",
+                       message("",
+                               "<interface><name>Gi1</name><ethernet "
+                               "xmlns='http://openconfig.net/yang/interfaces/ethernet' nc:operation='remove'><config>"
+                               "<duplex-mode nc:operation='create'>HALF</duplex-mode></config></ethernet></interface>"),
+                       "bad-element duplex-mode|operation 'create' stands inside what is deleted"},
+        ServiceEditRow{"CreateKey", message("", "<interface><name nc:operation='create'>Gi1</name></interface>"),
+                       "bad-element name|is a key; operation 'create' is given on its list entry"},
+        ServiceEditRow{"ContinueOnError",
+                       message("<error-option>continue-on-error</error-option>", config_of("Gi1", "")),
+                       "operation-not-supported |error-option 'continue-on-error' is not supported: an edit is done "
+                       "whole or not at all, as 'rollback-on-error' says"}),
     [](const auto &each) { return std::string(each.param.name); });
 
-TEST(EngineEdit, ChangesNothingWithTestOnly) {
-  yfw::device device = ports();
+TEST(ServiceEdit, ChangesNothingWithTestOnly) {
+  yfw::memory_device device = ports();
   const std::string before = device.text();
   yfw::trace_log log;
   yfw::document request = yfw::document::read(
       message("<test-option>test-only</test-option>", config_of("Gi1", "<duplex-mode>HALF</duplex-mode>")), "",
       modules());
   const auto client = read_client_request(request, yfw::client_operation::edit);
-  EXPECT_EQ(1U, yfw::engine(mapping(), log).edit(device, request, client).changes.size());
+  EXPECT_EQ(1U, yfw::mapping_service(mapping(), device, log).edit(request, client).changes.size());
   EXPECT_EQ(before, device.text());
 }
 
@@ -209,8 +212,8 @@ struct LeafListRow {
 class LeafListEdit : public testing::TestWithParam<LeafListRow> {};
 
 TEST_P(LeafListEdit, LooksForTheEntryOfThatValue) {
-  yfw::device device =
-      yfw::device::read(yfw::document::read(R"({"library:library":{"shelf":[1,2]}})", "device", library()));
+  yfw::memory_device device =
+      yfw::memory_device(yfw::document::read(R"({"library:library":{"shelf":[1,2]}})", "device", library()));
   const yfw::plugin shelves = yfw::plugin::load(YFW_TEST_SHELVES);
   yfw::trace_log log;
   std::string result;
@@ -218,7 +221,7 @@ TEST_P(LeafListEdit, LooksForTheEntryOfThatValue) {
     yfw::document request =
         yfw::document::read(R"({"library:library":{)" + std::string(GetParam().library) + "}}", "edit", library());
     const auto client = read_client_request(request, yfw::client_operation::edit);
-    for (const yfw::device_change &change : yfw::engine(shelves, log).edit(device, request, client).changes) {
+    for (const yfw::device_change &change : yfw::mapping_service(shelves, device, log).edit(request, client).changes) {
       result += words(change);
     }
   } catch (const yfw::client_error &fault) {
@@ -274,19 +277,20 @@ TEST(Reply, TellsEntriesApartByEachKey) {
 
 // ---- reads
 
-struct EngineGetRow {
+struct ServiceGetRow {
   const char *name, *filter, *answer;  // JSON: the interfaces that are asked for, and that are found
 };
 
-class EngineGet : public testing::TestWithParam<EngineGetRow> {};
+class ServiceGet : public testing::TestWithParam<ServiceGetRow> {};
 
-TEST_P(EngineGet, AnswersWhatIsAskedAndNoMore) {
+TEST_P(ServiceGet, AnswersWhatIsAskedAndNoMore) {
   yfw::trace_log log;
   const std::string filter =
       "{\"openconfig-interfaces:interfaces\":{\"interface\":" + std::string(GetParam().filter) + "}}";
   yfw::document request = yfw::document::read(filter, "filter", modules());
   const auto client = read_client_request(request, yfw::client_operation::get);
-  const yfw::reply answer = yfw::engine(mapping(), log).get(ports(), request, client, yfw::content::all);
+  yfw::memory_device device = ports();
+  const yfw::reply answer = yfw::mapping_service(mapping(), device, log).get(request, client, yfw::content::all);
   const std::string found = GetParam().answer;
   EXPECT_EQ(found.empty() ? "{}" : "{\"openconfig-interfaces:interfaces\":{\"interface\":" + found + "}}",
             compact(answer.data));
@@ -294,47 +298,49 @@ TEST_P(EngineGet, AnswersWhatIsAskedAndNoMore) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Rows, EngineGet,
+    Rows, ServiceGet,
     testing::Values(
         // Flow control is not asked of the device: it could not be told.
-        EngineGetRow{"OneLeaf", R"([{"openconfig-if-ethernet:ethernet":{"config":{"duplex-mode":null}}}])",
-                     R"([{"name":"Gi1","openconfig-if-ethernet:ethernet":{"config":{"duplex-mode":"FULL"}}},)"
-                     R"({"name":"Gi2","openconfig-if-ethernet:ethernet":{"config":{"duplex-mode":"HALF"}}}])"},
-        EngineGetRow{"OfOneEntry",
-                     R"([{"name":"Gi2","openconfig-if-ethernet:ethernet":{"config":{"duplex-mode":null}}}])",
-                     R"([{"name":"Gi2","openconfig-if-ethernet:ethernet":{"config":{"duplex-mode":"HALF"}}}])"},
-        EngineGetRow{"OfTwoEntries",
-                     R"([{"name":"Gi2","openconfig-if-ethernet:ethernet":{"config":{"duplex-mode":null}}},)"
-                     R"({"name":"Gi1","openconfig-if-ethernet:ethernet":{"config":{"port-speed":null}}}])",
-                     R"([{"name":"Gi2","openconfig-if-ethernet:ethernet":{"config":{"duplex-mode":"HALF"}}},)"
-                     R"({"name":"Gi1","openconfig-if-ethernet:ethernet":{"config":{"port-speed":"SPEED_100MB"}}}])"},
-        EngineGetRow{"AbsentLeafOfMatchedEntry",
-                     R"([{"name":"Gi2","openconfig-if-ethernet:ethernet":{"config":{"port-speed":null}}}])",
-                     R"([{"name":"Gi2"}])"},
-        EngineGetRow{"AbsentEntry", R"([{"name":"Gi9"}])", ""},
-        EngineGetRow{"Keys", R"([{"name":null}])", R"([{"name":"Gi1"},{"name":"Gi2"}])"},
-        EngineGetRow{"ByValue",
-                     R"([{"openconfig-if-ethernet:ethernet":{"config":{"duplex-mode":"FULL","port-speed":null}}}])",
-                     R"([{"name":"Gi1","openconfig-if-ethernet:ethernet":)"
-                     R"({"config":{"duplex-mode":"FULL","port-speed":"SPEED_100MB"}}}])"},
-        EngineGetRow{"ByValueInAnotherForm",
-                     R"([{"openconfig-if-ethernet:ethernet":)"
-                     R"({"config":{"port-speed":"openconfig-if-ethernet:SPEED_100MB","duplex-mode":null}}}])",
-                     R"([{"name":"Gi1","openconfig-if-ethernet:ethernet":)"
-                     R"({"config":{"port-speed":"SPEED_100MB","duplex-mode":"FULL"}}}])"},
-        EngineGetRow{"WholeByKey", R"([{"name":"Gi1"}])",
-                     R"([{"name":"Gi1","openconfig-if-ethernet:ethernet":{"config":{"mac-address":"02:00:00:00:00:01",)"
-                     R"("duplex-mode":"FULL","port-speed":"SPEED_100MB","auto-negotiate":false},)"
-                     R"("state":{"mac-address":"02:00:00:00:00:01","duplex-mode":"FULL","port-speed":"SPEED_100MB",)"
-                     R"("auto-negotiate":false}}}])"}),
+        ServiceGetRow{"OneLeaf", R"([{"openconfig-if-ethernet:ethernet":{"config":{"duplex-mode":null}}}])",
+                      R"([{"name":"Gi1","openconfig-if-ethernet:ethernet":{"config":{"duplex-mode":"FULL"}}},)"
+                      R"({"name":"Gi2","openconfig-if-ethernet:ethernet":{"config":{"duplex-mode":"HALF"}}}])"},
+        ServiceGetRow{"OfOneEntry",
+                      R"([{"name":"Gi2","openconfig-if-ethernet:ethernet":{"config":{"duplex-mode":null}}}])",
+                      R"([{"name":"Gi2","openconfig-if-ethernet:ethernet":{"config":{"duplex-mode":"HALF"}}}])"},
+        ServiceGetRow{"OfTwoEntries",
+                      R"([{"name":"Gi2","openconfig-if-ethernet:ethernet":{"config":{"duplex-mode":null}}},)"
+                      R"({"name":"Gi1","openconfig-if-ethernet:ethernet":{"config":{"port-speed":null}}}])",
+                      R"([{"name":"Gi2","openconfig-if-ethernet:ethernet":{"config":{"duplex-mode":"HALF"}}},)"
+                      R"({"name":"Gi1","openconfig-if-ethernet:ethernet":{"config":{"port-speed":"SPEED_100MB"}}}])"},
+        ServiceGetRow{"AbsentLeafOfMatchedEntry",
+                      R"([{"name":"Gi2","openconfig-if-ethernet:ethernet":{"config":{"port-speed":null}}}])",
+                      R"([{"name":"Gi2"}])"},
+        ServiceGetRow{"AbsentEntry", R"([{"name":"Gi9"}])", ""},
+        ServiceGetRow{"Keys", R"([{"name":null}])", R"([{"name":"Gi1"},{"name":"Gi2"}])"},
+        ServiceGetRow{"ByValue",
+                      R"([{"openconfig-if-ethernet:ethernet":{"config":{"duplex-mode":"FULL","port-speed":null}}}])",
+                      R"([{"name":"Gi1","openconfig-if-ethernet:ethernet":)"
+                      R"({"config":{"duplex-mode":"FULL","port-speed":"SPEED_100MB"}}}])"},
+        ServiceGetRow{"ByValueInAnotherForm",
+                      R"([{"openconfig-if-ethernet:ethernet":)"
+                      R"({"config":{"port-speed":"openconfig-if-ethernet:SPEED_100MB","duplex-mode":null}}}])",
+                      R"([{"name":"Gi1","openconfig-if-ethernet:ethernet":)"
+                      R"({"config":{"port-speed":"SPEED_100MB","duplex-mode":"FULL"}}}])"},
+        ServiceGetRow{
+            "WholeByKey", R"([{"name":"Gi1"}])",
+            R"([{"name":"Gi1","openconfig-if-ethernet:ethernet":{"config":{"mac-address":"02:00:00:00:00:01",)"
+            R"("duplex-mode":"FULL","port-speed":"SPEED_100MB","auto-negotiate":false},)"
+            R"("state":{"mac-address":"02:00:00:00:00:01","duplex-mode":"FULL","port-speed":"SPEED_100MB",)"
+            R"("auto-negotiate":false}}}])"}),
     [](const auto &each) { return std::string(each.param.name); });
 
 // A value that the mapping cannot tell is no reason to keep the others from the client.
-TEST(EngineGet, LeavesOutWhatTheMappingCannotTell) {
+TEST(ServiceGet, LeavesOutWhatTheMappingCannotTell) {
   yfw::trace_log log;
-  const yfw::reply answer = yfw::engine(mapping(), log)
-                                .find(ports(), "/interfaces/interface[name='Gi2']/ethernet/config",
-                                      yfw::client_operation::get, yfw::content::all);
+  yfw::memory_device device = ports();
+  const yfw::reply answer =
+      yfw::mapping_service(mapping(), device, log)
+          .find("/interfaces/interface[name='Gi2']/ethernet/config", yfw::client_operation::get, yfw::content::all);
   const std::string text = compact(answer.data);
   EXPECT_NE(text.find("duplex-mode"), std::string::npos) << text;
   EXPECT_EQ(text.find("enable-flow-control"), std::string::npos) << text;
@@ -349,16 +355,16 @@ struct XpathRow {
   const char *name, *xpath, *answer;  // JSON, or "tag|text" of the error
 };
 
-class EngineFind : public testing::TestWithParam<XpathRow> {};
+class ServiceFind : public testing::TestWithParam<XpathRow> {};
 
-TEST_P(EngineFind, SelectsByXpath) {
+TEST_P(ServiceFind, SelectsByXpath) {
   yfw::trace_log log;
+  yfw::memory_device device = ports("bidirectional");
   std::string answer;
   try {
-    answer = compact(
-        yfw::engine(mapping(), log)
-            .find(ports("bidirectional"), GetParam().xpath, yfw::client_operation::get_config, yfw::content::all)
-            .data);
+    answer = compact(yfw::mapping_service(mapping(), device, log)
+                         .find(GetParam().xpath, yfw::client_operation::get_config, yfw::content::all)
+                         .data);
   } catch (const yfw::client_error &fault) {
     answer = std::string(to_string(fault.tag())) + "|" + fault.text();
   }
@@ -370,7 +376,7 @@ TEST_P(EngineFind, SelectsByXpath) {
   "{\"name\":\"" name "\",\"openconfig-if-ethernet:ethernet\":{\"config\":{\"duplex-mode\":\"" mode "\"}}}"
 
 INSTANTIATE_TEST_SUITE_P(
-    Rows, EngineFind,
+    Rows, ServiceFind,
     testing::Values(
         XpathRow{"Plain", "/interfaces/interface[name=\"Gi1\"]/ethernet/config/duplex-mode",
                  INTERFACE(DUPLEX("Gi1", "FULL"))},

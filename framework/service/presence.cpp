@@ -1,0 +1,96 @@
+#include "presence.hpp"
+
+#include <algorithm>
+
+#include "yfw/client_request.hpp"
+#include "yfw/native_request.hpp"
+#include "yfw/node.hpp"
+#include "yfw/reply.hpp"
+
+namespace yfw {
+namespace {
+
+// Whether something below a node is configuration. List entries without anything but keys and empty containers are
+// there by themselves.
+bool has_configuration(const data_node &node) {
+  if (holds_value(node.schema)) {
+    return is_config(node.schema);
+  }
+  bool is_empty = true;
+  for (const data_node *first = node.first_child; first != nullptr; first = first->next) {
+    for (const data_node *below = first; below != nullptr; below = below->next_entry) {
+      if (!is_key(below->schema)) {
+        is_empty = false;
+        if (has_configuration(*below)) {
+          return true;
+        }
+      }
+    }
+  }
+  return is_empty;
+}
+
+}  // namespace
+
+void presence::read(const native_device &device) {
+  if (nodes_.empty()) {
+    return;
+  }
+  add_paths();
+  document question = document::from_tree(asked_, "");
+  const native_request translated =
+      translate_request(question, bare_request(question, client_operation::get_config), mapping_, log_);
+  document native = device.read(translated.calls, datastore::running);
+  found_ = translate_reply(native, mapping_, {.wanted = content::config}, log_).data;
+}
+
+// Shallow nodes first: what is below a node that is asked for as a whole comes with it.
+void presence::add_paths() {
+  std::vector<std::pair<size_t, const yfw_node_t *>> by_depth;
+  for (const yfw_node_t *node : nodes_) {
+    by_depth.emplace_back(steps_to(*node).size(), node);
+  }
+  std::ranges::stable_sort(by_depth, {}, &std::pair<size_t, const yfw_node_t *>::first);
+  for (const auto &[depth, node] : by_depth) {
+    add_path_to(*node);
+  }
+}
+
+void presence::add_path_to(const yfw_node_t &node) {
+  data_node *at = nullptr;
+  for (const path_step &step : steps_to(node)) {
+    const std::vector<key_value> keys(step.keys.begin(), step.keys.end());
+    at = is_list(step.node) ? &asked_.entry(at, ns(step.node), name(step.node), keys) : &asked_.at(at, step.node);
+    if (whole_.contains(at)) {
+      return;
+    }
+  }
+  whole_.insert(at);
+}
+
+bool presence::holds(const yfw_node_t &node) const {
+  const data_node *there = found(node);
+  return there != nullptr && has_configuration(*there);
+}
+
+const data_node *presence::found(const yfw_node_t &node) const {
+  const std::vector<path_step> steps = steps_to(node);
+  const data_node *at = nullptr;
+  for (const path_step &step : steps) {
+    const std::vector<key_value> keys(step.keys.begin(), step.keys.end());
+    at = is_list(step.node) && !keys.empty() ? found_.find_entry(at, step.node, keys) : found_.find(at, step.node);
+    if (at == nullptr) {
+      return nullptr;
+    }
+  }
+  if (at != nullptr && is_leaf_list(at->schema)) {
+    const checked_value checked = request_.check(node);
+    const std::string_view value = checked.ok ? std::string_view(checked.canonical) : node.value;
+    while (at != nullptr && at->value != value) {
+      at = at->next_entry;
+    }
+  }
+  return at;
+}
+
+}  // namespace yfw
