@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <array>
 
+#include "yfw/internal/byte_search.hpp"
 #include "yfw/internal/document_cutter.hpp"
 #include "yfw/internal/text.hpp"
 
@@ -139,11 +140,11 @@ class json_cutter : public document_cutter {
 
   // Behind the closing quote of the string that begins at `begin`.
   size_t string_end(size_t begin) const {
-    size_t end = window_.find('"', begin + 1);
-    while (end != npos && is_escaped(end, begin)) {
-      end = window_.find('"', end + 1);
+    size_t end = find_byte<'"'>(window_, begin + 1);
+    while (end < window_.size() && is_escaped(end, begin)) {
+      end = find_byte<'"'>(window_, end + 1);
     }
-    return end == npos ? npos : end + 1;
+    return end == window_.size() ? npos : end + 1;
   }
 
   bool is_escaped(size_t quote, size_t begin) const {
@@ -156,7 +157,7 @@ class json_cutter : public document_cutter {
 
   // Goes on to the end of the entry, or of the window.
   void pass_entry() {
-    while (at_ < window_.size() && depth_in_entry_ > 0) {
+    while (depth_in_entry_ > 0 && (at_ = find_byte<'"', '{', '}', '[', ']'>(window_, at_)) < window_.size()) {
       const char c = window_[at_];
       if (c == '"') {
         const size_t end = string_end(at_);
@@ -166,11 +167,8 @@ class json_cutter : public document_cutter {
         at_ = end;
         continue;
       }
-      if (c == '{' || c == '[') {
-        ++depth_in_entry_;
-      } else if (c == '}' || c == ']') {
-        --depth_in_entry_;
-      }
+      const bool is_opened = c == '{' || c == '[';
+      depth_in_entry_ = is_opened ? depth_in_entry_ + 1 : depth_in_entry_ - 1;
       ++at_;
     }
   }

@@ -1,3 +1,16 @@
+// Strings are searched by vectors of bytes, which reads beyond the end of a text: only here, where there is room for
+// it, so that the parser's code has a namespace of its own.
+#if defined(__SSE2__)
+#define RAPIDJSON_SSE2
+#elif defined(__ARM_NEON)
+#define RAPIDJSON_NEON
+#endif
+#define RAPIDJSON_NAMESPACE_BEGIN \
+  namespace rapidjson {           \
+  inline namespace vectors {
+#define RAPIDJSON_NAMESPACE_END \
+  }                             \
+  }
 #include <rapidjson/error/en.h>
 #include <rapidjson/reader.h>
 
@@ -384,6 +397,8 @@ static std::string words(rapidjson::ParseErrorCode code, std::string_view text, 
 void read_json(document::parts &parts, size_t begin) {
   // Characters were checked before; escapes are checked one by one. Iterative, so that depth costs no stack.
   constexpr unsigned options = rapidjson::kParseIterativeFlag | rapidjson::kParseNumbersAsStringsFlag;
+  constexpr size_t vector_bytes = 16;
+  parts.text.reserve(parts.text.size() + vector_bytes);
   rapidjson::StringStream stream(parts.text.c_str() + begin);
   rapidjson::Reader parser;
   json_reader reader(parts, stream, begin);
