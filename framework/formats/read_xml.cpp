@@ -18,8 +18,8 @@ struct declaration {
 
 // An element that is not closed yet.
 struct open_element {
-  pugi::xml_node next;        // the child to look at next
-  size_t outer_declarations;  // how many declarations are in scope around the element
+  pugi::xml_node next;            // the child to look at next
+  size_t outer_declarations = 0;  // how many declarations are in scope around the element
   const char *text = nullptr;
   bool is_in_filter = false;  // a filter, or inside one
   bool has_elements = false;
@@ -80,7 +80,12 @@ class xml_reader {
     }
     const char *value = element.value();
     const bool is_filter = std::strcmp(tag, "filter") == 0 && is_envelope_ns(ns);
-    open_.push_back({element.first_child(), outer, *value != '\0' ? value : nullptr, is_filter || is_in_filter()});
+    const bool is_inside = is_in_filter();
+    open_element &opened = open_.emplace_back();
+    opened.next = element.first_child();
+    opened.outer_declarations = outer;
+    opened.text = *value != '\0' ? value : nullptr;
+    opened.is_in_filter = is_filter || is_inside;
   }
 
   void close() {

@@ -19,7 +19,14 @@ pending_node &tree_builder::open(const char *tag, const char *ns, size_t offset,
     schema = schema_of(tag, ns);
   }
   open_.push_back(pending_.size());
-  return pending_.emplace_back(pending_node{tag, ns, source, schema, static_cast<uint32_t>(offset)});
+  // Filled in place: a copy made of what was just written in other widths waits for these writes.
+  pending_node &node = pending_.emplace_back();
+  node.tag = tag;
+  node.ns = ns;
+  node.source = source;
+  node.schema = schema;
+  node.offset = static_cast<uint32_t>(offset);
+  return node;
 }
 
 void tree_builder::close() {

@@ -11,11 +11,11 @@ namespace yfw {
 
 // What a reader says of a node, a third of the size that the node has in the end.
 struct pending_node {
-  const char *tag;
-  const char *ns;
-  const void *source;  // the reader's own handle, or null
-  const lysc_node *schema;
-  uint32_t offset;
+  const char *tag = nullptr;
+  const char *ns = nullptr;
+  const void *source = nullptr;  // the reader's own handle, or null
+  const lysc_node *schema = nullptr;
+  uint32_t offset = 0;
   uint8_t given_operation = no_operation;
   const char *value = nullptr;
   std::span<yfw_node_t> children = {};

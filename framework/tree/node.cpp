@@ -74,7 +74,9 @@ yfw_node_t *node_arena::room(size_t count) {
 
 yfw_node_t *node_arena::nodes(size_t count) {
   yfw_node_t *first = count == 0 ? nullptr : room(count);
-  std::uninitialized_value_construct_n(first, count);
+  if (count != 0) {
+    std::memset(first, 0, count * sizeof *first);
+  }
   std::for_each_n(first, count, begin_extra);
   return first;
 }
