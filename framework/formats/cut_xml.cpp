@@ -17,6 +17,7 @@ class xml_cutter : public document_cutter {
 
   std::optional<cut> next_cut(std::string_view window, size_t least) override {
     window_ = window;
+    marks_ = byte_marks<'<', '>', '"', '\''>(window);
     while (is_good_ && to_next_angle()) {
       if (at_ >= least && begins_entry()) {
         return cut{at_, at_};
@@ -63,8 +64,16 @@ class xml_cutter : public document_cutter {
     }
   };
 
+  size_t next_mark(char wanted, size_t at) {
+    at = marks_.next(at);
+    while (at < window_.size() && window_[at] != wanted) {
+      at = marks_.next(at + 1);
+    }
+    return at;
+  }
+
   bool to_next_angle() {
-    at_ = find_byte<'<'>(window_, at_);
+    at_ = next_mark('<', at_);
     return at_ < window_.size();
   }
 
@@ -103,7 +112,7 @@ class xml_cutter : public document_cutter {
   }
 
   bool pass_end_tag() {
-    const size_t end = find_byte<'>'>(window_, at_);
+    const size_t end = next_mark('>', at_);
     if (end == window_.size()) {
       return false;
     }
@@ -140,11 +149,11 @@ class xml_cutter : public document_cutter {
   }
 
   // Where the '>' of the tag is, which attribute values may hold, too.
-  size_t tag_end() const {
-    size_t at = find_byte<'>', '"', '\''>(window_, at_ + 1);
+  size_t tag_end() {
+    size_t at = marks_.next(at_ + 1);
     while (at < window_.size() && window_[at] != '>') {
-      const size_t closing_quote = window_.find(window_[at], at + 1);
-      at = closing_quote == npos ? window_.size() : find_byte<'>', '"', '\''>(window_, closing_quote + 1);
+      at = window_[at] == '<' ? at : window_.find(window_[at], at + 1);
+      at = at == npos ? window_.size() : marks_.next(at + 1);
     }
     return at < window_.size() ? at : npos;
   }
@@ -175,6 +184,7 @@ class xml_cutter : public document_cutter {
   std::vector<std::string> lists_;
   std::set<std::string> ways_;  // paths of the containers around lists that were opened
   std::string_view window_;
+  byte_marks<'<', '>', '"', '\''> marks_{window_};  // of the window
   size_t at_ = 0;
   size_t depth_in_entry_ = 0;
   std::vector<open_tag> open_;  // outside entries

@@ -9,21 +9,22 @@ namespace {
 // Walks the markup of a text once, from one character of meaning to the next.
 class markup {
  public:
-  markup(const document::parts &parts, size_t begin) : parts_(parts), text_(parts.text), begin_(begin), at_(begin) {}
+  markup(const document::parts &parts, size_t begin)
+      : parts_(parts), text_(parts.text), marks_(text_), begin_(begin), at_(begin) {}
 
   // Whether there is what can stand inside a text.
   bool check() {
-    while ((at_ = find_byte<'<', '&', ']'>(text_, at_)) < text_.size()) {
+    while ((at_ = marks_.next(at_)) < text_.size()) {
       if (text_[at_] == '&') {
         check_reference();
-      } else if (is_at("]]>")) {
-        parts_.fail(at_, "']]>' stands outside a CDATA section");
-      } else if (text_[at_] == ']') {
-        ++at_;
       } else if (is_at("<!") || is_at("<?")) {
         check_special();
-      } else {
+      } else if (text_[at_] == '<') {
         check_tag();
+      } else if (is_at("]]>")) {
+        parts_.fail(at_, "']]>' stands outside a CDATA section");
+      } else {
+        ++at_;
       }
     }
     return can_split_text_;
@@ -64,7 +65,7 @@ class markup {
 
   void check_tag() {
     const size_t start = at_++;
-    while ((at_ = find_byte<'<', '>', '"', '\''>(text_, at_)) < text_.size()) {
+    while ((at_ = marks_.next(at_)) < text_.size()) {
       const char found = text_[at_++];
       if (found == '>') {
         return;
@@ -72,7 +73,9 @@ class markup {
       if (found == '<') {
         break;
       }
-      check_attribute_value(found);
+      if (found == '"' || found == '\'') {
+        check_attribute_value(found);
+      }
     }
     parts_.fail(start, "tag is not closed by '>'");
   }
@@ -130,6 +133,7 @@ class markup {
 
   const document::parts &parts_;
   std::string_view text_;
+  byte_marks<'<', '>', '&', ']', '"', '\''> marks_;
   const size_t begin_;
   size_t at_;
   bool can_split_text_ = false;
