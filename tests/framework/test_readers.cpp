@@ -277,4 +277,21 @@ TEST(Document, GivesAttributesAndPrefixes) {
   EXPECT_EQ(document.check(genre).canonical, "crime");
 }
 
+// Texts are searched by blocks of up to 64 bytes: what counts is found at each place of a block, and nothing else is.
+TEST(Document, IsSearchedAtEachPlaceOfABlock) {
+  for (size_t shift = 0; shift < 80; ++shift) {
+    SCOPED_TRACE(shift);
+    const std::string before(shift, 'x');
+    const std::string motto = "library:library{motto=" + before + " '>\"]]b}";
+    EXPECT_EQ(outcome(xml("<motto xml:lang='" + before + ">'>" + before + " '>\"]]b</motto>")), motto);
+    EXPECT_EQ(outcome(json("\"motto\": \"" + before + " '>\\\"]]b\"")), motto);
+    EXPECT_EQ(outcome(xml("<motto>\n" + before + "]]></motto>")), "in:3: ']]>' stands outside a CDATA section");
+    EXPECT_EQ(outcome(xml("<motto \n" + before + "<")), "in:2: tag is not closed by '>'");
+    EXPECT_EQ(outcome(xml("<motto>\n" + before + "<!A>")),
+              "in:3: document types and entity declarations are refused (RFC 6241, section 3)");
+    EXPECT_EQ(outcome(xml("<motto>\n" + before + "\x7f\x1f")), "in:3: the text is a character that YANG has not");
+    EXPECT_EQ(outcome("<a>\n" + before + "\xff"), "in:2: the text is not UTF-8");
+  }
+}
+
 }  // namespace
