@@ -23,5 +23,6 @@ function(ymap_test name)
   target_link_libraries(${name} PRIVATE ymap_options GTest::gtest_main ${arg_LIBRARIES})
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests/support)
   target_compile_definitions(${name} PRIVATE ${arg_DEFINITIONS})
+  set_target_properties(${name} PROPERTIES UNITY_BUILD OFF)  # each file of tests names its helpers as it likes
   add_test(NAME ${name} COMMAND ${name})
 endfunction()
