@@ -31,10 +31,11 @@ install_packages() {
   [ -n "$missing" ] || return 0
   echo "== install:$missing"
   as_root apt-get update -q
-  as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends $missing
+  as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends \
+    -o Dpkg::Use-Pty=0 $missing
 }
 
-# build PRESET [TARGET...]: configures and builds it, or only the targets, below build/PRESET.
+# build PRESET [TARGET...]: configures and builds it, or only the targets.
 build() {
   preset=$1
   shift
