@@ -7,6 +7,7 @@
 #include "libyang_error.hpp"
 #include "yfw/error.hpp"
 #include "yfw/internal/schema_internal.hpp"
+#include "yfw/internal/schema_types.hpp"
 #include "yfw/internal/text.hpp"
 
 namespace yfw {
@@ -175,12 +176,25 @@ void schema::parts::index_children(const lysc_node *parent, const lysc_module *m
     if ((node->nodetype & (LYS_RPC | LYS_ACTION | LYS_NOTIF)) == 0) {
       found.push_back(node);
       by_name.emplace(child_name{parent, node->name}, node);
+      index_identities(type_of(node));
     }
   }
   auto &all = children[parent];
   all.insert(all.end(), found.begin(), found.end());
   for (const lysc_node *each : found) {
     index_children(each, nullptr);
+  }
+}
+
+void schema::parts::index_identities(const lysc_type *type) {
+  if (type != nullptr && type->basetype == LY_TYPE_IDENT) {
+    if (const auto [found, is_new] = identities.try_emplace(type); is_new) {
+      found->second = yfw::identities(type);
+    }
+  } else if (type != nullptr && type->basetype == LY_TYPE_UNION) {
+    for (const lysc_type *member : members(type)) {
+      index_identities(member);
+    }
   }
 }
 

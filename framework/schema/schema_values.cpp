@@ -127,7 +127,8 @@ checked_value stored(const ly_ctx *context, const lysc_node *leaf, const lysc_ty
   return result;
 }
 
-checked_value identity_value(const lysc_type *type, std::string_view text, const prefix_resolver &prefixes) {
+checked_value identity_value(const identity_table &identities, const lysc_type *type, std::string_view text,
+                             const prefix_resolver &prefixes) {
   const size_t colon = text.find(':');
   const std::string_view prefix = colon == std::string_view::npos ? "" : text.substr(0, colon);
   const std::string_view name = colon == std::string_view::npos ? text : text.substr(colon + 1);
@@ -138,7 +139,7 @@ checked_value identity_value(const lysc_type *type, std::string_view text, const
       return {false, "", "the prefix of " + in_quotes(text) + " is not declared"};
     }
   }
-  for (const lysc_ident *identity : identities(type)) {
+  for (const lysc_ident *identity : identities.at(type)) {
     const bool is_here = prefix.empty() || (ns ? *ns == identity->module->ns : prefix == identity->module->name);
     if (is_here && name == identity->name) {
       return {true, identity->name, ""};
@@ -147,17 +148,17 @@ checked_value identity_value(const lysc_type *type, std::string_view text, const
   return {false, "", not_one_of(text, value_names(type))};
 }
 
-checked_value checked(const ly_ctx *context, const lysc_node *leaf, const lysc_type *type, std::string_view text,
-                      const prefix_resolver &prefixes) {
+checked_value checked(const ly_ctx *context, const identity_table &identities, const lysc_node *leaf,
+                      const lysc_type *type, std::string_view text, const prefix_resolver &prefixes) {
   if (type->basetype == LY_TYPE_IDENT) {
-    return identity_value(type, text, prefixes);
+    return identity_value(identities, type, text, prefixes);
   }
   if (type->basetype != LY_TYPE_UNION) {
     return stored(context, leaf, type, text);
   }
   std::string reasons;
   for (const lysc_type *member : members(type)) {
-    checked_value result = checked(context, leaf, member, text, prefixes);
+    checked_value result = checked(context, identities, leaf, member, text, prefixes);
     if (result.ok) {
       return result;
     }
@@ -178,10 +179,11 @@ checked_value schema::check_value(const lysc_node *leaf, std::string_view text, 
   if (type == nullptr) {
     return {false, "", "it is not a leaf and takes no value"};
   }
-  return checked(parts_->context.get(), leaf, type, text, prefixes);
+  return checked(parts_->context.get(), parts_->identities, leaf, type, text, prefixes);
 }
 
-static json_kind kind_of(const ly_ctx *context, const lysc_node *leaf, const lysc_type *type, std::string_view value) {
+static json_kind kind_of(const ly_ctx *context, const identity_table &identities, const lysc_node *leaf,
+                         const lysc_type *type, std::string_view value) {
   switch (type->basetype) {
     case LY_TYPE_BOOL:
       return json_kind::boolean;
@@ -189,8 +191,8 @@ static json_kind kind_of(const ly_ctx *context, const lysc_node *leaf, const lys
       return json_kind::empty;
     case LY_TYPE_UNION:
       for (const lysc_type *member : members(type)) {
-        if (checked(context, leaf, member, value, {}).ok) {
-          return kind_of(context, leaf, member, value);
+        if (checked(context, identities, leaf, member, value, {}).ok) {
+          return kind_of(context, identities, leaf, member, value);
         }
       }
       return json_kind::string;
@@ -202,18 +204,19 @@ static json_kind kind_of(const ly_ctx *context, const lysc_node *leaf, const lys
 
 json_kind schema::json_type(const lysc_node *leaf, std::string_view value) const {
   const lysc_type *type = type_of(leaf);
-  return type == nullptr ? json_kind::string : kind_of(parts_->context.get(), leaf, type, value);
+  return type == nullptr ? json_kind::string : kind_of(parts_->context.get(), parts_->identities, leaf, type, value);
 }
 
-static std::string_view identity_module_of(const lysc_type *type, std::string_view value) {
+static std::string_view identity_module_of(const identity_table &identities, const lysc_type *type,
+                                           std::string_view value) {
   if (type->basetype == LY_TYPE_IDENT) {
-    const auto all = identities(type);
+    const auto &all = identities.at(type);
     const auto found = std::ranges::find_if(all, [&](const auto *each) { return value == each->name; });
     return found == all.end() ? "" : (*found)->module->name;
   }
   if (type->basetype == LY_TYPE_UNION) {
     for (const lysc_type *member : members(type)) {
-      if (const std::string_view module = identity_module_of(member, value); !module.empty()) {
+      if (const std::string_view module = identity_module_of(identities, member, value); !module.empty()) {
         return module;
       }
     }
@@ -223,7 +226,7 @@ static std::string_view identity_module_of(const lysc_type *type, std::string_vi
 
 std::string_view schema::identity_module(const lysc_node *leaf, std::string_view value) const {
   const lysc_type *type = type_of(leaf);
-  return type == nullptr ? "" : identity_module_of(type, value);
+  return type == nullptr ? "" : identity_module_of(parts_->identities, type, value);
 }
 
 }  // namespace yfw

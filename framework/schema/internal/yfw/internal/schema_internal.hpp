@@ -25,6 +25,9 @@ struct child_name_hash {
   }
 };
 
+// Of identityrefs the identities that they allow.
+using identity_table = std::unordered_map<const lysc_type *, std::vector<const lysc_ident *>>;
+
 struct context_deleter {
   void operator()(ly_ctx *context) const {
     ly_ctx_destroy(context);
@@ -39,11 +42,15 @@ struct schema::parts {
   std::unordered_map<std::string_view, std::string_view> ns_by_module;
   std::unordered_map<std::string_view, std::string_view> module_by_ns;
 
+  // The identities that each identityref of the modules allows, members of unions included.
+  identity_table identities;
+
   // Fills the tables from the compiled modules of `context`.
   void index();
 
  private:
   void index_children(const lysc_node *parent, const lysc_module *module);
+  void index_identities(const lysc_type *type);
 };
 
 // libyang's counted arrays as ranges.
