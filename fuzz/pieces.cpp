@@ -32,10 +32,14 @@ class text_in_memory : public yfw::text_source {
 };
 
 // Notes come in the order of the pieces, and one that is said twice of one path may be said once.
-std::string told(const std::string &output, const std::vector<std::string> &notes) {
+std::string told(const std::string &output, const std::vector<yfw::note> &notes) {
   std::string text = output;
-  for (const std::string &note : std::set<std::string>(notes.begin(), notes.end())) {
-    text += "note: " + note + '\n';
+  std::set<std::string> lines;
+  for (const yfw::note &each : notes) {
+    lines.insert(to_string(each));
+  }
+  for (const std::string &line : lines) {
+    text += "note: " + line + '\n';
   }
   return text;
 }
@@ -63,9 +67,9 @@ std::string in_pieces(const std::string &text, const yfw::stream_options &option
     text_in_memory source(text);
     std::ostringstream output;
     yfw::trace_log log;
-    std::vector<std::string> notes;
+    std::vector<yfw::note> notes;
     translate_reply_stream(source, fuzz::file, fuzz::modules(), fuzz::mapping(), options, log, output,
-                           [&](const std::vector<std::string> &taken) { notes = taken; });
+                           [&](const std::vector<yfw::note> &taken) { notes = taken; });
     return told(output.str(), notes);
   } catch (const yfw::error &fault) {
     return refused(fault);

@@ -8,8 +8,8 @@ void translate(yfw::document &native, const yfw::reply_options &options) {
   yfw::trace_log log(nullptr, true, 16);
   const yfw::reply answer = translate_reply(native, fuzz::mapping(), options, log);
   fuzz::require_read_back(answer.data);
-  for (const std::string &note : answer.notes) {
-    fuzz::require_printable(note);
+  for (const yfw::note &each : answer.notes) {
+    fuzz::require_printable(to_string(each));
   }
 }
 

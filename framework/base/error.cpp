@@ -6,7 +6,7 @@
 
 namespace yfw {
 
-static std::string message(const place &where, const std::string &text) {
+std::string message_line(const place &where, std::string_view text) {
   std::string result;
   if (!where.file.empty()) {
     result += where.file + ':';
@@ -23,7 +23,7 @@ static std::string message(const place &where, const std::string &text) {
 error::error(const std::string &text) : std::runtime_error(one_line(text)), text_(text) {}
 
 error::error(place where, const std::string &text)
-    : std::runtime_error(message(where, text)), where_(std::move(where)), text_(text) {}
+    : std::runtime_error(message_line(where, text)), where_(std::move(where)), text_(text) {}
 
 std::string_view to_string(error_tag tag) {
   static constexpr std::array<std::string_view, 10> words{
@@ -60,6 +60,17 @@ client_error::client_error(place where, const std::string &text, error_tag tag, 
   if (bad_element_.empty() && names_element(tag)) {
     bad_element_ = last_name(this->where().path);
   }
+}
+
+client_error::client_error(place where, const std::string &text, error_tag tag, rejected_value rejected)
+    : client_error(std::move(where), text, tag) {
+  rejected_ = std::move(rejected);
+}
+
+client_error client_error::at(place where) const {
+  client_error moved(std::move(where), text(), tag_, bad_element_);
+  moved.rejected_ = rejected_;
+  return moved;
 }
 
 // The first place at or after `begin` that is not in the middle of a character.

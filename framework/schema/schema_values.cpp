@@ -12,10 +12,10 @@ namespace yfw {
 
 namespace {
 
-// "'x' is not one of its values, which are 'a', 'b'"; of many values only the nearest is named.
+// "is not one of its values, which are 'a', 'b'"; of many values only the nearest is named.
 std::string not_one_of(std::string_view text, const std::vector<std::string> &names) {
   constexpr size_t most = 24;
-  std::string why = in_quotes(text) + " is not one of its values";
+  std::string why = "is not one of its values";
   if (names.size() > most) {
     const std::string_view near = closest({names.begin(), names.end()}, text);
     return near.empty() ? why : why + "; did you mean " + in_quotes(near) + "?";
@@ -83,12 +83,12 @@ std::string number_range(const lysc_type *type, width width) {
   return range_words(as<lysc_type_num>(type).range, type->basetype, least, most);
 }
 
-// Why libyang refused a value, in the framework's words where they can say more.
+// Why libyang refused a value, in the framework's words where they can say more. It follows the value.
 std::string reason(const lysc_type *type, std::string_view text, const ly_err_item *fault) {
   const std::string_view message = fault != nullptr && fault->msg != nullptr ? fault->msg : "";
   const width number = width_of(type->basetype);
   if (number.bits != 0) {
-    return in_quotes(text) + " is not a whole number in " + number_range(type, number);
+    return "is not a whole number in " + number_range(type, number);
   }
   if (const auto names = value_names(type); !names.empty()) {
     return not_one_of(text, names);
@@ -98,13 +98,18 @@ std::string reason(const lysc_type *type, std::string_view text, const ly_err_it
   if (type->basetype == LY_TYPE_STRING && pattern != std::string_view::npos) {
     std::string expression = plain_words(message.substr(pattern + before_pattern.size()));
     expression = expression.size() < 2 ? expression : expression.substr(1, expression.size() - 2);
-    return in_quotes(text) + " does not match the pattern '" + expression + "'";
+    return "does not match the pattern '" + expression + "'";
   }
   if (type->basetype == LY_TYPE_STRING && as<lysc_type_str>(type).length != nullptr) {
     const auto *length = as<lysc_type_str>(type).length;
-    return in_quotes(text) + " has not the length that it must have, " + range_words(length, type->basetype, "", "");
+    return "has not the length that it must have, " + range_words(length, type->basetype, "", "");
   }
-  return in_quotes(text) + " is not a value of its type: " + plain_words(message);
+  return "is not a value of its type: " + plain_words(message);
+}
+
+checked_value rejected(std::string_view text, std::string reason) {
+  std::string why = in_quotes(text) + " " + reason;
+  return {false, "", std::move(why), std::move(reason)};
 }
 
 checked_value stored(const ly_ctx *context, const lysc_node *leaf, const lysc_type *type, std::string_view text) {
@@ -115,13 +120,12 @@ checked_value stored(const ly_ctx *context, const lysc_node *leaf, const lysc_ty
   const LY_ERR code = type->plugin->store(context, type, text.data(), text.size(), 0, LY_VALUE_JSON, nullptr, hints,
                                           leaf, &value, nullptr, &fault);
   checked_value result;
-  result.ok = code == LY_SUCCESS || code == LY_EINCOMPLETE;
-  if (result.ok) {
+  if (code == LY_SUCCESS || code == LY_EINCOMPLETE) {
     const char *canonical = lyd_value_get_canonical(context, &value);
-    result.canonical = canonical != nullptr ? canonical : text;
+    result = {true, std::string(canonical != nullptr ? canonical : text), {}, {}};
     type->plugin->free(context, &value);
   } else {
-    result.why = reason(type, text, fault);
+    result = rejected(text, reason(type, text, fault));
   }
   ly_err_free(fault);
   return result;
@@ -136,16 +140,16 @@ checked_value identity_value(const identity_table &identities, const lysc_type *
   if (!prefix.empty() && prefixes) {
     ns = prefixes(prefix);
     if (!ns) {
-      return {false, "", "the prefix of " + in_quotes(text) + " is not declared"};
+      return rejected(text, "has a prefix that is not declared");
     }
   }
   for (const lysc_ident *identity : identities.at(type)) {
     const bool is_here = prefix.empty() || (ns ? *ns == identity->module->ns : prefix == identity->module->name);
     if (is_here && name == identity->name) {
-      return {true, identity->name, ""};
+      return {true, identity->name, {}, {}};
     }
   }
-  return {false, "", not_one_of(text, value_names(type))};
+  return rejected(text, not_one_of(text, value_names(type)));
 }
 
 checked_value checked(const ly_ctx *context, const identity_table &identities, const lysc_node *leaf,
@@ -162,9 +166,9 @@ checked_value checked(const ly_ctx *context, const identity_table &identities, c
     if (result.ok) {
       return result;
     }
-    reasons += (reasons.empty() ? "" : ", and ") + result.why;
+    reasons += reasons.empty() ? result.reason : ", and " + result.why;
   }
-  return {false, "", reasons};
+  return rejected(text, reasons);
 }
 
 }  // namespace
@@ -177,7 +181,7 @@ std::vector<std::string> schema::allowed_values(const lysc_node *leaf) const {
 checked_value schema::check_value(const lysc_node *leaf, std::string_view text, const prefix_resolver &prefixes) const {
   const lysc_type *type = type_of(leaf);
   if (type == nullptr) {
-    return {false, "", "it is not a leaf and takes no value"};
+    return {false, {}, "it is not a leaf and takes no value", "it is not a leaf and takes no value"};
   }
   return checked(parts_->context.get(), parts_->identities, leaf, type, text, prefixes);
 }

@@ -139,12 +139,12 @@ class edit_run {
   }
 
   // What causes no native edit, and what the translation noted.
-  std::vector<std::string> notes() const {
-    std::vector<std::string> notes;
+  std::vector<note> notes() const {
+    std::vector<note> notes;
     error_collector silent(request_, error_collector::mode::collect_all);
     refuse_silent_ends(translated_, silent);
     for (const client_error &each : silent.take()) {
-      notes.emplace_back(error(each.where(), "causes no native edit").what());
+      notes.push_back({each.where(), note_kind::no_effect, "causes no native edit"});
     }
     notes.insert(notes.end(), translated_.notes.begin(), translated_.notes.end());
     return notes;
@@ -191,14 +191,20 @@ class edit_run {
   presence present_;
 };
 
-std::vector<std::string> notes_on(const document &request, const client_request &client) {
-  std::vector<std::string> notes;
+std::vector<note> notes_on(const document &request, const client_request &client) {
+  std::vector<note> notes;
   if (!client.target.empty() && client.target != "running") {
-    notes.push_back(request.file() + ": target " + in_quotes(client.target) +
-                    ": the device has one datastore, 'running', which is edited at once");
+    notes.push_back(
+        {{request.file()},
+         note_kind::datastore,
+         "target " + in_quotes(client.target) + ": the device has one datastore, 'running', which is edited at once",
+         client.target});
   }
   if (client.error_option == "stop-on-error") {
-    notes.push_back(request.file() + ": error-option 'stop-on-error': nothing is done when something fails");
+    notes.push_back({{request.file()},
+                     note_kind::error_option,
+                     "error-option 'stop-on-error': nothing is done when something fails",
+                     client.error_option});
   }
   return notes;
 }
@@ -213,7 +219,7 @@ edit_outcome mapping_service::edit(document &request, const client_request &clie
   run.check(device_);
   run.apply(*transaction);
   edit_outcome outcome{transaction->effects().value_or(std::vector<device_change>()), notes_on(request, client)};
-  const std::vector<std::string> notes = run.notes();
+  const std::vector<note> notes = run.notes();
   outcome.notes.insert(outcome.notes.end(), notes.begin(), notes.end());
   if (use == transaction_use::commit) {
     transaction->commit();

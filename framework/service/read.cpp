@@ -13,8 +13,8 @@ namespace yfw {
 namespace {
 
 // Names and values select what the device need not know of: the answer is filtered by them.
-bool is_settled_by_filter(const std::string &note) {
-  return note.ends_with(note_of_key) || note.ends_with(note_of_content_match);
+bool is_settled_by_filter(const note &about) {
+  return about.kind == note_kind::key_read || about.kind == note_kind::content_match;
 }
 
 // Reads of the keys of the native lists that stand for a list, where a client asks for its keys and maybe nothing else.
@@ -79,8 +79,11 @@ reply mapping_service::answer(document &request, const client_request &client, c
   }
   std::erase_if(asked.notes, is_settled_by_filter);
   if (!client.source.empty() && client.source != "running") {
-    asked.notes.push_back(request.file() + ": source " + in_quotes(client.source) +
-                          ": the device has one datastore, 'running', which is read");
+    asked.notes.push_back(
+        {{request.file()},
+         note_kind::datastore,
+         "source " + in_quotes(client.source) + ": the device has one datastore, 'running', which is read",
+         client.source});
   }
   document native = device_.read(asked.calls, datastore::running);
   try {

@@ -48,7 +48,11 @@ class explain_json {
     out_.text("value", reply.value);
     out_.text_if_any("refusal", reply.refusal);
     add_leaves("reported", reply.reported);
-    out_.texts("notes", reply.notes);
+    std::vector<std::string> notes;
+    for (const yfw::note &each : reply.notes) {
+      notes.push_back(yfw::one_line(each.text));
+    }
+    out_.texts("notes", notes);
     add_walk(reply.walk);
   }
 

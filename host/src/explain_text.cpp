@@ -143,8 +143,8 @@ class text_report {
     if (reply.reported.empty() && reply.refusal.empty()) {
       out_ << "  reports nothing\n";
     }
-    for (const std::string &note : reply.notes) {
-      out_ << "  note: " << note << '\n';
+    for (const yfw::note &each : reply.notes) {
+      out_ << "  note: " << yfw::one_line(each.text) << '\n';
     }
     add_walk(reply.walk);
   }

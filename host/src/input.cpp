@@ -115,9 +115,9 @@ void write_result(const std::string &text, const std::string &done) {
   }
 }
 
-void write_notes(const std::vector<std::string> &notes) {
-  for (const std::string &note : notes) {
-    std::cerr << "ymap: note: " << note << '\n';
+void write_notes(const std::vector<yfw::note> &notes) {
+  for (const yfw::note &each : notes) {
+    std::cerr << "ymap: note: " << to_string(each) << '\n';
   }
 }
 

@@ -55,6 +55,6 @@ class output_error : public yfw::error {
 void write_result(const std::string &text, const std::string &done = {});
 
 // Writes one line a note to standard error.
-void write_notes(const std::vector<std::string> &notes);
+void write_notes(const std::vector<yfw::note> &notes);
 
 }  // namespace ymap

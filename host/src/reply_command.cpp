@@ -28,7 +28,7 @@ void run(const reply_command_options &options) {
   progress shown("translating, megabytes");
   text_file native(options.file, [&](size_t done, size_t total) { shown(done >> 20U, total >> 20U); });
   translate_reply_stream(native, display_name(options.file), with.schema(), with.plugin(), options.stream, with.trace(),
-                         std::cout, [&](const std::vector<std::string> &notes) {
+                         std::cout, [&](const std::vector<yfw::note> &notes) {
                            shown.hide();
                            write_notes(notes);
                          });

@@ -111,7 +111,7 @@ void run(const request_options &options) {
   yfw::native_request request =
       translate_request(document, read_client_request(document, options.operation), with.plugin(), with.trace());
   if (request.calls.empty()) {
-    request.notes.push_back(file + ": asks for nothing that is mapped");
+    request.notes.push_back({{file}, yfw::note_kind::unmapped, "asks for nothing that is mapped"});
   }
   const std::string result =
       options.to == output_format::paths ? as_paths(request) : as_data(request, with.schema(), options.to);

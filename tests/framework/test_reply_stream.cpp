@@ -42,10 +42,10 @@ class text_in_parts : public yfw::text_source {
 };
 
 // All that a translation says, as one text.
-std::string told(const std::string &output, const std::vector<std::string> &notes) {
+std::string told(const std::string &output, const std::vector<yfw::note> &notes) {
   std::string text = output;
-  for (const std::string &note : notes) {
-    text += "note: " + note + '\n';
+  for (const yfw::note &each : notes) {
+    text += "note: " + to_string(each) + '\n';
   }
   return text;
 }
@@ -72,7 +72,7 @@ std::string in_pieces(const std::string &text, const yfw::stream_options &option
   try {
     text_in_parts source(text, can_seek);
     yfw::trace_log silent;
-    std::vector<std::string> notes;
+    std::vector<yfw::note> notes;
     translate_reply_stream(source, "reply", labelled_modules(), mapping(), options, silent, out,
                            [&](const auto &taken) {
                              EXPECT_EQ(out.str(), "") << "written before the notes";

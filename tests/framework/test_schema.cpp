@@ -121,7 +121,8 @@ TEST(Schema, ResolvesPrefixesOfIdentities) {
     return prefix == "s" ? std::optional<std::string_view>(shop) : std::nullopt;
   };
   EXPECT_EQ(library().check_value(leaf("genre"), "s:crime", prefixes).canonical, "crime");
-  EXPECT_EQ(library().check_value(leaf("genre"), "t:crime", prefixes).why, "the prefix of 't:crime' is not declared");
+  EXPECT_EQ(library().check_value(leaf("genre"), "t:crime", prefixes).why,
+            "'t:crime' has a prefix that is not declared");
   EXPECT_EQ(library().identity_module(leaf("genre"), "crime"), "shop");
   EXPECT_EQ(library().identity_module(leaf("look"), "large-and-red"), "library");
   EXPECT_EQ(library().identity_module(leaf("name"), "crime"), "");

@@ -294,7 +294,7 @@ TEST_P(ServiceGet, AnswersWhatIsAskedAndNoMore) {
   const std::string found = GetParam().answer;
   EXPECT_EQ(found.empty() ? "{}" : "{\"openconfig-interfaces:interfaces\":{\"interface\":" + found + "}}",
             compact(answer.data));
-  EXPECT_TRUE(answer.notes.empty()) << answer.notes.front();
+  EXPECT_TRUE(answer.notes.empty()) << to_string(answer.notes.front());
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -346,7 +346,7 @@ TEST(ServiceGet, LeavesOutWhatTheMappingCannotTell) {
   EXPECT_EQ(text.find("enable-flow-control"), std::string::npos) << text;
   ASSERT_EQ(answer.notes.size(), 1U);
   EXPECT_EQ(
-      answer.notes[0],
+      to_string(answer.notes[0]),
       "ports: /interface-configurations/interface-configuration[interface-name=\"Gi2\"]/ethernet/flow-control: is "
       "left out: Unmappable input value 'ingress'");
 }

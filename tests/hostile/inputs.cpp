@@ -135,7 +135,7 @@ std::vector<input> client_inputs() {
        config + ": 'config' of namespace 'urn:nowhere' is not a child of '/interfaces/interface/ethernet'; that name " +
            "has another namespace there"},
       {"PrefixOfAValue", client(client_entry("Eth0", "\n<config><port-speed>x:SPEED_10MB</port-speed></config>")),
-       config + "/port-speed: the prefix of 'x:SPEED_10MB' is not declared"},
+       config + "/port-speed: 'x:SPEED_10MB' has a prefix that is not declared"},
       {"OperationWithoutNamespace", client(client_entry("Eth0", "\n<config operation='delete'/>")),
        config + ": attribute 'operation' is in no namespace; it would be nc:operation with " +
            R"(xmlns:nc="urn:ietf:params:xml:ns:netconf:base:1.0")"},

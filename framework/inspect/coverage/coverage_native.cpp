@@ -25,18 +25,12 @@ void collect(const data_node *first, std::vector<std::pair<const lysc_node *, st
   }
 }
 
-// The text of a note without its place.
-std::string without_place(const std::string &note, const std::string &file) {
-  const size_t end = note.starts_with(file) ? note.find(": ", note.find(": ") + 2) : note.npos;
-  return end == note.npos ? note : note.substr(end + 2);
-}
-
 reported report_of(document &native, content wanted, const plugin &mapping, trace_log &log) {
   reported result;
   try {
     const reply translated = translate_reply(native, mapping, {.wanted = wanted, .checks_values = false}, log);
     collect(translated.data.first(), result.leaves);
-    result.refusal = translated.notes.empty() ? "" : without_place(translated.notes.back(), native.file());
+    result.refusal = translated.notes.empty() ? "" : one_line(translated.notes.back().text);
   } catch (const error &refused) {
     result.refusal = refused.text();
   }

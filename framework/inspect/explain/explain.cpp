@@ -104,8 +104,8 @@ class request_explainer {
       trace_log silent;
       native = translate_request(request, bare_request(request, kind), mapping_, silent);
     });
-    for (const std::string &note : native.notes) {
-      result.refusal += (result.refusal.empty() ? "" : "; ") + without_place(note);
+    for (const note &each : native.notes) {
+      result.refusal += (result.refusal.empty() ? "" : "; ") + one_line(each.text);
     }
     if (is_edit(operation) && !is_config(leaf())) {
       return result;
@@ -162,17 +162,18 @@ class request_explainer {
     value_mapping result{value, {}, {}};
     document request = request_text(YFW_OPERATION_MERGE, value);
     trace_log silent;
-    const std::string refusal = refusal_of([&] {
+    try {
       const native_request native =
           translate_request(request, bare_request(request, client_operation::edit), mapping_, silent);
       for (const native_operation &call : native.calls) {
         const std::string name(yfw::name(call.steps.back().node));
         result.results.push_back(call.value ? *call.value : "no " + name);
       }
-    });
-    const std::string named = in_quotes(value) + " ";
-    result.refusal = refusal.substr(refusal.starts_with(named) ? named.size() : 0);
-    result.refusal.resize(std::min(result.refusal.size(), result.refusal.find("; mapped are ")));
+    } catch (const client_error &refused) {
+      result.refusal = refused.rejected() ? refused.rejected()->reason : refused.text();
+    } catch (const error &refused) {
+      result.refusal = refused.text();
+    }
     return result;
   }
 
@@ -188,7 +189,7 @@ class request_explainer {
         }
       }
       if (added.results.empty() && added.refusal.empty()) {
-        added.refusal = reply.notes.empty() ? "reports nothing" : reply.notes.front();
+        added.refusal = reply.notes.empty() ? "reports nothing" : one_line(reply.notes.front().text);
       }
     }
   }

@@ -32,12 +32,6 @@ bool has_function(const plugin &mapping, const std::string &name) {
   }
 }
 
-std::string without_place(const std::string &note) {
-  const size_t line = note.starts_with("line ") ? note.find(": ") : 0;
-  const size_t end = line == note.npos ? note.npos : note.find(": ", line + 2);
-  return end == note.npos ? note : note.substr(end + 2);
-}
-
 explained_reply explain_reply(const std::vector<path_step> &native, const std::string &value, const schema &modules,
                               const plugin &mapping, trace_log &log) {
   document data = request_for(native, modules, no_operation, value);
@@ -45,11 +39,9 @@ explained_reply explain_reply(const std::vector<path_step> &native, const std::s
   result.value = value;
   result.walk = traced(log, [&](trace_log &own) {
     try {
-      const reply translated = translate_reply(data, mapping, {}, own);
+      reply translated = translate_reply(data, mapping, {}, own);
       result.reported = leaves_of(translated.data);
-      for (const std::string &note : translated.notes) {
-        result.notes.push_back(without_place(note));
-      }
+      result.notes = std::move(translated.notes);
     } catch (const error &refused) {
       result.refusal = refused.text();
     }

@@ -50,7 +50,7 @@ class native_check {
     if (!is_config(leaf_)) {
       return;
     }
-    const std::string left_out = reported.notes.empty() ? "" : "; it " + without_place(reported.notes.front());
+    const std::string left_out = reported.notes.empty() ? "" : "; it " + one_line(reported.notes.front().text);
     memory_device again(bench_.modules);
     if (!leaves_of(reported.data).empty()) {
       std::ostringstream text;

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <deque>
 #include <iterator>
-#include <limits>
 #include <unordered_map>
 #include <utility>
 
@@ -160,7 +159,11 @@ class reply_translation {
     } else if (schema != nullptr && is_on_the_way(mapping_.description(), direction::xo, schema, document_.modules())) {
       enter(node, schema);
     } else {
-      note_first(node, above, schema != nullptr ? "is not mapped: no plug-in serves it" : not_known);
+      if (schema != nullptr) {
+        note_first(node, above, note_kind::unmapped, "is not mapped: no plug-in serves it");
+      } else {
+        note_first(node, above, note_kind::unknown_node, not_known);
+      }
     }
   }
 
@@ -177,7 +180,7 @@ class reply_translation {
         settle(node, status);
         return;
       }
-      note(*leaf, "is left out: " + reason(status));
+      add_note(*leaf, note_kind::omitted_value, "is left out: " + reason(status), {});
       context_.problems.clear();
       context_.passed_on.clear();
       unmapped.emplace_back(*leaf);
@@ -196,7 +199,7 @@ class reply_translation {
   void note_unknown(yfw_node_t &node, const lysc_node *above, std::deque<set_aside> &unknown) {
     const lysc_node *schema = extra(node).schema;
     if (schema == nullptr) {
-      note_first(node, above, not_known);
+      note_first(node, above, note_kind::unknown_node, not_known);
       if (above != nullptr && is_name_below(above, node.tag)) {
         unknown.emplace_back(node);
       }
@@ -212,22 +215,17 @@ class reply_translation {
                                [&](const lysc_node *below) { return name(below) == tag; });
   }
 
-  void note(const yfw_node_t &node, const std::string &text) {
-    add_note(node, text, {});
-  }
-
   // Of the nodes with one schema path only the first gets the note.
-  void note_first(const yfw_node_t &node, const lysc_node *above, const char *text) {
+  void note_first(const yfw_node_t &node, const lysc_node *above, note_kind kind, const char *text) {
     std::string schema_path = (above == nullptr ? std::string() : path(above)) + "/" + node.ns + ":" + node.tag;
-    add_note(node, text, std::move(schema_path));
+    add_note(node, kind, text, std::move(schema_path));
   }
 
-  void add_note(const yfw_node_t &node, const std::string &text, std::string once) {
-    if (result_.notes.has(once)) {
-      return;
+  void add_note(const yfw_node_t &node, note_kind kind, const std::string &text, std::string once) {
+    if (!result_.notes.has(once)) {
+      const char *value = node.value != nullptr ? node.value : "";
+      result_.notes.add({{document_.where(node), kind, text, value}, std::move(once)});
     }
-    const place where = document_.where(node);
-    result_.notes.add({where.line, error(where, text).what(), std::move(once)});
   }
 
   void enter(yfw_node_t &node, const lysc_node *schema) {
@@ -279,12 +277,12 @@ class reply_translation {
       throw error(document_.where(source_node != nullptr ? *source_node : node), reason(status));
     }
     for (const reported_problem &problem : std::exchange(context_.problems, {})) {
-      note(culprit_of(problem, node), "is left out: " + problem.text);
+      add_note(culprit_of(problem, node), note_kind::omitted_value, "is left out: " + problem.text, {});
     }
     // Nothing is lost of these: of one leaf the first is enough.
     for (const reported_problem &problem : std::exchange(context_.passed_on, {})) {
       const yfw_node_t &source_node = culprit_of(problem, node);
-      add_note(source_node, problem.text, path(extra(source_node).schema) + " is passed on");
+      add_note(source_node, note_kind::invalid_value, problem.text, path(extra(source_node).schema) + " is passed on");
     }
   }
 
@@ -323,35 +321,37 @@ class reply_translation {
 
 }  // namespace
 
-void reply_notes::add(reply_note note) {
-  if (!note.once.empty()) {
-    once_.insert(note.once);
+void reply_notes::add(reply_note added) {
+  if (!added.once.empty()) {
+    once_.insert(added.once);
   }
-  notes_.push_back(std::move(note));
+  notes_.push_back(std::move(added));
 }
 
 void reply_notes::add(reply_notes part) {
   std::ranges::move(part.notes_, std::back_inserter(notes_));
 }
 
-std::vector<std::string> reply_notes::texts() && {
-  std::ranges::stable_sort(notes_, {}, &reply_note::line);
-  std::vector<std::string> texts;
+std::vector<note> reply_notes::in_order() && {
+  std::ranges::stable_sort(notes_, {}, [](const reply_note &added) {
+    return std::pair(added.what.kind == note_kind::missing_entry, added.what.where.line);
+  });
+  std::vector<note> notes;
   std::unordered_set<std::string> once;
-  for (reply_note &note : notes_) {
-    const bool is_first = note.once.empty() || once.insert(note.once).second;
-    if (is_first && (texts.empty() || texts.back() != note.text)) {
-      texts.push_back(std::move(note.text));
+  for (auto &[what, once_for] : notes_) {
+    const bool is_first = once_for.empty() || once.insert(once_for).second;
+    if (is_first && (notes.empty() || notes.back() != what)) {
+      notes.push_back(std::move(what));
     }
   }
-  return texts;
+  return notes;
 }
 
 void note_missing_entries(reply_part &part, const reply_options &options, const std::string &file) {
   for (const std::string &name : options.entries) {
     if (!part.met.contains(name)) {
-      const std::string text = error(place{file, 0, {}}, "has no list entry " + in_quotes(name)).what();
-      part.notes.add({std::numeric_limits<unsigned>::max(), text, {}});
+      part.notes.add(
+          {{place{file, 0, {}}, note_kind::missing_entry, "has no list entry " + in_quotes(name), name}, {}});
     }
   }
 }
@@ -365,7 +365,7 @@ reply translate_reply(document &native, const plugin &mapping, const reply_optio
   reply_part whole{data_tree(native.modules()), {}, {}, {}};
   translate_part(native, mapping, options, log, whole);
   note_missing_entries(whole, options, native.file());
-  return {std::move(whole.data), std::move(whole.notes).texts()};
+  return {std::move(whole.data), std::move(whole.notes).in_order()};
 }
 
 }  // namespace yfw

@@ -11,8 +11,7 @@
 namespace yfw {
 
 struct reply_note {
-  unsigned line;
-  std::string text;
+  note what;
   std::string once;  // of the notes with the same word here only the first one counts; empty: all do
 };
 
@@ -22,11 +21,11 @@ class reply_notes {
   bool has(const std::string &once) const {
     return !once.empty() && once_.contains(once);
   }
-  void add(reply_note note);
+  void add(reply_note added);
   void add(reply_notes part);
-  // In the order of their lines; those of one line in the order in which they came. One that repeats the last is
-  // dropped: a leaf is often reported in two places, config and state.
-  std::vector<std::string> texts() &&;
+  // In the order of their lines, missing entries last; those of one line in the order in which they came. One that
+  // repeats the last is dropped: a leaf is often reported in two places, config and state.
+  std::vector<note> in_order() &&;
 
  private:
   std::vector<reply_note> notes_;

@@ -258,7 +258,7 @@ class reply_stream {
 
   void finish() {
     note_missing_entries(around_, options_.reply, file_);
-    take_notes_(std::move(around_.notes).texts());
+    take_notes_(std::move(around_.notes).in_order());
     if (before_.empty()) {
       write(out_, data_tree(modules_), options_.to.value_or(source_.format()));
       return;

@@ -74,7 +74,7 @@ class planner {
         place_node(below, schema, operation);
       } else if (client_.is_read() && below.value == nullptr) {
         ++selections;
-        note(below, std::string(note_of_key));
+        add_note(below, note_kind::key_read, "is a key: it comes with whatever else is read");
       }
     }
     if (selections == 0 && client_.is_read()) {
@@ -99,7 +99,7 @@ class planner {
       }
     }
     if (!found) {
-      plan_.notes.push_back(asked + ": nothing below it is mapped");
+      plan_.notes.push_back({{{}, 0, asked}, note_kind::unmapped, "nothing below it is mapped"});
     }
   }
 
@@ -135,7 +135,7 @@ class planner {
       }
       if (key != nullptr && key->value != nullptr) {
         if (const checked_value checked = document_.check(*key); !checked.ok) {
-          errors_.add(*key, checked.why, error_tag::invalid_value);
+          errors_.add(*key, checked.why, error_tag::invalid_value, rejected_value{key->value, checked.reason});
         }
         first = first == nullptr ? key : first;
       }
@@ -152,12 +152,13 @@ class planner {
   }
 
   void report_unmapped(const yfw_node_t &node) {
-    if (!client_.is_read()) {
-      errors_.add(node, "is not mapped: no plug-in serves " + in_quotes(module_name(extra(node).schema)) + " there",
-                  error_tag::operation_not_supported);
-      return;
+    const std::string text =
+        "is not mapped: no plug-in serves " + in_quotes(module_name(extra(node).schema)) + " there";
+    if (client_.is_read()) {
+      add_note(node, note_kind::unmapped, text);
+    } else {
+      errors_.add(node, text, error_tag::operation_not_supported);
     }
-    note(node, "is not mapped: no plug-in serves " + in_quotes(module_name(extra(node).schema)) + " there");
   }
 
   const entry_point *entry_for(const lysc_node *above, std::string_view served_module) const {
@@ -174,8 +175,8 @@ class planner {
     return is_on_the_way(manifest_, direction::ox, schema, document_.modules());
   }
 
-  void note(const yfw_node_t &node, const std::string &text) {
-    plan_.notes.push_back(error(document_.where(node), text).what());
+  void add_note(const yfw_node_t &node, note_kind kind, const std::string &text) {
+    plan_.notes.push_back({document_.where(node), kind, text});
   }
 
   void add(dispatch added) {

@@ -7,7 +7,14 @@
 namespace yfw {
 
 void error_collector::add(const yfw_node_t &node, const std::string &text, error_tag tag, std::string bad_element) {
-  client_error problem(document_.where(node), text, tag, std::move(bad_element));
+  add(node, client_error(document_.where(node), text, tag, std::move(bad_element)));
+}
+
+void error_collector::add(const yfw_node_t &node, const std::string &text, error_tag tag, rejected_value rejected) {
+  add(node, client_error(document_.where(node), text, tag, std::move(rejected)));
+}
+
+void error_collector::add(const yfw_node_t &node, client_error problem) {
   if (mode_ == mode::fail_fast) {
     throw problem;
   }

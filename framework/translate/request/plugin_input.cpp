@@ -147,7 +147,8 @@ bool plugin_input::fill_leaf(yfw_node_t &to, const yfw_node_t &from, uint32_t op
   }
   const checked_value checked = document_.check(from);
   if (!checked.ok) {
-    errors_.add(from, checked.why, error_tag::invalid_value);
+    errors_.add(from, checked.why, error_tag::invalid_value,
+                rejected_value{from.value != nullptr ? from.value : "", checked.reason});
     return false;
   }
   to.value = arena_.text(checked.canonical);

@@ -56,7 +56,8 @@ class translation {
       translate(each);
     }
     for (const yfw_node_t *leaf : nodes_.content_matches()) {
-      note(*leaf, std::string(note_of_content_match));
+      add_note(*leaf, note_kind::content_match,
+               "selects by value, which the native request does not: more is read than asked for");
     }
     return std::move(result_);
   }
@@ -122,7 +123,7 @@ class translation {
       }
       const yfw_node_t *source_node = node_at(*copy, context_.compared);
       if (can_do_without(source_node, status) && left_out.insert(source_node).second) {
-        note(*source_node, "is not mapped: it has no native counterpart");
+        add_note(*source_node, note_kind::unmapped, "is not mapped: it has no native counterpart");
       } else {
         refuse(each, source_node, reason(source_node, status), tag_of(status));
       }
@@ -130,14 +131,16 @@ class translation {
   }
 
   // Rejects the source node or, when none is known, all that was handed over; the next walk goes without it.
-  void refuse(const dispatch &each, const yfw_node_t *source_node, const std::string &text, error_tag tag) {
+  template <typename... detail_t>
+  void refuse(const dispatch &each, const yfw_node_t *source_node, const std::string &text, error_tag tag,
+              const detail_t &...rejected) {
     const yfw_node_t *node = source_node != nullptr ? source_node : each.node;
     if (node == nullptr || errors_.contains(*node)) {
-      throw client_error(place{document_.file(), 0, path(each.schema)}, text, tag);
+      throw client_error(place{document_.file(), 0, path(each.schema)}, text, tag, rejected...);
     }
-    errors_.add(*node, text, tag);
+    errors_.add(*node, text, tag, rejected...);
     if (!children(*node).empty()) {
-      note(*node, "is set aside with all that is below it");
+      add_note(*node, note_kind::not_translated, "is set aside with all that is below it");
     }
   }
 
@@ -170,8 +173,7 @@ class translation {
     }
     for (const recorded_call &made : recorder_.recorded()) {
       if (!result_.client.is_read() && made.value_lost) {
-        const yfw_node_t *source_node = node_at(copy, made.compared);
-        refuse(each, source_node, lost_value(each, copy, source_node, made), error_tag::invalid_value);
+        refuse_lost_value(each, copy, made);
         return false;
       }
     }
@@ -190,7 +192,7 @@ class translation {
     if (is_mute && !result_.client.is_read()) {
       errors_.add(*given, "is not mapped: it would cause no native edit", error_tag::operation_not_supported);
     } else if (is_mute) {
-      note(*given, "is not mapped: nothing is read for it");
+      add_note(*given, note_kind::unmapped, "is not mapped: nothing is read for it");
     }
     for (const yfw_node_t &below : children(copy)) {
       require_cause(below, causes);
@@ -201,17 +203,21 @@ class translation {
     return is_leaf(extra(node).schema) || is_leaf_list(extra(node).schema);
   }
 
-  std::string lost_value(const dispatch &each, const yfw_node_t &copy, const yfw_node_t *source_node,
-                         const recorded_call &made) {
+  void refuse_lost_value(const dispatch &each, const yfw_node_t &copy, const recorded_call &made) {
+    const yfw_node_t *source_node = node_at(copy, made.compared);
+    rejected_value lost{{}, "has no native counterpart", {}};
     if (source_node == nullptr || source_node->value == nullptr) {
-      return "has no native counterpart: '" + made.call.path() + "' would be asked for or deleted instead";
+      refuse(each, source_node, lost.reason + ": '" + made.call.path() + "' would be asked for or deleted instead",
+             error_tag::invalid_value);
+      return;
     }
-    std::string text = in_quotes(source_node->value) + " has no native counterpart";
-    const std::vector<std::string> mapped = mapped_values(each, *node_compared(copy, made.compared));
-    for (size_t i = 0; i < mapped.size(); ++i) {
-      text += (i == 0 ? "; mapped are " : ", ") + in_quotes(mapped[i]);
+    lost.value = source_node->value;
+    lost.accepted = mapped_values(each, *node_compared(copy, made.compared));
+    std::string text = in_quotes(lost.value) + " " + lost.reason;
+    for (size_t i = 0; i < lost.accepted.size(); ++i) {
+      text += (i == 0 ? "; mapped are " : ", ") + in_quotes(lost.accepted[i]);
     }
-    return text;
+    refuse(each, source_node, text, error_tag::invalid_value, lost);
   }
 
   // Which values of a leaf the mapping takes, found out by trying each one alone.
@@ -280,8 +286,8 @@ class translation {
     return status == YMAP_ERR_INVALID_VALUE ? error_tag::invalid_value : error_tag::operation_failed;
   }
 
-  void note(const yfw_node_t &node, const std::string &text) {
-    result_.notes.push_back(error(document_.where(node), text).what());
+  void add_note(const yfw_node_t &node, note_kind kind, const std::string &text) {
+    result_.notes.push_back({document_.where(node), kind, text});
   }
 
   document &document_;

@@ -21,6 +21,7 @@ struct checked_value {
   bool ok = false;
   std::string canonical;  // RFC 7950, section 9; identities without prefix
   std::string why;        // when not ok: "'x' is not one of its values, which are 'a', 'b'"
+  std::string reason;     // the same without the value at the beginning
 };
 
 // Namespaces by prefix, for identities in values; none when the prefix is not known.

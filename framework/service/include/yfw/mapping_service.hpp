@@ -17,7 +17,7 @@ namespace yfw {
 
 struct edit_outcome {
   std::vector<device_change> changes;  // empty when the device cannot report its effects, too
-  std::vector<std::string> notes;      // one line each
+  std::vector<note> notes;
 };
 
 // Serves clients of one device through one plug-in. All errors that a client causes or can do something about are

@@ -68,8 +68,8 @@ struct explained_reply {
   std::string value;
   std::vector<traced_function> walk;
   std::vector<reported_leaf> reported;
-  std::vector<std::string> notes;  // what is left out and why
-  std::string refusal;             // of the whole reply; empty when it is translated
+  std::vector<note> notes;  // what is left out and why
+  std::string refusal;      // of the whole reply; empty when it is translated
 };
 
 struct explanation {

@@ -8,6 +8,7 @@
 #include "yfw/content.hpp"
 #include "yfw/data_tree.hpp"
 #include "yfw/document.hpp"
+#include "yfw/note.hpp"
 #include "yfw/plugin.hpp"
 #include "yfw/trace.hpp"
 
@@ -21,7 +22,7 @@ struct reply_options {
 
 struct reply {
   data_tree data;
-  std::vector<std::string> notes;  // what is left out and why, one line each, place first
+  std::vector<note> notes;  // what is left out and why
 };
 
 // Lets the plug-in translate native data, with or without `rpc-reply` and `data` around. The data of a value that has

@@ -25,7 +25,7 @@ class text_source {
   virtual bool seek(size_t offset) = 0;
 };
 
-using note_taker = std::function<void(const std::vector<std::string> &notes)>;
+using note_taker = std::function<void(const std::vector<note> &notes)>;
 
 struct stream_options {
   reply_options reply;

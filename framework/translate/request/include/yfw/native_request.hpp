@@ -11,6 +11,7 @@
 #include "yfw/client_request.hpp"
 #include "yfw/data_tree.hpp"
 #include "yfw/native_operation.hpp"
+#include "yfw/note.hpp"
 #include "yfw/plugin.hpp"
 #include "yfw/schema.hpp"
 #include "yfw/trace.hpp"
@@ -20,7 +21,7 @@ namespace yfw {
 struct native_request {
   client_request client;
   std::vector<native_operation> calls;  // in the order in which the plug-in made them
-  std::vector<std::string> notes;       // what is not done and why, one line each, place first
+  std::vector<note> notes;              // what is not done and why
 };
 
 // Lets the plug-in translate a request. A leaf of a read that has no native counterpart is left out with a note, the

@@ -41,9 +41,6 @@ std::vector<reported_leaf> leaves_of(const data_tree &tree);
 
 bool has_function(const plugin &mapping, const std::string &name);
 
-// The text of a note on a document without a name.
-std::string without_place(const std::string &note);
-
 // The reply to native data that is one leaf with a value.
 explained_reply explain_reply(const std::vector<path_step> &native, const std::string &value, const schema &modules,
                               const plugin &mapping, trace_log &log);

@@ -5,12 +5,10 @@
 #include <vector>
 
 #include "yfw/internal/plugin_input.hpp"
+#include "yfw/note.hpp"
 #include "yfw/plugin.hpp"
 
 namespace yfw {
-
-// The note on a key that is asked for: reads of the rest of its entry bring it.
-inline constexpr std::string_view note_of_key = "is a key: it comes with whatever else is read";
 
 // A node for an entry point, or, with `defaults`, a list entry that is created.
 struct dispatch {
@@ -25,7 +23,7 @@ struct dispatch {
 
 struct dispatch_plan {
   std::vector<dispatch> dispatches;
-  std::vector<std::string> notes;
+  std::vector<note> notes;
 };
 
 // Finds the entry points for all that the request names; for a read that ends above an entry point, for all that is

@@ -20,6 +20,7 @@ class error_collector {
 
   // Throws the problem as `client_error`, or keeps it. Of one node only the first is kept.
   void add(const yfw_node_t &node, const std::string &text, error_tag tag, std::string bad_element = {});
+  void add(const yfw_node_t &node, const std::string &text, error_tag tag, rejected_value rejected);
 
   // Whether the node is set aside.
   bool contains(const yfw_node_t &node) const {
@@ -33,6 +34,8 @@ class error_collector {
   std::vector<client_error> take();
 
  private:
+  void add(const yfw_node_t &node, client_error problem);
+
   const document &document_;
   const mode mode_;
   std::set<const yfw_node_t *> nodes_;

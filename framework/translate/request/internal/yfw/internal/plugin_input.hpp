@@ -14,10 +14,6 @@
 
 namespace yfw {
 
-// The note on a leaf of a read whose value selects entries.
-inline constexpr std::string_view note_of_content_match =
-    "selects by value, which the native request does not: more is read than asked for";
-
 class plugin_input {
  public:
   // With `is_checked` false, values and what may be edited are not looked at: the plug-in gets what is given.
