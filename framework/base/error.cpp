@@ -4,6 +4,8 @@
 #include <array>
 #include <utility>
 
+#include "yfw/internal/path_steps.hpp"
+
 namespace yfw {
 
 std::string message_line(const place &where, std::string_view text) {
@@ -35,19 +37,11 @@ std::string_view to_string(error_tag tag) {
 
 // The last name of a path: "price" of /library/book[title="War/Peace"]/price.
 static std::string last_name(std::string_view path) {
-  size_t begin = path.size();
-  char quote = '\0';
-  for (size_t i = 0; i < path.size(); ++i) {
-    if (quote != '\0') {
-      quote = path[i] == quote ? '\0' : quote;
-    } else if (path[i] == '"' || path[i] == '\'') {
-      quote = path[i];
-    } else if (path[i] == '/') {
-      begin = i + 1;
-    }
+  std::string_view step;
+  while (!path.empty()) {
+    step = next_step(path);
   }
-  path.remove_prefix(begin);
-  return std::string(path.substr(0, path.find('[')));
+  return std::string(step.substr(0, step.find('[')));
 }
 
 static bool names_element(error_tag tag) {

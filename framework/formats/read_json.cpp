@@ -176,9 +176,7 @@ class json_reader : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, json_
   std::string_view module_ns(std::string_view module) {
     const std::string_view ns = parts_.modules->ns_of_module(module);
     if (ns.empty()) {
-      const std::string_view near = closest(parts_.modules->modules(), module);
-      fail("module " + in_quotes(module) + " is not known" +
-           (near.empty() ? "" : "; did you mean " + in_quotes(near) + "?"));
+      fail("module " + in_quotes(module) + " is not known" + did_you_mean(parts_.modules->modules(), module));
     }
     return ns;
   }

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "yfw/error.hpp"
+#include "yfw/internal/path_steps.hpp"
 #include "yfw/node.hpp"
 
 namespace yfw {
@@ -72,12 +73,10 @@ void context::report_passed_on(std::string_view text) {
 const yfw_node_t *context::open_entry(std::string_view path) const {
   size_t depth = 0;
   while (!path.empty()) {
-    path.remove_prefix(1);  // the slash
-    const std::string_view name = path.substr(0, path.find('/'));
+    const std::string_view name = next_step(path);
     if (depth == hierarchy.size() || hierarchy[depth]->tag == nullptr || name != hierarchy[depth]->tag) {
       return nullptr;
     }
-    path.remove_prefix(name.size());
     ++depth;
   }
   return depth == 0 ? nullptr : hierarchy[depth - 1];

@@ -7,6 +7,7 @@
 
 #include "yfw/error.hpp"
 #include "yfw/internal/manifest_nodes.hpp"
+#include "yfw/internal/path_steps.hpp"
 
 namespace yfw {
 namespace {
@@ -19,11 +20,6 @@ std::string listed(const names_t &names) {
     text.append(text.empty() ? "'" : ", '").append(name).append("'");
   }
   return text;
-}
-
-std::string did_you_mean(const std::vector<std::string_view> &names, std::string_view word) {
-  const std::string_view near = closest(names, word);
-  return near.empty() ? "" : "; did you mean " + in_quotes(near) + "?";
 }
 
 class manifest_check {
@@ -108,20 +104,15 @@ class manifest_check {
       return ": it does not begin with '/'";
     }
     std::vector<const lysc_node *> above{nullptr};
-    size_t begin = 0;
-    size_t end = at.find('/', 1);
-    for (; end != std::string_view::npos && !modules_.find_all(at.substr(0, end)).empty();
-         end = at.find('/', end + 1)) {
-      above = modules_.find_all(at.substr(0, end));
-      begin = end;
+    std::string_view rest = at;
+    for (;;) {
+      const std::string_view step = next_step(rest);
+      std::vector<const lysc_node *> found = modules_.find_all(at.substr(0, at.size() - rest.size()));
+      if (found.empty()) {
+        return ": " + modules_.unknown_name(above, step, in_quotes(step));
+      }
+      above = std::move(found);
     }
-    std::vector<std::string_view> names;
-    for (const lysc_node *node : above) {
-      std::ranges::transform(modules_.children(node), std::back_inserter(names), name);
-    }
-    const std::string_view wrong = at.substr(begin + 1, end == std::string_view::npos ? end : end - begin - 1);
-    return ": there is no " + in_quotes(wrong) +
-           (begin == 0 ? " at the top" : " below " + in_quotes(at.substr(0, begin))) + did_you_mean(names, wrong);
   }
 
   void check_key(const std::vector<const lysc_node *> &lists, std::string_view key, const std::string &where) const {

@@ -181,24 +181,11 @@ class resolver {
   }
 
   [[noreturn]] void unknown_name(const xpath_token &token, const nodes &from) const {
-    std::vector<std::string_view> names;
-    for (const lysc_node *node : children_of(from)) {
-      names.push_back(name(node));
-    }
-    const std::string full = (token.prefix.empty() ? "" : token.prefix + ":") + token.text;
-    const lysc_node *only = from.size() == 1 ? from.front() : nullptr;
-    std::string why = in_quotes(full) + " is not ";
-    why += from.size() > 1   ? "a child of what stands before it in " + in_quotes(text_)
-           : only != nullptr ? "a child of " + in_quotes(path(only))
-                             : "a top-level node of the modules";
-    if (const std::string_view near = closest(names, token.text); near == token.text) {
-      why += "; that name has another module there";
-    } else if (!near.empty()) {
-      why += "; did you mean " + in_quotes(near) + "?";
-    }
-    const std::string above = only != nullptr ? path(only) : "";
-    const std::string where = from.size() > 1 ? "" : above + "/" + token.text;
-    throw client_error({"", 0, where}, why, error_tag::unknown_element, token.text);
+    std::string written = in_quotes((token.prefix.empty() ? "" : token.prefix + ":") + token.text);
+    written += from.size() == 1 ? "" : " in " + in_quotes(text_);
+    const std::string where = from.size() == 1 ? path(from.front()) + "/" + token.text : "";
+    throw client_error({"", 0, where}, modules_.unknown_name(from, token.text, written), error_tag::unknown_element,
+                       token.text);
   }
 
   // libyang compares identities with the name of their module.
@@ -223,11 +210,9 @@ class resolver {
         break;
       }
     }
-    result_.is_plain = tokens_[at].kind == xpath_kind::end && !result_.steps.empty();
     if (leaves_subtree_ && !result_.steps.empty()) {
       result_.steps.resize(1);
       result_.steps.front().keys.clear();
-      result_.is_plain = false;
     }
   }
 
@@ -254,26 +239,6 @@ class resolver {
 
 read_xpath read_expression(std::string_view xpath, const schema &modules, const client_node_test &is_clients) {
   return resolver(xpath, modules, is_clients).run();
-}
-
-std::vector<path_step> read_instance_path(std::string_view path, const schema &modules,
-                                          const client_node_test &is_clients) {
-  const read_xpath read = read_expression(path, modules, is_clients);
-  if (!read.is_plain) {
-    throw client_error({}, in_quotes(path) + " is not the path of one node: names and keys, /list[key='value']/leaf",
-                       error_tag::invalid_value);
-  }
-  for (const path_step &step : read.steps) {
-    for (const std::string_view key : keys(step.node)) {
-      if (std::ranges::count(step.keys, key, &std::pair<std::string_view, std::string>::first) != 1) {
-        throw client_error({},
-                           in_quotes(path) + " needs the key of " + in_quotes(name(step.node)) + " once: [" +
-                               std::string(key) + "='…']",
-                           error_tag::missing_element, std::string(key));
-      }
-    }
-  }
-  return read.steps;
 }
 
 }  // namespace yfw

@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <numeric>
+#include <set>
 
+#include "yfw/error.hpp"
+#include "yfw/internal/path_steps.hpp"
 #include "yfw/internal/schema_internal.hpp"
 #include "yfw/namespaces.hpp"
 
@@ -30,14 +33,13 @@ std::vector<const lysc_node *> schema::find_all(std::string_view path) const {
     return {};
   }
   while (!path.empty() && !reached.empty()) {
-    const size_t end = std::min(path.find('/', 1), path.size());
+    const std::string_view step = next_step(path);
     std::vector<const lysc_node *> next;
     for (const lysc_node *parent : reached) {
-      const auto [first, last] = parts_->by_name.equal_range({parent, path.substr(1, end - 1)});
+      const auto [first, last] = parts_->by_name.equal_range({parent, step});
       std::transform(first, last, std::back_inserter(next), [](const auto &each) { return each.second; });
     }
     reached = std::move(next);
-    path.remove_prefix(end);
   }
   return reached;
 }
@@ -46,6 +48,34 @@ const std::vector<const lysc_node *> &schema::children(const lysc_node *parent) 
   static const std::vector<const lysc_node *> none;
   const auto found = parts_->children.find(parent);
   return found == parts_->children.end() ? none : found->second;
+}
+
+std::string schema::unknown_name(const std::vector<const lysc_node *> &parents, std::string_view name,
+                                 const std::string &written) const {
+  std::vector<std::string_view> names;
+  std::set<std::string_view> defining;
+  std::set<std::string> paths;
+  for (const lysc_node *above : parents) {
+    paths.insert(path(above));
+    for (const lysc_node *below : children(above)) {
+      names.push_back(yfw::name(below));
+      if (yfw::name(below) == name) {
+        defining.insert(module_name(below));
+      }
+    }
+  }
+  std::string text = written;
+  text += paths.size() != 1    ? " is not a child of any node before it"
+          : paths.contains("") ? " is not a top-level node of the modules"
+                               : " is not a child of " + in_quotes(*paths.begin());
+  if (defining.empty()) {
+    return text + did_you_mean(names, name);
+  }
+  text += "; " + in_quotes(name) + " is defined in module ";
+  for (const std::string_view module : defining) {
+    text += (module == *defining.begin() ? "" : ", ") + in_quotes(module);
+  }
+  return text;
 }
 
 std::string_view schema::ns_of_module(std::string_view module) const {
@@ -178,6 +208,11 @@ std::string_view closest(const std::vector<std::string_view> &names, std::string
     }
   }
   return best;
+}
+
+std::string did_you_mean(const std::vector<std::string_view> &names, std::string_view word) {
+  const std::string_view near = closest(names, word);
+  return near.empty() ? "" : "; did you mean " + in_quotes(near) + "?";
 }
 
 }  // namespace yfw

@@ -17,8 +17,7 @@ std::string not_one_of(std::string_view text, const std::vector<std::string> &na
   constexpr size_t most = 24;
   std::string why = "is not one of its values";
   if (names.size() > most) {
-    const std::string_view near = closest({names.begin(), names.end()}, text);
-    return near.empty() ? why : why + "; did you mean " + in_quotes(near) + "?";
+    return why + did_you_mean({names.begin(), names.end()}, text);
   }
   for (size_t i = 0; i < names.size(); ++i) {
     why += (i == 0 ? ", which are " : ", ") + in_quotes(names[i]);

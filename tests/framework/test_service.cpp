@@ -397,8 +397,8 @@ INSTANTIATE_TEST_SUITE_P(
         XpathRow{"UnknownName", "/interfaces/interfce",
                  "unknown-element|'interfce' is not a child of '/interfaces'; did you mean 'interface'?"},
         XpathRow{"UnknownPrefix", "/x:interfaces",
-                 "unknown-element|'x:interfaces' is not a top-level node of the modules; that name has another module "
-                 "there"},
+                 "unknown-element|'x:interfaces' is not a top-level node of the modules; 'interfaces' is defined in "
+                 "module 'openconfig-interfaces'"},
         XpathRow{"Relative", "interfaces", "invalid-value|'interfaces' begins with '/' when it is an absolute path"},
         XpathRow{"Axis", "/interfaces/child::interface",
                  "invalid-value|'/interfaces/child::interface' is not an XPath that is supported: the axis 'child'; "

@@ -132,8 +132,8 @@ std::vector<input> client_inputs() {
        client_json(client_json_entry("Eth0", "\"config\": {\"duplex-mode\": \"FULL\",\n\"duplex-mode\": \"HALF\"}")),
        config + ": 'duplex-mode' is given twice"},
       {"UnknownNamespace", client(client_entry("Eth0", "\n<config xmlns='urn:nowhere'/>")),
-       config + ": 'config' of namespace 'urn:nowhere' is not a child of '/interfaces/interface/ethernet'; that name " +
-           "has another namespace there"},
+       config + ": 'config' of namespace 'urn:nowhere' is not a child of '/interfaces/interface/ethernet'; " +
+           "'config' is defined in module 'openconfig-if-ethernet'"},
       {"PrefixOfAValue", client(client_entry("Eth0", "\n<config><port-speed>x:SPEED_10MB</port-speed></config>")),
        config + "/port-speed: 'x:SPEED_10MB' has a prefix that is not declared"},
       {"OperationWithoutNamespace", client(client_entry("Eth0", "\n<config operation='delete'/>")),

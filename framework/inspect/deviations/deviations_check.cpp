@@ -6,6 +6,7 @@
 
 #include "deviations_internal.hpp"
 #include "yfw/error.hpp"
+#include "yfw/internal/path_steps.hpp"
 #include "yfw/internal/schema_types.hpp"
 #include "yfw/internal/text.hpp"
 
@@ -42,9 +43,7 @@ LY_ERR print_module(const char *name, const char * /*revision*/, const char *sub
 const lysc_node *node_of(const ly_ctx *context, const lysp_module *from, std::string_view identifier) {
   const lysc_node *node = nullptr;
   while (!identifier.empty()) {
-    identifier.remove_prefix(1);  // the slash
-    const std::string_view step = identifier.substr(0, identifier.find('/'));
-    identifier.remove_prefix(step.size());
+    const std::string_view step = next_step(identifier);
     const size_t colon = step.find(':');
     const lys_module *module = nullptr;
     for (const lysp_import *import : array_items(static_cast<const lysp_import *>(from->imports))) {

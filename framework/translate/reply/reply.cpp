@@ -142,8 +142,8 @@ class reply_translation {
 
   void require_top_level(const yfw_node_t &node) const {
     if (extra(node).schema == nullptr) {
-      throw error(document_.where(node), in_quotes(node.tag) + " of namespace " + in_quotes(node.ns) +
-                                             " is not a top-level node of the modules");
+      const std::string written = in_quotes(node.tag) + " of namespace " + in_quotes(node.ns);
+      throw error(document_.where(node), document_.modules().unknown_name({nullptr}, node.tag, written));
     }
   }
 

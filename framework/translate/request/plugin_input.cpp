@@ -61,17 +61,8 @@ bool is_known_node(const document &request, const yfw_node_t &node, error_collec
   const yfw_node_t *above = extra(node).parent;
   const bool is_top = above == nullptr || is_envelope(*above);
   const lysc_node *holder = is_top ? nullptr : extra(*above).schema;
-  std::string text = in_quotes(node.tag) + " of namespace " + in_quotes(node.ns);
-  text += is_top ? " is not a top-level node of the modules" : " is not a child of " + in_quotes(path(holder));
-  std::vector<std::string_view> names;
-  for (const lysc_node *known : request.modules().children(holder)) {
-    names.push_back(name(known));
-  }
-  if (const std::string_view near = closest(names, node.tag); near == node.tag) {
-    text += "; that name has another namespace there";
-  } else if (!near.empty()) {
-    text += "; did you mean " + in_quotes(near) + "?";
-  }
+  const std::string text =
+      request.modules().unknown_name({holder}, node.tag, in_quotes(node.tag) + " of namespace " + in_quotes(node.ns));
   const bool is_known_module = !request.modules().module_of_ns(node.ns).empty();
   errors.add(node, text, is_known_module ? error_tag::unknown_element : error_tag::unknown_namespace);
   return false;

@@ -1,7 +1,6 @@
 // Selection of data: subtree filters (RFC 6241, section 6) and XPath expressions (XPath 1.0, evaluated by libyang).
 #pragma once
 
-#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -38,25 +37,16 @@ data_tree selected_content(const data_tree &data, content wanted);
 // What a client's subtree filter, top-level nodes of `request`, selects of the data.
 data_tree filtered(const data_tree &data, const document &request, std::span<yfw_node_t *const> filter, content wanted);
 
-// Whether a node of the schema is of the client's model; an empty function takes all nodes for that.
-using client_node_test = std::function<bool(const lysc_node *node)>;
-
 // An XPath expression, understood as far as the way to the data goes.
 struct read_xpath {
   std::string qualified;         // with the module's name before each name, as libyang wants it
   std::vector<path_step> steps;  // the plain steps and keys that it begins with; all that it selects is below
-  bool is_plain = false;         // nothing follows them
 };
 
 // Names may stand without prefix, or with the name or prefix of a module. '//' at the top finds nodes of the client's
 // model only, and a name that several modules have there means the one of that model. Throws `client_error` for names
 // that the modules do not have, and for axes and variables.
 read_xpath read_expression(std::string_view xpath, const schema &modules, const client_node_test &is_clients = {});
-
-// The data node of a path like /library/book[title='Emma']/price, with all keys; names as for `read_expression`. Throws
-// `client_error` when it is none.
-std::vector<path_step> read_instance_path(std::string_view path, const schema &modules,
-                                          const client_node_test &is_clients = {});
 
 // The nodes of a tree that an expression selects. Throws `client_error` with libyang's message when it is wrong.
 std::vector<const data_node *> selected_nodes(const data_tree &data, const std::string &qualified_xpath);

@@ -54,6 +54,12 @@ class schema {
   // Children in the order of the module; of null: the top-level nodes of all modules.
   const std::vector<const lysc_node *> &children(const lysc_node *parent) const;
 
+  // What is wrong with a name that none of the parents has below it, null for the top: "'pice' is not a child of
+  // '/library/book'; did you mean 'price'?", or "; 'price' is defined in module 'shop'" when the name is there, of
+  // other modules than the one that is meant. `written` is the name as a message shows it: "'m:pice'".
+  std::string unknown_name(const std::vector<const lysc_node *> &parents, std::string_view name,
+                           const std::string &written) const;
+
   // Between the name of a module and its namespace, "" when unknown. `ietf-netconf` and `ietf-restconf`, the modules of
   // the envelopes, are always known. The views end with a zero.
   std::string_view ns_of_module(std::string_view module) const;
@@ -108,7 +114,10 @@ std::vector<std::string_view> keys(const lysc_node *list);
 std::string path(const lysc_node *node);
 std::string qualified_path(const lysc_node *node);
 
-// The name nearest to `word` by edit distance, for "did you mean"; "" when none is near.
+// The name nearest to `word` by edit distance; "" when none is near.
 std::string_view closest(const std::vector<std::string_view> &names, std::string_view word);
+
+// The end of a message on an unknown word: "; did you mean 'x'?" with the name nearest to it, or "" when none is near.
+std::string did_you_mean(const std::vector<std::string_view> &names, std::string_view word);
 
 }  // namespace yfw

@@ -1,6 +1,7 @@
 // Paths of data nodes: the schema node of each step and the keys of its list entry.
 #pragma once
 
+#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -17,6 +18,22 @@ struct path_step {
   const lysc_node *node;
   std::vector<std::pair<std::string_view, std::string>> keys;
 };
+
+// Whether a node of the schema is of the client model; an empty function says so of all nodes.
+using client_node_test = std::function<bool(const lysc_node *node)>;
+
+enum class path_keys {
+  required,  // each list entry with all of its keys
+  optional,  // with all of them or none
+};
+
+// The data node of a path like /library/book[title='Emma']/price. A name may have the name or the prefix of its module
+// before it, "lib:library"; where the names alone mean nodes of several modules, the one of the client model is meant.
+// Throws `client_error` for a path of another form, names that the modules do not have, keys that are missing or given
+// twice, and a path that still means several nodes.
+std::vector<path_step> read_instance_path(std::string_view path, const schema &modules,
+                                          const client_node_test &is_clients = {},
+                                          path_keys wanted = path_keys::required);
 
 // /list[key='x']/leaf with plain names, in the form of an instance-identifier (RFC 7950, section 9.13).
 std::string path_text(const std::vector<path_step> &steps);

@@ -14,7 +14,6 @@ namespace yfw {
 
 // A path with a value for each key: given ones, or samples.
 struct full_path {
-  std::string text;
   std::vector<path_step> steps;
   std::vector<std::string> made_up_keys;
 };
