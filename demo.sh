@@ -32,4 +32,4 @@ echo
 echo "== A typical reply: native data as OpenConfig"
 show examples/reply.xml
 run reply examples/reply.xml
-run reply --to json --content nonconfig --interface GigabitEthernet0/0/0/1 examples/reply.xml
+run reply --to json --content nonconfig --entry GigabitEthernet0/0/0/1 examples/reply.xml

@@ -5,12 +5,12 @@ include(CMakePackageConfigHelpers)
 set(ymap_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/ymap)
 set(ymap_header_dir ${CMAKE_INSTALL_INCLUDEDIR}/ymap)
 
-# The mapping: plug-in, manifest, known losses, modules. The program looks for modules in share/ymap/yang.
+# The mapping: plug-in, manifest, accepted differences, modules. The program looks for modules in share/ymap/yang.
 set(ymap_plugin_dir ${CMAKE_INSTALL_LIBDIR}/ymap)
 install(TARGETS ymap_oc_ethernet LIBRARY DESTINATION ${ymap_plugin_dir} COMPONENT plugin)
 install(FILES mapping/ethernet/manifest.json RENAME libymap_oc_ethernet.manifest.json
   DESTINATION ${ymap_plugin_dir} COMPONENT plugin)
-install(FILES mapping/ethernet/known-losses RENAME libymap_oc_ethernet.known-losses
+install(FILES mapping/ethernet/accepted-differences RENAME libymap_oc_ethernet.accepted-differences
   DESTINATION ${ymap_plugin_dir} COMPONENT plugin)
 install(DIRECTORY yang/ DESTINATION share/ymap/yang COMPONENT plugin)
 

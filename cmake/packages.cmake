@@ -14,8 +14,8 @@ set(CPACK_DEBIAN_PLUGIN_PACKAGE_NAME libymap-oc-ethernet)
 set(CPACK_DEBIAN_PLUGIN_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_PLUGIN_DESCRIPTION "The plug-in for OpenConfig Ethernet interfaces: translates
 openconfig-if-ethernet to native models and back, called by a YANG
-model-mapping framework. With its manifest, its known losses and the
-YANG modules of both sides.")
+model-mapping framework. With its manifest, its accepted differences and
+the YANG modules of both sides.")
 
 set(CPACK_DEBIAN_TOOL_PACKAGE_NAME ymap)
 set(CPACK_DEBIAN_TOOL_PACKAGE_SECTION net)
@@ -27,7 +27,7 @@ file(WRITE ${ymap_control_dir}/shlibs
 set(CPACK_DEBIAN_TOOL_PACKAGE_CONTROL_EXTRA ${ymap_control_dir}/triggers ${ymap_control_dir}/shlibs)
 set(CPACK_DEBIAN_TOOL_DESCRIPTION "The program ymap and its framework: translates requests of a client to
 native ones and native replies back, off the device, and shows what a
-mapping does: its coverage, its losses, the way of one leaf.")
+mapping does: its coverage, its round trips, each leaf.")
 
 set(CPACK_DEBIAN_DEVEL_PACKAGE_NAME ymap-dev)
 set(CPACK_DEBIAN_DEVEL_PACKAGE_SECTION libdevel)

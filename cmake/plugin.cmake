@@ -3,7 +3,7 @@
 # ymap_plugin(NAME MANIFEST)
 # Makes shared library NAME a mapping plug-in: it exports what its headers mark, needs nothing but the C library, holds
 # no writable data of the compiler's start files. It appears in lib/ymap of the build; its manifest stands beside it,
-# and so do its known losses, if any.
+# and so do its accepted differences, if any, in the file accepted-differences or, in older sources, known-losses.
 function(ymap_plugin name manifest)
   target_link_libraries(${name} PRIVATE ymap::ymap_frame)
   target_include_directories(${name} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR}/include)
@@ -18,7 +18,9 @@ function(ymap_plugin name manifest)
     target_link_libraries(${name} PRIVATE c)
   endif()
   configure_file(${manifest} ${PROJECT_BINARY_DIR}/lib/ymap/lib${name}.manifest.json COPYONLY)
-  if(EXISTS ${CMAKE_CURRENT_SOURCE_DIR}/known-losses)
-    configure_file(known-losses ${PROJECT_BINARY_DIR}/lib/ymap/lib${name}.known-losses COPYONLY)
-  endif()
+  foreach(accepted known-losses accepted-differences)
+    if(EXISTS ${CMAKE_CURRENT_SOURCE_DIR}/${accepted})
+      configure_file(${accepted} ${PROJECT_BINARY_DIR}/lib/ymap/lib${name}.accepted-differences COPYONLY)
+    endif()
+  endforeach()
 endfunction()

@@ -1,12 +1,12 @@
-# Completion of ymap for bash. Commands, options and their words are those that `ymap --help` tells, so that they are
-# the ones of the program that is there.
+# Completion of ymap for bash. Commands, options and their words are read from `ymap --help`, so that they
+# are those of the installed program.
 
 # The commands, one a line.
 _ymap_commands() {
   "$1" --help 2>/dev/null | sed -n '/^Subcommands:/,/^$/s/^  \([a-z][a-z-]*\) .*/\1/p'
 }
 
-# The options of a command, `--to TEXT:{json,xml} …`, one a line.
+# The options of a command, `--to {json,xml} …`, one a line.
 _ymap_options() {
   "$1" ${2:+"$2"} --help 2>/dev/null | sed -n '/^Options:/,/^$/s/^  \(-[a-z],\)\{0,1\}\(--.*\)/\2/p'
 }
@@ -25,7 +25,7 @@ _ymap() {
   if [[ $before == --* && $before != -- ]]; then
     option=$(_ymap_options "$program" "$command" | grep -E -m 1 -- "^$before( |\$)")
     case $option in
-      "$before "*:{*}*) mapfile -t COMPREPLY < <(compgen -W "$(sed 's/.*:{\([^}]*\)}.*/\1/; y/,/ /' <<<"$option")" -- "$word") && return ;;
+      "$before {"*) mapfile -t COMPREPLY < <(compgen -W "$(sed 's/[^{]*{\([^}]*\)}.*/\1/; y/,/ /' <<<"$option")" -- "$word") && return ;;
       "$before DIR"*) mapfile -t COMPREPLY < <(compgen -d -- "$word") && return ;;
       "$before "[A-Z]*) mapfile -t COMPREPLY < <(compgen -f -- "$word") && return ;;
     esac

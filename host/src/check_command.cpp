@@ -13,13 +13,12 @@ namespace ymap {
 namespace {
 
 constexpr const char *about_check =
-    "Reads the library without loading it: nothing in it runs. Looks for names that nobody\n"
-    "defines, for functions by hand that no walker calls (a typing error in such a name means\n"
-    "that the generated function runs instead), for entry points that the manifest misses, and\n"
-    "for data that outlives a call.\n\n"
     "Examples:\n"
     "  ymap check build/lib/ymap/libymap_oc_ethernet.so\n"
     "  ymap check --format json libymap_oc_ethernet.so | jq '.findings[] | select(.level != \"ok\")'\n\n"
+    "Reads the library without loading it: nothing in it runs. Reports undefined names, custom\n"
+    "functions that no walker calls (after a typing error in such a name the generated function\n"
+    "runs instead), entry points that the manifest does not name, and data that outlives a call.\n\n"
     "Exit code 0: no errors, perhaps warnings; 1: errors.";
 
 struct check_options {
@@ -75,23 +74,23 @@ std::string list_text(const char *title, const std::vector<std::string> &names) 
 std::string model_text(const yfw::checked_model &model) {
   return "  " + std::string(to_string(model.dir)) + ' ' + model.module + " of " + model.plugin + ": " +
          std::to_string(model.generated) + " generated, " +
-         std::to_string(model.overrides.size() + model.by_hand.size()) + " by hand, " + std::to_string(model.unmapped) +
-         " unmapped\n" + list_text("entry   ", model.entry_points) + list_text("by hand ", model.by_hand) +
-         list_text("replaces", model.overrides) + list_text("uncalled", model.uncalled);
+         std::to_string(model.overrides.size() + model.custom.size()) + " custom, " + std::to_string(model.unmapped) +
+         " unmapped\n" + list_text("entry point", model.entry_points) + list_text("custom     ", model.custom) +
+         list_text("override   ", model.overrides) + list_text("unreachable", model.unreachable);
 }
 
 std::string finding_text(const yfw::finding &each) {
   const std::string name = each.name.empty() ? "" : each.name + ": ";
-  return painted(stream::out, colour_of(each.level), padded(to_string(each.level), 8)) + ' ' + padded(each.about, 10) +
-         ' ' + name + each.text + '\n';
+  return painted(stream::out, colour_of(each.level), padded(to_string(each.level), 8)) + ' ' + padded(each.check, 10) +
+         ' ' + name + each.message + '\n';
 }
 
 std::string as_text(const yfw::plugin_report &report) {
-  std::string text = report.file + ": a library for " + report.machine + '\n';
+  std::string text = report.file + ": library for " + report.machine + '\n';
   for (const yfw::checked_model &model : report.models) {
     text += model_text(model);
   }
-  text += report.models.empty() ? "" : list_text("helper  ", report.helpers);
+  text += report.models.empty() ? "" : list_text("helper     ", report.helpers);
   for (const yfw::finding &each : report.findings) {
     text += finding_text(each);
   }
@@ -106,9 +105,9 @@ void add_model(json_report &out, const yfw::checked_model &model) {
   out.number("generated", model.generated);
   out.number("unmapped", model.unmapped);
   out.texts("entry-points", model.entry_points);
-  out.texts("by-hand", model.by_hand);
+  out.texts("custom", model.custom);
   out.texts("overrides", model.overrides);
-  out.texts("uncalled", model.uncalled);
+  out.texts("unreachable", model.unreachable);
 }
 
 std::string as_json(const yfw::plugin_report &report) {
@@ -125,9 +124,9 @@ std::string as_json(const yfw::plugin_report &report) {
     });
     out.list("findings", report.findings, [&](const yfw::finding &each) {
       out.text("level", to_string(each.level));
-      out.text("about", each.about);
+      out.text("check", each.check);
       out.text_if_any("name", each.name);
-      out.text("text", each.text);
+      out.text("message", each.message);
     });
   });
 }
@@ -143,10 +142,10 @@ void run(const check_options &options) {
 }  // namespace
 
 void add_check(CLI::App &app) {
-  CLI::App &command = *app.add_subcommand("check", "Check a plug-in's library before anything in it is called.");
+  CLI::App &command = *app.add_subcommand("check", "Check a plug-in's library without loading it.");
   command.footer(about_check);
   const auto options = std::make_shared<check_options>();
-  command.add_option("PLUGIN", options->library, "the plug-in's shared library")->required()->check(empty_name_fault);
+  command.add_option("PLUGIN", options->library, "the plug-in's shared library")->required()->check(empty_name_error);
   add_format(command, options->as_json);
   command.callback([options] { run(*options); });
 }

@@ -16,23 +16,60 @@ namespace ymap {
 namespace {
 
 constexpr const char *about =
-    "ymap runs a YANG model mapping: it turns a client's OpenConfig request into what\n"
-    "the device is asked to set, delete or read, and native data into OpenConfig data.\n"
-    "A mapping is a plug-in, a shared library with a manifest beside it.";
+    "ymap translates between a client model, such as OpenConfig, and the native models of a device,\n"
+    "and measures and checks the mapping between them: a plug-in, which is a shared library with a\n"
+    "manifest beside it.";
 
-constexpr const char *about_exit_codes = "Exit codes: 0 done, 1 input refused or work failed, 2 wrong command line.";
+constexpr const char *examples =
+    "Examples:\n"
+    "  ymap get --device examples/device.xml /interfaces/interface/ethernet/config\n"
+    "  ymap request --to paths examples/set-speed.xml\n"
+    "  ymap coverage --missing\n\n"
+    "Exit codes: 0 done, 1 input rejected or work failed, 2 wrong command line.";
 
-// The word of `names` that somebody meant who began or misspelt it; "" when none is near, or nothing to compare.
-std::string_view meant(const std::vector<std::string_view> &names, std::string_view word) {
+// An option that had another name in version 0.2, which is still accepted.
+struct former_option {
+  std::string_view command;  // empty: any
+  std::string_view former, name;
+};
+
+constexpr former_option former_options[] = {{"reply", "--interface", "--entry"},
+                                            {"explain", "--op", "--operation"},
+                                            {"roundtrip", "--allow", "--accepted"},
+                                            {"deviations", "--leave-out", "--skip-breaking"},
+                                            {"", "--ring", "--trace-long"}};
+
+// The words of the command line with current names of options, after a warning for each former one. Words after "--"
+// are those of another command line.
+std::vector<std::string> with_current_names(std::vector<std::string> words) {
+  const auto is_option = [](const std::string &word) { return word.starts_with('-'); };
+  const auto command = std::ranges::find_if_not(words, is_option);
+  const auto end = std::ranges::find(words, "--");
+  const std::string command_name = command < end ? *command : "";
+  for (auto word = words.begin(); word != end; ++word) {
+    const std::string option = word->substr(0, word->find('='));
+    const auto *found = std::ranges::find_if(former_options, [&](const former_option &each) {
+      return each.former == option && (each.command.empty() || each.command == command_name);
+    });
+    if (found != std::end(former_options)) {
+      std::cerr << "ymap: warning: '" << found->former << "' is deprecated, use '" << found->name << "'\n";
+      word->replace(0, option.size(), found->name);
+    }
+  }
+  return words;
+}
+
+// The name that begins with `word` or, if several or none do, the one that is most similar; "" when none is similar.
+std::string_view similar_name(const std::vector<std::string_view> &names, std::string_view word) {
   if (word.size() <= 2) {
     return "";
   }
-  const auto is_begun = [&](std::string_view name) { return name.starts_with(word); };
-  const auto begun = std::ranges::find_if(names, is_begun);
-  return std::ranges::count_if(names, is_begun) == 1 ? *begun : yfw::closest(names, word);
+  const auto is_completion = [&](std::string_view name) { return name.starts_with(word); };
+  const auto completion = std::ranges::find_if(names, is_completion);
+  return std::ranges::count_if(names, is_completion) == 1 ? *completion : yfw::closest(names, word);
 }
 
-// The long ones: with a single letter, any other would be near.
+// The long names: any letter is similar to a one-letter name.
 std::vector<std::string> option_names(const CLI::App &command) {
   std::vector<std::string> names;
   for (const CLI::Option *option : command.get_options()) {
@@ -51,51 +88,54 @@ std::vector<std::string> command_names(const CLI::App &app) {
   return names;
 }
 
-// What is wrong with the first word that a command has no use for, options first; "" when it has one for each. CLI11
-// itself would tell first what is missing, which often is what was misspelt.
-std::string strange_word(const CLI::App &command) {
-  const std::vector<std::string> strange = command.remaining();
-  if (strange.empty()) {
+// The error for the first unknown word of a command, options first; "" when all are known. CLI11 itself reports missing
+// words first, which often are missing because they are misspelt.
+std::string unknown_word_error(const CLI::App &command) {
+  const std::vector<std::string> unknown = command.remaining();
+  if (unknown.empty()) {
     return "";
   }
   const auto is_option = [](const std::string &word) { return word.starts_with('-'); };
-  const auto option = std::ranges::find_if(strange, is_option);
-  const bool has_option = option != strange.end();
-  const std::string word = has_option ? option->substr(0, option->find('=')) : strange.front();
+  const auto option = std::ranges::find_if(unknown, is_option);
+  const bool has_option = option != unknown.end();
+  const std::string word = has_option ? option->substr(0, option->find('=')) : unknown.front();
   const bool is_program = command.get_parent() == nullptr;
   const std::string name = is_program ? "'ymap'" : "'ymap " + command.get_name() + "'";
   if (!has_option && !is_program) {
-    return yfw::in_quotes(word) + " is one argument too many for " + name;
+    return "unexpected argument " + yfw::in_quotes(word) + " of " + name;
   }
   const std::vector<std::string> names = has_option ? option_names(command) : command_names(command);
-  const std::string_view near = meant({names.begin(), names.end()}, word);
-  return yfw::in_quotes(word) + (has_option ? " is no option of " + name : " is no command") +
-         (near.empty() ? "" : "; did you mean '" + std::string(near) + "'?");
+  const std::string_view similar = similar_name({names.begin(), names.end()}, word);
+  return "unknown " + std::string(has_option ? "option " : "command ") + yfw::in_quotes(word) +
+         (has_option ? " of " + name : "") + (similar.empty() ? "" : "; did you mean '" + std::string(similar) + "'?");
 }
 
-// The error line of a command line that is wrong.
+// The error line for a wrong command line.
 std::string failure_line(const CLI::App &app, const CLI::Error &failure) {
-  std::string text = strange_word(app);
+  std::string text = unknown_word_error(app);
   for (const CLI::App *command : app.get_subcommands()) {
-    text = text.empty() ? strange_word(*command) : text;
+    text = text.empty() ? unknown_word_error(*command) : text;
   }
   const auto is = [&](CLI::ExitCodes code) { return failure.get_exit_code() == static_cast<int>(code); };
-  const bool is_of_words = is(CLI::ExitCodes::RequiredError) || is(CLI::ExitCodes::ExtrasError);
-  text = is_of_words && !text.empty() ? text : failure.what();
-  return "ymap: " + text + (text.ends_with('?') ? "" : ";") + " 'ymap --help' and 'ymap COMMAND --help' tell more\n";
+  const bool is_about_words = is(CLI::ExitCodes::RequiredError) || is(CLI::ExitCodes::ExtrasError);
+  const bool has_no_command = is(CLI::ExitCodes::RequiredError) && app.get_subcommands().empty();
+  text = is_about_words && !text.empty() ? text : has_no_command ? "a command is required" : failure.what();
+  return "ymap: " + text + (text.ends_with('?') ? "" : ";") + " see 'ymap --help' or 'ymap COMMAND --help'\n";
 }
 
-// Parses and runs the command. Returns the exit code; help and version are printed here.
+// Parses and runs the command, and prints help and version. Returns the exit code.
 int parse(CLI::App &app, int argc, char **argv) {
   try {
-    app.parse(argc, argv);
+    std::vector<std::string> words = with_current_names({argv + 1, argv + argc});
+    std::ranges::reverse(words);  // as CLI11 expects them
+    app.parse(words);
     return 0;
   } catch (const CLI::ParseError &result) {
-    const bool is_good = app.exit(result, std::cout, std::cerr) == 0;
-    if (is_good) {
+    const bool is_done = app.exit(result, std::cout, std::cerr) == 0;
+    if (is_done) {
       write_result("");
     }
-    return is_good ? 0 : 2;
+    return is_done ? 0 : 2;
   }
 }
 
@@ -103,7 +143,7 @@ int parse(CLI::App &app, int argc, char **argv) {
 
 int run_command_line(int argc, char **argv) {
   CLI::App app(about, "ymap");
-  app.footer(about_exit_codes);
+  app.footer(examples);
   app.set_version_flag("--version", "ymap " YMAP_VERSION " (ABI " + std::to_string(YFW_ABI_VERSION) + ")");
   app.require_subcommand(1);
   app.get_formatter()->column_width(24);

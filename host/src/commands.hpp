@@ -1,6 +1,6 @@
-// The commands of ymap. Each adds itself to the command line, with its options and help; when it is the one asked for,
-// it runs and throws `yfw::error` when the input is refused or the work fails, `usage_error` when the command line does
-// not fit the input.
+// The commands of ymap. Each function adds a command with its options and help to the command line. The command throws
+// `yfw::error` when the input is rejected or the work fails, `usage_error` when the command line is wrong for the
+// input.
 #pragma once
 
 #include <CLI/CLI.hpp>
@@ -31,29 +31,39 @@ class usage_error : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-// Thrown when the work failed and the result that was printed says so.
+// Thrown when the work failed and the printed result says so.
 class failure_reported : public std::exception {};
 
-// The check of options and arguments that name a file, a directory or something in the data, as CLI11 wants it. An
-// empty name, as an unset variable of a script leaves it, would be taken for an option that is not there.
-inline std::string empty_name_fault(const std::string &text) {
-  return text.empty() ? "its value is empty, and names nothing" : "";
+// A check as CLI11 expects it, of options and arguments that name a file, a directory or something in the data: the
+// error of an empty name, which an unset variable of a script leaves and which would otherwise count as an absent
+// option.
+inline std::string empty_name_error(const std::string &text) {
+  return text.empty() ? "invalid value '', expected a name" : "";
 }
 
-// An option whose value is one of a few words.
+// Adds an option with a choice of words, and calls `choose` with the meaning of the one that is given.
 template <typename value_t>
 void add_choice(CLI::App &command, const std::string &name, const std::string &help,
                 const std::map<std::string, value_t> &words, std::function<void(value_t)> choose) {
+  std::string known, quoted;
+  for (const auto &[word, meaning] : words) {
+    known.append(known.empty() ? "" : ",").append(word);
+    quoted.append(quoted.empty() ? "'" : ", '").append(word).append("'");
+  }
+  const auto error_of = [words, quoted](const std::string &word) {
+    return words.contains(word) ? "" : "invalid value '" + word + "', expected " + quoted;
+  };
   command
       .add_option_function<std::string>(
           name, [words, choose](const std::string &word) { choose(words.at(word)); }, help)
-      ->check(CLI::IsMember(words));
+      ->type_name("{" + known + "}")
+      ->check(error_of);
 }
 
-// --format, as reports for readers and programs have it. `as_json` must live until the command has run.
+// Adds --format, of reports for people or programs. `as_json` must live until the command has run.
 inline void add_format(CLI::App &command, bool &as_json) {
-  add_choice<bool>(command, "--format", "for a reader (text, default) or for a program (json)",
-                   {{"text", false}, {"json", true}}, [&as_json](bool chosen) { as_json = chosen; });
+  add_choice<bool>(command, "--format", "text (default) or JSON", {{"text", false}, {"json", true}},
+                   [&as_json](bool chosen) { as_json = chosen; });
 }
 
 }  // namespace ymap

@@ -7,7 +7,7 @@
 namespace ymap {
 namespace {
 
-constexpr size_t shape_version = 1;
+constexpr size_t shape_version = 2;
 constexpr yfw::leaf_operation all_operations[] = {yfw::leaf_operation::get_config, yfw::leaf_operation::get,
                                                   yfw::leaf_operation::set, yfw::leaf_operation::remove};
 
@@ -20,10 +20,10 @@ class coverage_json {
     out_.number("version", shape_version);
     out_.flag("only-missing", view_.only_missing);
     out_.object("summary", [&] {
-      out_.object("high", [&] { add_summary(view_.measured.high); });
+      out_.object("client", [&] { add_summary(view_.measured.client); });
       out_.object("native", [&] { add_summary(view_.measured.native); });
     });
-    add_rows("high", view_.measured.high);
+    add_rows("client", view_.measured.client);
     add_rows("native", view_.measured.native);
   }
 
@@ -69,7 +69,7 @@ class coverage_json {
   void add_probe(const yfw::leaf_probe &probe) {
     out_.text("value", probe.value);
     out_.flag("mapped", probe.is_mapped());
-    out_.text_if_any("refusal", probe.refusal);
+    out_.text_if_any("rejection", probe.rejection);
     out_.list("effects", probe.effects, [&](const yfw::probe_effect &effect) {
       out_.text("kind", to_string(effect.kind));
       out_.text("path", yfw::qualified_path(effect.node));

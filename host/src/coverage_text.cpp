@@ -19,35 +19,40 @@ constexpr yfw::leaf_operation operations[] = {yfw::leaf_operation::get_config, y
 constexpr size_t native_columns = 2;  // nothing is set by a reply
 constexpr size_t column = 12;
 
-// The short words of the table, and their colours.
-struct shown_state {
-  const char *text;
+// A state as the table shows it.
+struct state_label {
+  std::string text;
   colour in;
 };
 
-shown_state shown(const coverage_cell &cell, bool is_high) {
-  if (!is_high && cell.state == mapping_state::unmapped_silently) {
-    return {cell.is_allowed ? "ignored" : "-", colour::dim};  // a reply may hold more than is asked for
-  }
-  if (!cell.is_allowed && cell.state != mapping_state::mapped && cell.state != mapping_state::mapped_to_several) {
-    return cell.state == mapping_state::unmapped_silently ? shown_state{"(silent)", colour::dim}
-                                                          : shown_state{"-", colour::dim};
-  }
-  switch (cell.state) {
+colour colour_of(mapping_state state) {
+  switch (state) {
     case mapping_state::mapped:
-      return cell.is_allowed ? shown_state{"yes", colour::green} : shown_state{"(yes)", colour::magenta};
-    case mapping_state::mapped_to_several:
-      return cell.is_allowed ? shown_state{"several", colour::cyan} : shown_state{"(several)", colour::magenta};
-    case mapping_state::refused_value:
-      return {"partly", colour::yellow};
-    case mapping_state::unmapped_with_error:
-      return {"error", colour::red};
-    case mapping_state::unmapped_silently:
-      return {"silent", colour::red};
+      return colour::green;
+    case mapping_state::multiple:
+      return colour::cyan;
+    case mapping_state::partial:
     case mapping_state::not_probed:
+      return colour::yellow;
+    case mapping_state::rejected:
+    case mapping_state::unmapped:
       break;
   }
-  return {"?", colour::yellow};
+  return colour::red;
+}
+
+state_label label_of(const coverage_cell &cell, bool is_client) {
+  const std::string text(to_string(cell.state));
+  if (!is_client && cell.state == mapping_state::unmapped) {
+    return {cell.is_allowed ? "ignored" : "n/a", colour::dim};  // a reply may contain more than was requested
+  }
+  if (cell.is_allowed) {
+    return {text, colour_of(cell.state)};
+  }
+  if (cell.is_mapped()) {
+    return {"(" + text + ")", colour::magenta};
+  }
+  return {cell.state == mapping_state::unmapped ? "(unmapped)" : "n/a", colour::dim};
 }
 
 std::string parent_path(const coverage_row &row) {
@@ -55,12 +60,12 @@ std::string parent_path(const coverage_row &row) {
   return above == nullptr ? "/" : yfw::path(above);
 }
 
-// The values that a cell's probes say something about, in quotes: "'a', 'b'".
-template <typename Wanted>
-std::string values(const coverage_cell &cell, Wanted wanted) {
+// The values of those probes of a cell that fit, in quotes: "'a', 'b'".
+template <typename is_wanted_t>
+std::string values(const coverage_cell &cell, is_wanted_t is_wanted) {
   std::string text;
   for (const yfw::leaf_probe &probe : cell.probes) {
-    if (probe.value && wanted(probe)) {
+    if (probe.value && is_wanted(probe)) {
       text += (text.empty() ? "" : ", ") + yfw::in_quotes(*probe.value);
     }
   }
@@ -76,14 +81,14 @@ class table {
   explicit table(const coverage_view &view) : view_(view) {}
 
   std::string text() {
-    add("high model", view_.measured.high, std::size(operations));
+    add("client model", view_.measured.client, std::size(operations));
     add("native model", view_.measured.native, native_columns);
     add_summary();
     return out_.str();
   }
 
  private:
-  // The text in a column; the colour does not count.
+  // The text padded to a column; colours have no width.
   static std::string in_column(const std::string &text, size_t width, colour in) {
     const size_t gap = text.size() < width ? width - text.size() : 1;
     return painted(text, in) + std::string(gap, ' ');
@@ -117,7 +122,7 @@ class table {
   void add_row(const coverage_row &row, size_t width) {
     std::string line = "  " + in_column(std::string(yfw::name(row.leaf)), width - 2, colour::none);
     for (const coverage_cell &cell : row.cells) {
-      const shown_state state = shown(cell, row.cells.size() > native_columns);
+      const state_label state = label_of(cell, row.cells.size() > native_columns);
       line += in_column(state.text, column, state.in);
     }
     std::vector<const lysc_node *> targets;
@@ -136,57 +141,59 @@ class table {
     add_reasons(row);
   }
 
-  // Why something is not mapped, once for all operations of which the same is said.
+  // Why the leaf is not mapped, with all operations that have the same reason.
   void add_reasons(const coverage_row &row) {
-    std::vector<std::pair<std::string, std::string>> said;  // reason, operations
+    std::vector<std::pair<std::string, std::string>> reasons;  // and the operations
     for (const coverage_cell &cell : row.cells) {
       const std::string reason = cell.is_missing() ? reason_of(cell) : "";
-      const auto known = std::find_if(said.begin(), said.end(), [&](const auto &each) { return each.first == reason; });
-      if (!reason.empty() && known == said.end()) {
-        said.emplace_back(reason, to_string(cell.operation));
+      const auto known = std::ranges::find(reasons, reason, &std::pair<std::string, std::string>::first);
+      if (!reason.empty() && known == reasons.end()) {
+        reasons.emplace_back(reason, to_string(cell.operation));
       } else if (!reason.empty()) {
         known->second.append(", ").append(to_string(cell.operation));
       }
     }
-    for (const auto &[reason, of] : said) {
-      out_ << "      " << painted(std::string(of).append(" ").append(reason), colour::dim) << '\n';
+    for (const auto &[reason, row_operations] : reasons) {
+      out_ << "      " << painted(std::string(row_operations).append(" ").append(reason), colour::dim) << '\n';
     }
   }
 
   static std::string reason_of(const coverage_cell &cell) {
-    if (cell.state != mapping_state::refused_value) {
-      const char *verb = cell.state == mapping_state::not_probed ? "not tried: " : "fails: ";
+    if (cell.state != mapping_state::partial) {
+      const char *verb = cell.state == mapping_state::not_probed ? "not tried: " : "rejected: ";
       return cell.reason.empty() ? "" : verb + cell.reason;
     }
-    const std::string refused = values(cell, [](const auto &probe) { return !probe.refusal.empty(); });
+    const std::string rejected = values(cell, [](const auto &probe) { return !probe.rejection.empty(); });
     const std::string ignored =
-        values(cell, [](const auto &probe) { return probe.refusal.empty() && !probe.is_mapped(); });
-    return (refused.empty() ? "" : "refuses " + refused) + (refused.empty() || ignored.empty() ? "" : "; ") +
+        values(cell, [](const auto &probe) { return probe.rejection.empty() && !probe.is_mapped(); });
+    return (rejected.empty() ? "" : "rejects " + rejected) + (rejected.empty() || ignored.empty() ? "" : "; ") +
            (ignored.empty() ? "" : "ignores " + ignored);
   }
 
   void add_summary() {
-    out_ << painted("mapped, of what the model allows", colour::bold) << '\n' << std::string(14, ' ');
+    out_ << painted("mapped, of the operations that the model allows", colour::bold) << '\n' << std::string(14, ' ');
     for (const yfw::leaf_operation operation : operations) {
       out_ << in_column(std::string(to_string(operation)), 18, colour::bold);
     }
     out_ << painted("all", colour::bold) << '\n';
-    add_shares("high model", view_.measured.high, std::size(operations));
+    add_shares("client model", view_.measured.client, std::size(operations));
     add_shares("native model", view_.measured.native, native_columns);
-    out_ << "\nyes: every value that was tried; several: more than one path; partly: some values; error, silent: not\n"
-            "mapped, with and without a word; ignored: nothing is made of it; -: the model has no such operation;\n"
-            "(yes), (silent): nor has the model, but the mapping does not refuse it\n";
+    out_ << "\nmapped: every sample value reaches one path; multiple: more than one path; partial: some values reach "
+            "one;\n"
+            "rejected, unmapped: no value does, with or without an error; ignored: no effect on replies;\n"
+            "n/a: not allowed by the model; (mapped), (unmapped): not allowed by the model, but accepted by the "
+            "mapping\n";
   }
 
   void add_shares(const char *title, const std::vector<coverage_row> &rows, size_t columns) {
     out_ << in_column(title, 14, colour::none);
     for (size_t i = 0; i < std::size(operations); ++i) {
-      out_ << in_column(i < columns ? words(share_of(rows, operations[i])) : "", 18, colour::none);
+      out_ << in_column(i < columns ? share_text(share_of(rows, operations[i])) : "", 18, colour::none);
     }
-    out_ << words(share_of(rows)) << '\n';
+    out_ << share_text(share_of(rows)) << '\n';
   }
 
-  static std::string words(const yfw::coverage_share &share) {
+  static std::string share_text(const yfw::coverage_share &share) {
     char text[64];
     std::snprintf(text, sizeof text, "%zu/%zu %.1f %%", share.mapped, share.pairs, share.percent());
     return text;

@@ -10,11 +10,10 @@ namespace ymap {
 
 void add_device_options(CLI::App &command, device_options &options, const std::string &about_to) {
   command
-      .add_option("--device", options.device,
-                  "the device: a file of native data, XML or JSON, configuration and operational")
+      .add_option("--device", options.device, "the device: a file of native data, configuration and operational state")
       ->required()
       ->type_name("FILE")
-      ->check(empty_name_fault);
+      ->check(empty_name_error);
   add_setup(command, options.setup);
   add_choice<yfw::data_format>(command, "--to", about_to,
                                {{"xml", yfw::data_format::xml}, {"json", yfw::data_format::json}},

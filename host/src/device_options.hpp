@@ -1,4 +1,4 @@
-// What the commands on the device share.
+// Options and functions of the commands on a device.
 #pragma once
 
 #include <CLI/CLI.hpp>
@@ -20,7 +20,8 @@ struct device_options {
 // Adds them to a command; `about_to` is the help of --to. `options` must live until the command has run.
 void add_device_options(CLI::App &command, device_options &options, const std::string &about_to);
 
-// Does the work with what the options name. With --to, an error becomes a result: an rpc-error on standard output.
+// Runs `work` with the modules and plug-in of the options. With --to, an error is printed as an rpc-error on standard
+// output.
 void work_on_device(const device_options &options, const std::function<void(setup &)> &work);
 
 // Reads a client's request. Throws `yfw::client_error` when it is not well-formed.

@@ -13,25 +13,25 @@ namespace ymap {
 namespace {
 
 constexpr const char *about_set =
-    "PATH names a leaf of the client's model, with the keys of all lists on the way. Nothing is\n"
-    "printed when the device has the value; the device is a file, which is replaced as a whole.\n\n"
-    "Examples:\n"
-    "  ymap set --device device.xml \\\n"
-    "    \"/interfaces/interface[name='GigabitEthernet0/0/0/1']/ethernet/config/port-speed\" SPEED_1GB\n"
-    "  ymap set --dry-run …: the native nodes that would change, '+' new, '-' gone, '~' changed";
+    "Example:\n"
+    "  ymap set --device device.xml --dry-run \\\n"
+    "    \"/interfaces/interface[name='GigabitEthernet0/0/0/1']/ethernet/config/port-speed\" SPEED_1GB\n\n"
+    "PATH names a leaf of the client model, with the keys of all lists above it. --dry-run and\n"
+    "--verbose print the native nodes that are created (+), deleted (-) or changed (~). The file is\n"
+    "replaced atomically.";
 
 constexpr const char *about_delete =
-    "PATH names a leaf or container of the client's model, with the keys of all lists on the way.\n"
-    "It must be there: --operation remove does not mind when it is not.\n\n"
     "Example:\n"
     "  ymap delete --device device.xml \\\n"
-    "    \"/interfaces/interface[name='GigabitEthernet0/0/0/1']/ethernet/config/mac-address\"";
+    "    \"/interfaces/interface[name='GigabitEthernet0/0/0/1']/ethernet/config/mac-address\"\n\n"
+    "PATH names a leaf or container of the client model, with the keys of all lists above it. The\n"
+    "node must exist, except with --operation remove.";
 
 constexpr const char *about_edit =
-    "FILE is XML or RFC 7951 JSON, '-' for standard input: a NETCONF <rpc> with <edit-config>, or a\n"
-    "bare data tree, which is merged. All of it is done, or, when something fails, nothing.\n\n"
     "Example:\n"
-    "  ymap edit --device device.xml --dry-run examples/set-speed.xml";
+    "  ymap edit --device device.xml --dry-run examples/set-speed.xml\n\n"
+    "FILE is XML or RFC 7951 JSON: a NETCONF <rpc> with <edit-config>, or a bare data tree, which is\n"
+    "merged. The edit is applied completely or, when anything fails, not at all.";
 
 struct edit_options {
   std::string what;  // the path or file
@@ -86,7 +86,7 @@ void run_on_file(const edit_options &options) {
     yfw::document request = read_request(options.what, with.schema());
     const yfw::client_request client = read_client_request(request, yfw::client_operation::edit);
     if (client.is_read()) {
-      throw usage_error(display_name(options.what) + " holds a read: use 'ymap get --filter'");
+      throw usage_error(display_name(options.what) + " is a read: use 'ymap get --filter'");
     }
     edit_device(options, options.is_dry || client.test_option == "test-only", with,
                 [&](const yfw::mapping_service &service, yfw::transaction_use use) {
@@ -96,9 +96,9 @@ void run_on_file(const edit_options &options) {
 }
 
 void add_edit_options(CLI::App &command, edit_options &options) {
-  add_device_options(command, options.on, "print an error as an rpc-error on standard output");
-  command.add_flag("--dry-run", options.is_dry, "print what would change natively, and change nothing");
-  command.add_flag("-v,--verbose", options.is_verbose, "print what is changed natively");
+  add_device_options(command, options.on, "print an error as an rpc-error on standard output, in this format");
+  command.add_flag("--dry-run", options.is_dry, "print the native changes without applying them");
+  command.add_flag("-v,--verbose", options.is_verbose, "print the native changes");
 }
 
 void add_operation(CLI::App &command, edit_options &options, const std::string &help,
@@ -110,37 +110,37 @@ void add_operation(CLI::App &command, edit_options &options, const std::string &
 }  // namespace
 
 void add_set(CLI::App &app) {
-  CLI::App &command = *app.add_subcommand("set", "Write a leaf of the client's model to the device.");
+  CLI::App &command = *app.add_subcommand("set", "Set a leaf of the client model on the device.");
   command.footer(about_set);
   const auto options = std::make_shared<edit_options>();
-  command.add_option("PATH", options->what, "the leaf")->required()->type_name("")->check(empty_name_fault);
+  command.add_option("PATH", options->what, "the leaf")->required()->type_name("")->check(empty_name_error);
   command.add_option("VALUE", options->value, "its value")->required()->type_name("");
-  add_operation(command, *options, "merge (default), replace, or create, which fails when the leaf is there",
+  add_operation(command, *options, "merge (default), replace, or create, which fails when the leaf exists",
                 {{"merge", YFW_OPERATION_MERGE}, {"replace", YFW_OPERATION_REPLACE}, {"create", YFW_OPERATION_CREATE}});
   add_edit_options(command, *options);
   command.callback([options] { run_on_path(*options); });
 }
 
 void add_delete(CLI::App &app) {
-  CLI::App &command = *app.add_subcommand("delete", "Delete a leaf or container of the client's model.");
+  CLI::App &command = *app.add_subcommand("delete", "Delete a leaf or container of the client model on the device.");
   command.footer(about_delete);
   const auto options = std::make_shared<edit_options>();
   options->operation = YFW_OPERATION_DELETE;
   command.add_option("PATH", options->what, "the leaf or container")
       ->required()
       ->type_name("")
-      ->check(empty_name_fault);
-  add_operation(command, *options, "delete (default), or remove, which does not mind when nothing is there",
+      ->check(empty_name_error);
+  add_operation(command, *options, "delete (default), which fails when the node does not exist, or remove",
                 {{"delete", YFW_OPERATION_DELETE}, {"remove", YFW_OPERATION_REMOVE}});
   add_edit_options(command, *options);
   command.callback([options] { run_on_path(*options); });
 }
 
 void add_edit(CLI::App &app) {
-  CLI::App &command = *app.add_subcommand("edit", "Carry out an edit-config on the device.");
+  CLI::App &command = *app.add_subcommand("edit", "Apply an edit-config to the device.");
   command.footer(about_edit);
   const auto options = std::make_shared<edit_options>();
-  command.add_option("FILE", options->what, "the edit, '-' for standard input")->required()->check(empty_name_fault);
+  command.add_option("FILE", options->what, "the edit, '-' for standard input")->required()->check(empty_name_error);
   add_edit_options(command, *options);
   command.callback([options] { run_on_file(*options); });
 }

@@ -1,4 +1,4 @@
-// An explanation in the forms in which it is printed.
+// An explanation as text and as JSON.
 #pragma once
 
 #include <string>
@@ -7,7 +7,7 @@
 
 namespace ymap {
 
-std::string explanation_as_text(const yfw::explanation &told);
-std::string explanation_as_json(const yfw::explanation &told);
+std::string explanation_as_text(const yfw::explanation &explanation);
+std::string explanation_as_json(const yfw::explanation &explanation);
 
 }  // namespace ymap

@@ -12,9 +12,9 @@ const char *to_string(const yfw::native_operation &call) {
   return call.kind == yfw::operation_kind::read ? "read" : yfw::operation_word(call.operation).data();
 }
 
-// Leaves of `all` that are not in `others`.
-std::vector<yfw::reported_leaf> beside(const std::vector<yfw::reported_leaf> &all,
-                                       const std::vector<yfw::reported_leaf> &others) {
+// The leaves of `all` that are not in `others`.
+std::vector<yfw::reported_leaf> difference(const std::vector<yfw::reported_leaf> &all,
+                                           const std::vector<yfw::reported_leaf> &others) {
   std::vector<yfw::reported_leaf> rest = all;
   std::erase_if(rest, [&](const auto &leaf) { return std::ranges::find(others, leaf) != others.end(); });
   return rest;
@@ -22,19 +22,19 @@ std::vector<yfw::reported_leaf> beside(const std::vector<yfw::reported_leaf> &al
 
 class text_report {
  public:
-  explicit text_report(const yfw::explanation &told) : told_(told) {}
+  explicit text_report(const yfw::explanation &explanation) : explanation_(explanation) {}
 
   std::string text() {
-    out_ << escaped(told_.path) << '\n';
-    out_ << "  " << (yfw::is_config(told_.leaf) ? "configuration" : "operational state") << ", of module "
-         << yfw::module_name(told_.leaf) << '\n';
-    for (const std::string &key : told_.made_up_keys) {
-      out_ << "  made up: " << escaped(key) << '\n';
+    out_ << escaped(explanation_.path) << '\n';
+    out_ << "  " << (yfw::is_config(explanation_.leaf) ? "configuration" : "operational state") << ", of module "
+         << yfw::module_name(explanation_.leaf) << '\n';
+    for (const std::string &key : explanation_.sample_keys) {
+      out_ << "  sample key: " << escaped(key) << '\n';
     }
-    for (const yfw::explained_request &request : told_.requests) {
+    for (const yfw::explained_request &request : explanation_.requests) {
       add_request(request);
     }
-    for (const yfw::explained_reply &reply : told_.replies) {
+    for (const yfw::explained_reply &reply : explanation_.replies) {
       add_reply(reply);
     }
     return out_.str();
@@ -47,29 +47,29 @@ class text_report {
       out_ << " to " << yfw::in_quotes(*request.value);
     }
     out_ << '\n';
-    if (!request.refusal.empty()) {
-      out_ << "  refused: " << request.refusal << '\n';
+    if (!request.rejection.empty()) {
+      out_ << "  rejected: " << request.rejection << '\n';
     }
     if (!request.answer.empty()) {
-      out_ << "  the plug-in says: " << request.answer << '\n';
+      out_ << "  plug-in error: " << request.answer << '\n';
     }
     add_calls(request);
     add_walk(request.walk);
     add_values(request);
-    if (request.refusal.empty() && request.operation != "get") {
+    if (request.rejection.empty() && request.operation != "get") {
       add_effect(request);
     }
   }
 
   void add_calls(const yfw::explained_request &request) {
     if (request.calls.empty()) {
-      out_ << "  native: none is named\n";
+      out_ << "  native: none\n";
     }
     for (const std::string &leaf : request.reported_by) {
-      out_ << "    but replies report it of " << leaf << '\n';
+      out_ << "    replies report it from " << leaf << '\n';
     }
     for (const yfw::native_operation &call : request.calls) {
-      out_ << "  " << (request.refusal.empty() ? "native: " : "the walk gave: ") << to_string(call) << ' '
+      out_ << "  " << (request.rejection.empty() ? "native: " : "before the rejection: ") << to_string(call) << ' '
            << escaped(call.path());
       if (call.value) {
         out_ << " = " << yfw::in_quotes(*call.value);
@@ -79,18 +79,18 @@ class text_report {
   }
 
   static std::string name(const yfw::traced_function &function) {
-    return function.name + (function.line != 0 ? ":" + std::to_string(function.line) : " (leaves no trace)");
+    return function.name + (function.line != 0 ? ":" + std::to_string(function.line) : " (no trace)");
   }
 
   void add_walk(const std::vector<yfw::traced_function> &walk) {
     if (walk.empty()) {
-      out_ << "  answered by none: the plug-in is not called\n";
+      out_ << "  mapped by: none, the plug-in is not called\n";
       return;
     }
-    const yfw::traced_function *answer = answering(walk, told_.leaf);
-    out_ << "  answered by ";
+    const yfw::traced_function *answer = mapping_function(walk, explanation_.leaf);
+    out_ << "  mapped by: ";
     if (answer == nullptr) {
-      out_ << "none: no function is found for it\n";
+      out_ << "none, no function was called for it\n";
     } else {
       out_ << name(*answer) << ", " << yfw::to_string(answer->role) << '\n';
     }
@@ -98,8 +98,8 @@ class text_report {
     for (const yfw::traced_function &function : walk) {
       const std::string indent(4 + 2 * size_t{function.depth}, ' ');
       out_ << indent << name(function) << "  " << yfw::to_string(function.role) << '\n';
-      for (const std::string &text : function.said) {
-        out_ << indent << "  says: " << text << '\n';
+      for (const std::string &text : function.messages) {
+        out_ << indent << "  trace: " << text << '\n';
       }
     }
   }
@@ -108,24 +108,22 @@ class text_report {
     if (request.values.empty()) {
       return;
     }
-    out_ << (request.operation == "get" ? "  values, native to client's:\n" : "  values, client's to native:\n");
+    out_ << (request.operation == "get" ? "  values, native to client:\n" : "  values, client to native:\n");
     for (const yfw::value_mapping &mapping : request.values) {
       out_ << "    " << yfw::in_quotes(mapping.value);
       for (const std::string &result : mapping.results) {
         out_ << " -> " << yfw::in_quotes(result);
       }
-      out_ << (mapping.refusal.empty() ? "" : ": " + mapping.refusal) << '\n';
+      out_ << (mapping.rejection.empty() ? "" : ": " + mapping.rejection) << '\n';
     }
   }
 
   void add_effect(const yfw::explained_request &request) {
-    const auto added = beside(request.after, request.before);
-    const auto gone = beside(request.before, request.after);
-    out_ << "  a client reads:" << (added.empty() && gone.empty() ? " nothing else than before\n" : "\n");
+    const auto added = difference(request.after, request.before);
+    const auto gone = difference(request.before, request.after);
+    out_ << "  a client reads:" << (added.empty() && gone.empty() ? " the same as before\n" : "\n");
     for (const yfw::reported_leaf &leaf : gone) {
-      const bool is_changed = std::ranges::find(added, leaf.path, &yfw::reported_leaf::path) != added.end();
-      out_ << "    " << (is_changed ? "no longer " : "no more ") << escaped(leaf.path) << " = "
-           << yfw::in_quotes(leaf.value) << '\n';
+      out_ << "    no longer " << escaped(leaf.path) << " = " << yfw::in_quotes(leaf.value) << '\n';
     }
     for (const yfw::reported_leaf &leaf : added) {
       out_ << "    " << escaped(leaf.path) << " = " << yfw::in_quotes(leaf.value) << '\n';
@@ -134,29 +132,29 @@ class text_report {
 
   void add_reply(const yfw::explained_reply &reply) {
     out_ << "\nnative " << yfw::in_quotes(reply.value) << '\n';
-    if (!reply.refusal.empty()) {
-      out_ << "  refused: " << reply.refusal << '\n';
+    if (!reply.rejection.empty()) {
+      out_ << "  rejected: " << reply.rejection << '\n';
     }
     for (const yfw::reported_leaf &leaf : reply.reported) {
       out_ << "  " << escaped(leaf.path) << " = " << yfw::in_quotes(leaf.value) << '\n';
     }
-    if (reply.reported.empty() && reply.refusal.empty()) {
-      out_ << "  reports nothing\n";
+    if (reply.reported.empty() && reply.rejection.empty()) {
+      out_ << "  nothing is reported\n";
     }
     for (const yfw::note &each : reply.notes) {
-      out_ << "  note: " << yfw::one_line(each.text) << '\n';
+      out_ << "  warning: " << yfw::one_line(each.text) << '\n';
     }
     add_walk(reply.walk);
   }
 
-  const yfw::explanation &told_;
+  const yfw::explanation &explanation_;
   std::ostringstream out_;
 };
 
 }  // namespace
 
-std::string explanation_as_text(const yfw::explanation &told) {
-  return text_report(told).text();
+std::string explanation_as_text(const yfw::explanation &explanation) {
+  return text_report(explanation).text();
 }
 
 }  // namespace ymap

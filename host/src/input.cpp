@@ -16,7 +16,7 @@
 namespace ymap {
 namespace {
 
-[[noreturn]] void refuse(const std::string &file, const char *what) {
+[[noreturn]] void fail(const std::string &file, const char *what) {
   throw yfw::error(yfw::place{display_name(file), 0, {}}, std::string(what) + ": " + std::strerror(errno));
 }
 
@@ -27,7 +27,7 @@ std::string read_stream(std::FILE *stream, const std::string &file) {
     text.append(chunk, count);
   }
   if (std::ferror(stream) != 0) {
-    refuse(file, "cannot be read");
+    fail(file, "cannot be read");
   }
   return text;
 }
@@ -44,7 +44,7 @@ std::string read_text(const std::string &file) {
   }
   const std::unique_ptr<std::FILE, int (*)(std::FILE *)> stream(std::fopen(file.c_str(), "rb"), &std::fclose);
   if (stream == nullptr) {
-    refuse(file, "cannot be opened");
+    fail(file, "cannot be opened");
   }
   return read_stream(stream.get(), file);
 }
@@ -54,7 +54,7 @@ text_file::text_file(std::string name, yfw::progress_report report)
       descriptor_(name_ == "-" ? STDIN_FILENO : ::open(name_.c_str(), O_RDONLY | O_CLOEXEC)),
       report_(std::move(report)) {
   if (descriptor_ < 0) {
-    refuse(name_, "cannot be opened");
+    fail(name_, "cannot be opened");
   }
   begin_ = ::lseek(descriptor_, 0, SEEK_CUR);
   struct stat status {};
@@ -75,7 +75,7 @@ size_t text_file::read(std::span<char> room) {
     count = ::read(descriptor_, room.data(), room.size());
   } while (count < 0 && errno == EINTR);
   if (count < 0) {
-    refuse(name_, "cannot be read");
+    fail(name_, "cannot be read");
   }
   at_ += static_cast<size_t>(count);
   if (report_) {

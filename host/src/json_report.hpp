@@ -12,15 +12,15 @@
 
 namespace ymap {
 
-// Writes members to the object that is open, in the order of the calls. Only whole objects and lists can be written, so
-// that the result is JSON in any case.
+// Writes members to the current object, in the order of the calls. Objects and lists are only written as a whole, so
+// that the result is always valid JSON.
 class json_report {
  public:
-  // One object, whose members `write` adds; ends with a line feed.
+  // One object, whose members `write` adds; ends with a newline.
   static std::string with(const std::function<void(json_report &)> &write);
 
   void text(std::string_view name, std::string_view value);
-  // Absent when there is none.
+  // Omitted when there is no value.
   void text(std::string_view name, const std::optional<std::string> &value);
   void text(std::string_view name, const std::string &value) {
     text(name, std::string_view(value));
@@ -28,12 +28,12 @@ class json_report {
   void text(std::string_view name, const char *value) {
     text(name, std::string_view(value));
   }
-  // Absent when it is empty.
+  // Omitted when it is empty.
   void text_if_any(std::string_view name, std::string_view value);
   void number(std::string_view name, size_t value);
   void flag(std::string_view name, bool value);
   void texts(std::string_view name, const std::vector<std::string> &values);
-  // A value that is JSON already.
+  // `value` is JSON.
   void json(std::string_view name, const std::string &value);
 
   template <typename write_t>
@@ -44,7 +44,7 @@ class json_report {
     out_.EndObject();
   }
 
-  // A list of objects, one an item, to which `write` adds what it tells of the item.
+  // A list of objects, one per item, whose members `write` adds.
   template <typename items_t, typename write_t>
   void list(std::string_view name, const items_t &items, const write_t &write) {
     key(name);

@@ -5,8 +5,8 @@
 
 namespace {
 
-// A file that is opened while standard input, output or error is closed would get its number, and what is printed would
-// go into that file. Opened the wrong way round, a closed one still fails when it is used.
+// Opens closed standard descriptors, so that no file gets their numbers and with them the output. They are opened in
+// the wrong direction: using them still fails.
 void hold_standard_descriptors() {
   for (int number = STDIN_FILENO; number <= STDERR_FILENO; ++number) {
     if (::fcntl(number, F_GETFD) < 0) {

@@ -15,14 +15,14 @@ namespace ymap {
 namespace {
 
 constexpr const char *about_plan =
-    "FILE is an <edit-config> message, or a bare data tree that is to be merged, in XML or RFC 7951 JSON; '-' for\n"
-    "standard input. Each native edit stands with the client's node that causes it; behind '=' the values. What\n"
-    "cannot be done is set aside and the rest is planned, so that all problems show in one run, on standard error.\n"
-    "A leaf that would cause no native edit is a problem. Native reads are needed where the client's operation asks\n"
-    "whether something is there, and where the plug-in looks something up. Nothing is changed anywhere.\n\n"
     "Examples:\n"
     "  ymap plan examples/set-speed.xml\n"
-    "  ymap plan --format json examples/set-mac.json";
+    "  ymap plan --format json examples/set-mac.json\n\n"
+    "FILE is an <edit-config> message, or a bare data tree, which is merged, in XML or RFC 7951 JSON. Each\n"
+    "native edit is printed with its source node, the client's node that causes it. Nodes with errors are\n"
+    "skipped and the others are planned, so that one run reports all errors, on standard error; a leaf\n"
+    "without a native edit is an error. Native reads are those that the client's operation or the plug-in\n"
+    "needs. Nothing is changed.";
 
 struct plan_options {
   std::string file;
@@ -30,7 +30,7 @@ struct plan_options {
   bool as_json = false;
 };
 
-// How a client's node is part of the plan.
+// A source node: the client's node that causes a native edit.
 struct plan_cause {
   yfw::place where;
   std::string_view operation;
@@ -88,15 +88,15 @@ class plan_report {
             is_whole ? nullptr : call.source_node->value, is_whole};
   }
 
-  // Why something is read.
+  // Why the plan needs a native read.
   std::string reason(const yfw::needed_read &read) const {
     if (read.source_node == nullptr) {
-      return "the plug-in, which looks it up for the entry that is edited";
+      return "the plug-in, which reads it for the list entry";
     }
     const yfw::place where = document_.where(*read.source_node);
     const uint32_t operation = yfw::operation_in_force(*read.source_node, plan_.request.client.default_operation);
     const bool is_created = operation == YFW_OPERATION_CREATE;
-    return where.path + (is_created ? " must not be there  (" : " must be there  (") +
+    return where.path + (is_created ? " must not exist  (" : " must exist  (") +
            (operation == yfw::no_operation ? "none" : std::string(yfw::operation_word(operation))) + ", " + where.file +
            ":" + std::to_string(where.line) + ")";
   }
@@ -159,10 +159,10 @@ void run(const plan_options &options) {
 }  // namespace
 
 void add_plan(CLI::App &app) {
-  CLI::App &command = *app.add_subcommand("plan", "Show the native edits that an edit causes, and all its problems.");
+  CLI::App &command = *app.add_subcommand("plan", "Show the native edits that an edit causes, and all its errors.");
   command.footer(about_plan);
   const auto options = std::make_shared<plan_options>();
-  command.add_option("FILE", options->file, "the edit, '-' for standard input")->required()->check(empty_name_fault);
+  command.add_option("FILE", options->file, "the edit, '-' for standard input")->required()->check(empty_name_error);
   add_setup(command, options->setup);
   add_format(command, options->as_json);
   command.callback([options] { run(*options); });

@@ -11,13 +11,13 @@ namespace ymap {
 namespace {
 
 constexpr const char *about_record =
-    "Runs another command and writes a capture for each call of the plug-in: what it was\n"
-    "handed, every framework call that it made with its answer, what it changed, and its\n"
-    "status. Captures are text to read, to keep beside a bug report, and to replay.\n\n"
     "Examples:\n"
     "  ymap record captures -- request examples/set-speed.xml\n"
     "  ymap record --anonymise captures -- reply examples/reply.xml\n"
-    "  ymap replay captures";
+    "  ymap replay captures\n\n"
+    "Runs another command and writes a capture for each call of the plug-in: its arguments, its\n"
+    "calls of the framework with their results, its changes, and its status. A capture is a text\n"
+    "file that can be read, attached to a bug report, and replayed.";
 
 struct record_options {
   std::string directory;
@@ -40,13 +40,13 @@ void run(const CLI::App &app, const record_options &options) {
   const std::string &word = options.command.front();
   const auto found = app.get_subcommands([&](const CLI::App *command) { return command->get_name() == word; });
   if (word == "record" || word == "replay" || found.empty()) {
-    throw usage_error("'" + word + "' is no command to record; 'request' is one, others are in 'ymap --help'");
+    throw usage_error("cannot record command '" + word + "', expected one like 'request' (see 'ymap --help')");
   }
   const yfw::capture_session session(options.directory, options.is_anonymous);
   const int exit_code = run_recorded(options.command);
   std::cerr << "ymap: " << session.count() << (session.count() == 1 ? " capture in " : " captures in ")
             << options.directory << '\n';
-  // The command has said why.
+  // The command has reported the error.
   if (exit_code == 1) {
     throw failure_reported();
   }
@@ -58,15 +58,15 @@ void run(const CLI::App &app, const record_options &options) {
 }  // namespace
 
 void add_record(CLI::App &app) {
-  CLI::App &command = *app.add_subcommand("record", "Run a command and capture what the plug-in does.");
+  CLI::App &command = *app.add_subcommand("record", "Run a command and capture each call of the plug-in.");
   command.footer(about_record);
   const auto options = std::make_shared<record_options>();
-  command.add_option("DIR", options->directory, "where the captures go; made if missing")
+  command.add_option("DIR", options->directory, "the directory for the captures; created if it does not exist")
       ->required()
-      ->check(empty_name_fault);
+      ->check(empty_name_error);
   command.add_flag("--anonymise", options->is_anonymous,
-                   "replace names of list entries, MAC and IP addresses, everywhere alike");
-  command.add_option("COMMAND", options->command, "after '--': a command of ymap with its arguments")
+                   "replace keys of list entries, MAC and IP addresses, the same way in all captures");
+  command.add_option("COMMAND", options->command, "a command of ymap with its arguments, after '--'")
       ->required()
       ->expected(1, -1);
   command.callback([options, &app] { run(app, *options); });

@@ -18,14 +18,14 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char *about_replay =
-    "Calls the plug-in with what each capture holds, answers its framework calls from the\n"
-    "capture, and names the first thing that it does otherwise. No modules, no manifest and no\n"
-    "device are needed. With --old and --new two builds are compared with each other.\n\n"
     "Examples:\n"
     "  ymap replay captures\n"
     "  ymap replay --plugin build/libymap_oc_ethernet.so captures/0001-*.capture\n"
     "  ymap replay captures --old v1/libymap_oc_ethernet.so --new v2/libymap_oc_ethernet.so\n\n"
-    "Exit code 0: the same, 1: something differs.";
+    "Calls the plug-in with the arguments of each capture, returns the captured results of its\n"
+    "framework calls, and prints the first difference. No modules, manifest or device are needed.\n"
+    "With --old and --new, two builds are compared with each other.\n\n"
+    "Exit code 0: no differences, 1: differences.";
 
 struct replay_options {
   std::vector<std::string> from;
@@ -48,21 +48,21 @@ std::vector<std::string> captures_of(const std::vector<std::string> &names) {
       }
     }
     if (files.size() == before) {
-      throw yfw::error(yfw::place{name}, "holds no captures, which 'ymap record' writes");
+      throw yfw::error(yfw::place{name}, "no captures, expected files of 'ymap record'");
     }
     std::sort(files.begin() + static_cast<std::ptrdiff_t>(before), files.end());
   }
   return files;
 }
 
-std::string act_text(const std::optional<yfw::plugin_event> &act) {
-  return act ? act->text : "(nothing more)";
+std::string event_text(const std::optional<yfw::plugin_event> &event) {
+  return event ? event->text : "(end)";
 }
 
-// Two indented lines under the one that names the capture, and what to look at in them.
-std::string parting_text(const yfw::difference &where, const char *expected, const char *actual) {
-  std::string text = "  " + painted(stream::out, colour::green, expected) + ' ' + act_text(where.expected) + "\n  " +
-                     painted(stream::out, colour::red, actual) + ' ' + act_text(where.actual) + '\n';
+// Two indented lines with both events, and a third one with the arguments that differ.
+std::string difference_text(const yfw::difference &where, const char *expected, const char *actual) {
+  std::string text = "  " + painted(stream::out, colour::green, expected) + ' ' + event_text(where.expected) + "\n  " +
+                     painted(stream::out, colour::red, actual) + ' ' + event_text(where.actual) + '\n';
   std::string names;
   for (const std::string &name : where.differing_arguments()) {
     names += (names.empty() ? "" : ", ") + name;
@@ -76,7 +76,7 @@ std::string place_text(const std::string &file, const std::vector<yfw::plugin_ev
   return line == 0 ? file : file + ':' + std::to_string(line);
 }
 
-// Against the capture itself. One of a plug-in that did not return is compared as far as it goes.
+// Compares a replay with the capture. The capture of a plug-in that did not return is compared up to its end.
 bool compare_with_capture(const std::string &file, const yfw::plugin &mapping) {
   const yfw::capture recorded = yfw::capture::read(read_text(file), file);
   std::vector<yfw::plugin_event> actual = replay(recorded, mapping);
@@ -84,14 +84,15 @@ bool compare_with_capture(const std::string &file, const yfw::plugin &mapping) {
     actual.resize(recorded.events().size());
   }
   const auto where = first_difference(recorded.events(), actual);
-  const std::string cut = recorded.has_returned() ? "" : ", as far as it goes: the plug-in did not return";
+  const std::string cut =
+      recorded.has_returned() ? "" : " up to the end of the capture, in which the plug-in did not return";
   write_result(where ? place_text(file, recorded.events(), where->expected) + ": differs\n" +
-                           parting_text(*where, "captured", "now     ")
+                           difference_text(*where, "captured", "now     ")
                      : file + ": same" + cut + '\n');
   return !where;
 }
 
-// The line in the capture is that of the last thing that all three do.
+// Compares the replays of two builds. The line is that of the last event that the capture and both builds share.
 bool compare_builds(const std::string &file, const yfw::plugin &old_build, const yfw::plugin &new_build) {
   const yfw::capture recorded = yfw::capture::read(read_text(file), file);
   const std::vector<yfw::plugin_event> before = replay(recorded, old_build);
@@ -103,17 +104,17 @@ bool compare_builds(const std::string &file, const yfw::plugin &old_build, const
   }
   const auto from_capture = first_difference(recorded.events(), now);
   const auto line = from_capture ? from_capture->expected : std::nullopt;
-  write_result(place_text(file, recorded.events(), line) + ": differs\n" + parting_text(*where, "old", "new"));
+  write_result(place_text(file, recorded.events(), line) + ": differs\n" + difference_text(*where, "old", "new"));
   return false;
 }
 
 void run(const replay_options &options) {
   if (options.old_build.empty() != options.new_build.empty()) {
-    throw usage_error("--old and --new go together: two builds are compared");
+    throw usage_error("--old and --new must be used together");
   }
   const bool is_of_builds = !options.old_build.empty();
   if (is_of_builds && !options.plugin.empty()) {
-    throw usage_error("--plugin does not go with --old and --new");
+    throw usage_error("--plugin excludes --old and --new");
   }
   const auto load = [](const std::string &named) { return yfw::plugin::load_without_manifest(plugin_library(named)); };
   const std::vector<std::string> files = captures_of(options.from);
@@ -135,19 +136,21 @@ void run(const replay_options &options) {
 }  // namespace
 
 void add_replay(CLI::App &app) {
-  CLI::App &command = *app.add_subcommand("replay", "Replay captures and name the first difference.");
+  CLI::App &command = *app.add_subcommand("replay", "Replay captures and print the first difference.");
   command.footer(about_replay);
   const auto options = std::make_shared<replay_options>();
-  command.add_option("DIR", options->from, "directories of captures, or single ones")
+  command.add_option("DIR", options->from, "directories of captures, or single captures")
       ->required()
-      ->check(empty_name_fault);
-  command.add_option("--plugin", options->plugin, "the mapping's shared library instead of the built or installed one")
+      ->check(empty_name_error);
+  command.add_option("--plugin", options->plugin, "the plug-in instead of the built or installed one")
       ->type_name("PATH")
-      ->check(empty_name_fault);
-  command.add_option("--old", options->old_build, "a build to compare with another one")
+      ->check(empty_name_error);
+  command.add_option("--old", options->old_build, "a build of the plug-in to compare")
       ->type_name("PATH")
-      ->check(empty_name_fault);
-  command.add_option("--new", options->new_build, "the other one")->type_name("PATH")->check(empty_name_fault);
+      ->check(empty_name_error);
+  command.add_option("--new", options->new_build, "the build to compare it with")
+      ->type_name("PATH")
+      ->check(empty_name_error);
   command.callback([options] { run(*options); });
 }
 

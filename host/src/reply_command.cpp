@@ -11,11 +11,11 @@ namespace ymap {
 namespace {
 
 constexpr const char *about_reply =
-    "FILE is XML or RFC 7951 JSON, '-' for standard input: operational data, configuration,\n"
-    "or both in one document, with or without <rpc-reply> and <data> around.\n\n"
     "Examples:\n"
-    "  ymap reply examples/reply.xml\n"
-    "  ymap reply --content nonconfig --interface GigabitEthernet0/0/0/1 --to json examples/reply.xml";
+    "  ymap reply --to json examples/reply.xml\n"
+    "  ymap reply --content nonconfig --entry GigabitEthernet0/0/0/1 examples/reply.xml\n\n"
+    "FILE is XML or RFC 7951 JSON: operational data, configuration, or both in one document, with or\n"
+    "without an <rpc-reply> and <data> element.";
 
 struct reply_command_options {
   std::string file;
@@ -38,27 +38,27 @@ void run(const reply_command_options &options) {
 }  // namespace
 
 void add_reply(CLI::App &app) {
-  CLI::App &command = *app.add_subcommand("reply", "Turn native data into OpenConfig data.");
+  CLI::App &command = *app.add_subcommand("reply", "Translate native data into data of the client model.");
   command.footer(about_reply);
   const auto options = std::make_shared<reply_command_options>();
   command.add_option("FILE", options->file, "the native data, '-' for standard input")
       ->required()
-      ->check(empty_name_fault);
+      ->check(empty_name_error);
   add_setup(command, options->setup);
   add_choice<yfw::data_format>(command, "--to", "format of the result (default: that of the input)",
                                {{"xml", yfw::data_format::xml}, {"json", yfw::data_format::json}},
                                [options](yfw::data_format format) { options->stream.to = format; });
   add_choice<yfw::content>(
-      command, "--content", "which leaves (RFC 8040, section 4.8.1; default: all)",
+      command, "--content", "all leaves (default), configuration or operational state (RFC 8040, section 4.8.1)",
       {{"all", yfw::content::all}, {"config", yfw::content::config}, {"nonconfig", yfw::content::nonconfig}},
       [options](yfw::content content) { options->stream.reply.wanted = content; });
-  command.add_option("--interface", options->stream.reply.entries, "only this interface; repeatable")
-      ->type_name("NAME")
-      ->check(empty_name_fault)
+  command.add_option("--entry", options->stream.reply.entries, "only the list entry with this key; repeatable")
+      ->type_name("KEY")
+      ->check(empty_name_error)
       ->allow_extra_args(false);
   command
       .add_option("-j,--jobs", options->stream.jobs,
-                  "how many threads translate a large reply (default: all processors)")
+                  "threads that translate a large reply (default: one per processor)")
       ->type_name("N")
       ->check(CLI::Range(1, 1024));
   command.callback([options] { run(*options); });

@@ -13,14 +13,14 @@ namespace ymap {
 namespace {
 
 constexpr const char *about_request =
-    "FILE is XML or RFC 7951 JSON, '-' for standard input: a NETCONF <rpc> with <get>,\n"
-    "<get-config> (subtree filter) or <edit-config>, or a bare data tree with --operation.\n"
-    "--to paths prints kind, path, namespace and value, if any, of a native node in a line, with\n"
-    "tabs between them. In these, control characters are \\t, \\n, \\r or \\xHH, and \\ is \\\\.\n\n"
     "Examples:\n"
-    "  ymap request examples/set-speed.xml\n"
+    "  ymap request --to paths examples/set-speed.xml\n"
     "  ymap request --to paths --operation get examples/get-ethernet.json\n"
-    "  ymap request --trace --to paths examples/get-counters.xml";
+    "  ymap request --trace examples/get-counters.xml\n\n"
+    "FILE is XML or RFC 7951 JSON: a NETCONF <rpc> with <get>, <get-config> (subtree filter) or\n"
+    "<edit-config>, or a bare data tree with --operation. --to paths prints a native operation per\n"
+    "line: read, set or delete, path, namespace, and the value, if any, separated by tabs. Control\n"
+    "characters in them are \\t, \\n, \\r or \\xHH, and a backslash is \\\\.";
 
 enum class output_format { xml, json, paths };
 
@@ -43,7 +43,7 @@ const char *to_string(yfw::operation_kind kind) {
   return "read";
 }
 
-// Kind, path, namespace and value, if any, between tabs, which none of them holds.
+// Kind, path, namespace and value, if any, with tabs between them.
 std::string as_paths(const yfw::native_request &request) {
   std::ostringstream text;
   for (const yfw::native_operation &call : request.calls) {
@@ -60,7 +60,7 @@ yfw::wrapper netconf_element(const std::string &tag, const std::string &text = {
   return {tag, yfw::netconf_ns, {}, {}, text};
 }
 
-// What stands around the native tree in XML: the same message as the client's, less what belongs to its session.
+// The elements around the native tree in XML: the client's message without the parts of its session.
 std::vector<yfw::wrapper> envelope(const yfw::client_request &client) {
   if (client.is_read()) {
     return {{"filter", yfw::netconf_ns, {{"type", "subtree"}}}};
@@ -68,7 +68,7 @@ std::vector<yfw::wrapper> envelope(const yfw::client_request &client) {
   yfw::wrapper edit = netconf_element("edit-config");
   edit.before.push_back(netconf_element("target"));
   edit.before.back().before.push_back(netconf_element(client.target.empty() ? "running" : client.target));
-  // What "none" means for leaves is used up; for the entries around them it is not.
+  // "none" has been applied to leaves, but not to the list entries around them.
   if (client.default_operation == yfw::no_operation) {
     edit.before.push_back(netconf_element("default-operation", "none"));
   }
@@ -96,10 +96,10 @@ std::string as_data(const yfw::native_request &request, const yfw::schema &schem
 void require_operation(const yfw::document &document, const request_options &options) {
   const std::string file = display_name(options.file);
   if (is_bare(document) && !options.operation) {
-    throw usage_error(file + " holds a bare data tree: say --operation get, get-config or edit");
+    throw usage_error(file + " is a bare data tree: add --operation get, get-config or edit");
   }
   if (!is_bare(document) && options.operation) {
-    throw usage_error(file + " holds a message that says its own operation: leave --operation out");
+    throw usage_error(file + " is a message with an operation of its own: omit --operation");
   }
 }
 
@@ -111,7 +111,7 @@ void run(const request_options &options) {
   yfw::native_request request =
       translate_request(document, read_client_request(document, options.operation), with.plugin(), with.trace());
   if (request.calls.empty()) {
-    request.notes.push_back({{file}, yfw::note_kind::unmapped, "asks for nothing that is mapped"});
+    request.notes.push_back({{file}, yfw::note_kind::unmapped, "the request contains no mapped node"});
   }
   const std::string result =
       options.to == output_format::paths ? as_paths(request) : as_data(request, with.schema(), options.to);
@@ -122,18 +122,18 @@ void run(const request_options &options) {
 }  // namespace
 
 void add_request(CLI::App &app) {
-  CLI::App &command = *app.add_subcommand("request", "Turn a client's request into native paths.");
+  CLI::App &command = *app.add_subcommand("request", "Translate a client's request into native operations.");
   command.footer(about_request);
   const auto options = std::make_shared<request_options>();
-  command.add_option("FILE", options->file, "the request, '-' for standard input")->required()->check(empty_name_fault);
+  command.add_option("FILE", options->file, "the request, '-' for standard input")->required()->check(empty_name_error);
   add_setup(command, options->setup);
-  add_choice<yfw::client_operation>(command, "--operation", "what a bare data tree asks for",
+  add_choice<yfw::client_operation>(command, "--operation", "the operation of a bare data tree",
                                     {{"get", yfw::client_operation::get},
                                      {"get-config", yfw::client_operation::get_config},
                                      {"edit", yfw::client_operation::edit}},
                                     [options](yfw::client_operation operation) { options->operation = operation; });
   add_choice<output_format>(
-      command, "--to", "subtree filter or edit-config as XML (default) or JSON, or a line a path",
+      command, "--to", "a subtree filter or edit-config in XML (default) or JSON, or a line per native operation",
       {{"xml", output_format::xml}, {"json", output_format::json}, {"paths", output_format::paths}},
       [options](output_format format) { options->to = format; });
   command.callback([options] { run(*options); });

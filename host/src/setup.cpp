@@ -19,7 +19,7 @@ fs::path prefix() {
   std::error_code failure;
   const fs::path program = fs::read_symlink("/proc/self/exe", failure);
   if (failure) {
-    throw yfw::error("where this program is cannot be told without /proc; name --plugin and --yang");
+    throw yfw::error("cannot find the directory of this program without /proc; use --plugin and --yang");
   }
   return program.parent_path().parent_path();
 }
@@ -43,23 +43,24 @@ fs::path plugin_library(const std::string &named) {
     }
   }
   throw yfw::error("the plug-in '" YMAP_DEFAULT_PLUGIN
-                   "' is not installed beside this program; name one with --plugin");
+                   "' is not installed beside this program; name a plug-in with --plugin");
 }
 
 void add_setup(CLI::App &command, setup_options &options) {
-  command.add_option("--plugin", options.plugin, "the mapping's shared library instead of the built or installed one")
+  command.add_option("--plugin", options.plugin, "the plug-in instead of the built or installed one")
       ->type_name("PATH")
-      ->check(empty_name_fault);
-  command.add_option("--yang", options.yang, "directory of YANG modules instead of the shipped ones; repeatable")
+      ->check(empty_name_error);
+  command.add_option("--yang", options.yang, "a directory of YANG modules instead of the shipped ones; repeatable")
       ->type_name("DIR")
-      ->check(empty_name_fault)
+      ->check(empty_name_error)
       ->allow_extra_args(false);
-  command.add_flag("--trace", options.trace, "print the mapping's short-form trace lines to standard error");
-  command.add_flag("--ring", options.ring, "print its long-form lines, with function and line, to standard error");
+  command.add_flag("--trace", options.trace, "print the plug-in's short-form trace lines to standard error");
+  command.add_flag("--trace-long", options.trace_long,
+                   "print the plug-in's long-form trace lines, with function and line, to standard error");
 }
 
 setup::setup(const setup_options &options)
-    : trace_(options.trace ? &std::cerr : nullptr, options.ring),
+    : trace_(options.trace ? &std::cerr : nullptr, options.trace_long),
       schema_(yfw::schema::load(yang_directories(options))),
       plugin_(yfw::plugin::load(plugin_library(options.plugin))) {
   check_manifest(plugin_.description(), schema_, yfw::manifest::beside(plugin_.library()));

@@ -1,4 +1,4 @@
-// What a command works with: the modules, the plug-in and the trace.
+// The modules, the plug-in and the trace of a command.
 #pragma once
 
 #include <CLI/CLI.hpp>
@@ -13,27 +13,27 @@
 
 namespace ymap {
 
-// The options that say it.
+// The options that select them.
 struct setup_options {
   std::string plugin;             // empty: the default one
   std::vector<std::string> yang;  // empty: the shipped modules
   bool trace = false;
-  bool ring = false;
+  bool trace_long = false;
 };
 
 // Adds them to a command. `options` must live until the command has run.
 void add_setup(CLI::App &command, setup_options &options);
 
-// The plug-in's library: `named`, or, when that is empty, the one beside this program's own installation or build.
-// Throws `yfw::error` when there is none.
+// The plug-in's library: `named`, or, when that is empty, the one beside this program. Throws `yfw::error` when there
+// is none.
 std::filesystem::path plugin_library(const std::string &named);
 
 class setup {
  public:
-  // Loads what the options name, and checks that the plug-in's manifest goes with the modules. By default that is the
-  // plug-in and the modules beside this program's own installation or build.
+  // Loads the modules and the plug-in of the options, by default those beside this program, and checks the plug-in's
+  // manifest against the modules. Throws `yfw::error`.
   explicit setup(const setup_options &options);
-  // Prints the ring.
+  // Prints the long-form trace lines to standard error.
   ~setup();
   setup(const setup &) = delete;
   setup &operator=(const setup &) = delete;
@@ -54,7 +54,7 @@ class setup {
   yfw::plugin plugin_;
 };
 
-// Measures the mapping, and shows how far that has come.
+// Measures the mapping, and shows the progress.
 yfw::coverage measure(setup &with);
 
 }  // namespace ymap

@@ -1,4 +1,4 @@
-// Whether people read what is printed, and what is printed for them only.
+// Output for people: colours and progress.
 #pragma once
 
 #include <chrono>
@@ -11,28 +11,28 @@ enum class stream { out, err };
 
 bool is_terminal(stream to);
 
-// Colour is for terminals, unless NO_COLOR says otherwise (no-color.org).
+// Whether a stream shows colours: it is a terminal, and NO_COLOR is not set (no-color.org).
 bool use_colour(stream to);
 
 enum class colour { none, red, green, yellow, magenta, cyan, bold, dim };
 
-// The text in that colour if `stream` shows colours, else as it is.
+// The text, in colour if the stream shows colours.
 std::string painted(stream to, colour in, std::string_view text);
 
-// One line on standard error that tells how far long work has come, rewritten in place. Nothing is shown during the
-// first second, and nothing at all when standard error is no terminal.
+// A line on standard error with the progress of long work, rewritten in place. Nothing is shown during the first
+// second, or when standard error is not a terminal.
 class progress {
  public:
-  // `what` is for people: "probing leaves".
+  // `what` is the text of the line: "probing leaves".
   explicit progress(std::string what);
   // Removes the line.
   ~progress();
   progress(const progress &) = delete;
   progress &operator=(const progress &) = delete;
 
-  // Removes the line until the next step, since something else is to be written.
+  // Removes the line until the next step, for other output.
   void hide();
-  // A step, as yfw::progress_report is told of it; a total of 0 is not known.
+  // Reports a step, as a yfw::progress_report; a total of 0 is unknown.
   void operator()(size_t done, size_t total);
 
  private:

@@ -30,7 +30,7 @@ browse() {
 dump() {
   cat >"$work/keys" <<END
 <script>
-document.querySelector('#high [tabindex="0"]').focus();
+document.querySelector('#client [tabindex="0"]').focus();
 for (const key of "${2:-}".split(" ").filter(word => word)) {
   document.activeElement.dispatchEvent(new KeyboardEvent("keydown", {key, bubbles: true, cancelable: true}));
 }
@@ -65,13 +65,13 @@ expect() {  # WHAT WANTED FOUND
 grep -qE '(src|href)="?(https?:)?//' "$work/page.html" && fail "the page needs something from elsewhere"
 
 dump ""
-expect "leaves of the high model" 23 "$(shown /interfaces)"
+expect "leaves of the client model" 23 "$(shown /interfaces)"
 expect "leaves of operational data" 170 "$(shown /ethernet-interface)"
 expect "leaves of native configuration" 16 "$(shown /interface-configurations)"
 all_links=$(count '^<path')
 expect "links" 20 "$all_links"
 expect "links of the port speed" 1 \
-  "$(count '^<path data-high="[^"]*/config/port-speed" data-native="[^"]*/ethernet/speed"')"
+  "$(count '^<path data-client="[^"]*/config/port-speed" data-native="[^"]*/ethernet/speed"')"
 
 dump "filter=config/port-speed"
 expect "leaves that fit the filter" 1 "$(shown /interfaces/interface/ethernet/config)"
@@ -80,16 +80,16 @@ expect "operational leaves, none linked" 0 "$(shown /ethernet-interface)"
 
 dump "filter=no-such-leaf"
 expect "leaves that fit nothing" 0 "$(($(shown /interfaces) + $(shown /ethernet-interface)))"
-grep -q "No leaf fits the filter" "$work/dom" || fail "an empty view does not say so"
+grep -q "No leaf matches the filter" "$work/dom" || fail "an empty view does not say so"
 
-dump "state=refused-value"
-expect "leaves with refused values" 1 "$(shown /interfaces/interface/ethernet/config/port-speed)"
+dump "state=partial"
+expect "partially mapped leaves" 1 "$(shown /interfaces/interface/ethernet/config/port-speed)"
 expect "other settings" 0 "$(shown /interfaces/interface/ethernet/config/mac-address)"
 
 dump "select=/interfaces/interface/ethernet/config/port-speed"
 expect "links of the chosen leaf" 1 "$(count '^<path[^>]*class="[^"]*lit')"
 grep -q 'aria-selected="true"' "$work/dom" || fail "the leaf is not chosen"
-grep -q 'SPEED_2500MB' "$work/dom" || fail "the details do not tell the values"
+grep -q 'SPEED_2500MB' "$work/dom" || fail "the details do not show the values"
 
 focus() {
   sed -n 's/.*<body[^>]* data-focus="\([^"]*\)".*/\1/p' "$work/raw"

@@ -1,4 +1,4 @@
-// What is measured of the shipped mapping, and the deviations that follow from made-up measurements.
+// The measured coverage of the shipped mapping, and the deviations that follow from sample measurements.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -50,7 +50,7 @@ std::string summary(const yfw::coverage_cell *cell) {
 
 struct CellRow {
   const char *name;
-  bool is_high;
+  bool is_client;
   const char *path;
   leaf_operation operation;
   const char *expected;
@@ -64,7 +64,8 @@ class ShippedMapping : public testing::TestWithParam<CellRow> {};
 
 TEST_P(ShippedMapping, IsMeasured) {
   const CellRow &row = GetParam();
-  EXPECT_EQ(row.expected, summary(cell(row.is_high ? measured().high : measured().native, row.path, row.operation)));
+  EXPECT_EQ(row.expected,
+            summary(cell(row.is_client ? measured().client : measured().native, row.path, row.operation)));
 }
 
 constexpr auto get_config = leaf_operation::get_config;
@@ -77,30 +78,30 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(CellRow{"ReadConfig", true, "config/mac-address", get_config, "mapped mac-addr"},
                     CellRow{"Set", true, "config/duplex-mode", set, "mapped duplex"},
                     CellRow{"Delete", true, "config/port-speed", remove_leaf, "mapped speed"},
-                    CellRow{"RefusedIdentities", true, "config/port-speed", set, "refused-value speed"},
+                    CellRow{"RejectedIdentities", true, "config/port-speed", set, "partial speed"},
                     CellRow{"StateIsRead", true, "state/hw-mac-address", get, "mapped burned-in-mac-address"},
-                    CellRow{"StateIsNotSet", true, "state/mac-address", set, "unmapped-with-error"},
-                    CellRow{"NotMapped", true, "in-mac-control-frames", get, "unmapped-with-error"},
-                    CellRow{"RejectedTag", true, "state/effective-speed", get, "unmapped-with-error"},
+                    CellRow{"StateIsNotSet", true, "state/mac-address", set, "rejected"},
+                    CellRow{"NotMapped", true, "in-mac-control-frames", get, "rejected"},
+                    CellRow{"RejectedTag", true, "state/effective-speed", get, "rejected"},
                     CellRow{"KeyOfUnservedList", true, "interface/name", get, "not counted"},
                     CellRow{"OneReport", false, "ethernet/duplex", get_config, "mapped duplex-mode"},
-                    CellRow{"TwoReports", false, "ethernet/duplex", get, "mapped-to-several duplex-mode duplex-mode"},
-                    CellRow{"AbsenceIsReported", false, "auto-negotiation", get_config, "refused-value auto-negotiate"},
-                    CellRow{"Ignored", false, "ethernet/loopback", get, "unmapped-silently"}),
+                    CellRow{"TwoReports", false, "ethernet/duplex", get, "multiple duplex-mode duplex-mode"},
+                    CellRow{"AbsenceIsReported", false, "auto-negotiation", get_config, "partial auto-negotiate"},
+                    CellRow{"Ignored", false, "ethernet/loopback", get, "unmapped"}),
     [](const auto &each) { return std::string(each.param.name); });
 
-TEST(Coverage, TellsWhichValuesReachThePath) {
-  std::vector<std::string> taken;
-  for (const yfw::leaf_probe &probe : cell(measured().high, "config/port-speed", set)->probes) {
+TEST(Coverage, HasTheValuesThatReachThePath) {
+  std::vector<std::string> accepted;
+  for (const yfw::leaf_probe &probe : cell(measured().client, "config/port-speed", set)->probes) {
     if (probe.is_mapped()) {
-      taken.push_back(*probe.value + "=" + probe.effects.front().value.value_or(""));
+      accepted.push_back(*probe.value + "=" + probe.effects.front().value.value_or(""));
     }
   }
-  EXPECT_EQ((std::vector<std::string>{"SPEED_10MB=10", "SPEED_100MB=100", "SPEED_1GB=1000"}), taken);
+  EXPECT_EQ((std::vector<std::string>{"SPEED_10MB=10", "SPEED_100MB=100", "SPEED_1GB=1000"}), accepted);
 }
 
 TEST(Coverage, CountsOnlyWhatTheModelAllows) {
-  const yfw::coverage_share share = share_of(measured().high, set);
+  const yfw::coverage_share share = share_of(measured().client, set);
   EXPECT_EQ(6U, share.pairs);
   EXPECT_EQ(4U, share.mapped);
 }
@@ -164,22 +165,21 @@ TEST(Samples, HaveALongText) {
   EXPECT_TRUE(std::ranges::any_of(values, [](const std::string &value) { return value.size() > 1000; }));
 }
 
-// ---- deviations, of a garden whose mapping is made up
+// ---- deviations, of the model of a garden with a sample mapping
 
 const yfw::schema &garden() {
   static const yfw::schema schema = yfw::schema::load({YFW_TEST_DATA "/garden"});
   return schema;
 }
 
-yfw::coverage_cell made_cell(leaf_operation operation, bool is_mapped) {
-  return {operation, true, is_mapped ? mapping_state::mapped : mapping_state::unmapped_with_error, {}, {}};
+yfw::coverage_cell sample_cell(leaf_operation operation, bool is_mapped) {
+  return {operation, true, is_mapped ? mapping_state::mapped : mapping_state::rejected, {}, {}};
 }
 
-// Every leaf of the garden is wholly mapped, but for those named: "" nothing of it, "r" read, or "s" set to some
-// values.
+// Every leaf of the garden is mapped, except those named: "" not at all, "r" reads, "s" a set of some values.
 yfw::coverage garden_with(const std::map<std::string, std::string> &exceptions,
-                          const std::vector<std::string> &refused = {}) {
-  yfw::coverage made;
+                          const std::vector<std::string> &rejected = {}) {
+  yfw::coverage measurement;
   for (const char *leaf : {"name", "soil", "cover", "width", "heated", "warmth", "neighbour", "hut", "water/rate",
                            "water/timer", "water/tank/litres"}) {
     const auto found = exceptions.find(leaf);
@@ -187,19 +187,19 @@ yfw::coverage garden_with(const std::map<std::string, std::string> &exceptions,
     const bool is_read = what.find('r') != what.npos;
     const bool is_set = what.find('s') != what.npos;
     const lysc_node *node = garden().find(std::string("/garden/bed/") + leaf, {});
-    made.high.push_back({node,
-                         {made_cell(get_config, is_read), made_cell(get, is_read), made_cell(set, is_set),
-                          made_cell(remove_leaf, is_set)}});
+    measurement.client.push_back({node,
+                                  {sample_cell(get_config, is_read), sample_cell(get, is_read),
+                                   sample_cell(set, is_set), sample_cell(remove_leaf, is_set)}});
     if (found != exceptions.end() && is_set) {
-      yfw::coverage_cell &cell = made.high.back().cells[2];
-      cell.state = mapping_state::refused_value;
+      yfw::coverage_cell &cell = measurement.client.back().cells[2];
+      cell.state = mapping_state::partial;
       for (const std::string &value : garden().allowed_values(node)) {
-        const bool is_refused = std::find(refused.begin(), refused.end(), value) != refused.end();
-        cell.probes.push_back({value, {{yfw::effect_kind::set, node, value}}, is_refused ? "refused" : ""});
+        const bool is_rejected = std::find(rejected.begin(), rejected.end(), value) != rejected.end();
+        cell.probes.push_back({value, {{yfw::effect_kind::set, node, value}}, is_rejected ? "rejected" : ""});
       }
     }
   }
-  return made;
+  return measurement;
 }
 
 std::string statements(const yfw::deviations &plan) {
@@ -208,8 +208,8 @@ std::string statements(const yfw::deviations &plan) {
     constexpr const char *kinds[] = {"no ", "read-only ", "values "};
     text += kinds[static_cast<size_t>(each.kind)] + std::string(yfw::name(each.target)) + "; ";
   }
-  for (const std::string &refused : plan.refused) {
-    text += "refused " + refused + "; ";
+  for (const std::string &rejected : plan.rejected) {
+    text += "rejected " + rejected + "; ";
   }
   return text;
 }
@@ -217,7 +217,7 @@ std::string statements(const yfw::deviations &plan) {
 struct PlanRow {
   const char *name;
   std::map<std::string, std::string> exceptions;
-  std::vector<std::string> refused;
+  std::vector<std::string> rejected;
   const char *expected;
 };
 
@@ -227,13 +227,13 @@ void PrintTo(const PlanRow &row, std::ostream *out) {
 
 class DeviationPlan : public testing::TestWithParam<PlanRow> {};
 
-// What is planned is valid together with the modules, and reading it back finds no drift.
+// The module is valid together with the modules in force, and reading it back finds no drift.
 TEST_P(DeviationPlan, IsSmallAndTrue) {
-  const yfw::coverage made = garden_with(GetParam().exceptions, GetParam().refused);
-  const yfw::deviations plan = plan_deviations(made, garden());
+  const yfw::coverage measurement = garden_with(GetParam().exceptions, GetParam().rejected);
+  const yfw::deviations plan = plan_deviations(measurement, garden());
   EXPECT_EQ(GetParam().expected, statements(plan));
-  const std::string text = deviation_module(plan, made, garden(), {"garden-deviations", "urn:test:dev", ""});
-  EXPECT_EQ(std::vector<std::string>{}, drift(read_deviations(text, "written", garden()), plan, made)) << text;
+  const std::string text = deviation_module(plan, measurement, garden(), {"garden-deviations", "urn:test:dev", ""});
+  EXPECT_EQ(std::vector<std::string>{}, drift(read_deviations(text, "written", garden()), plan, measurement)) << text;
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -249,69 +249,71 @@ INSTANTIATE_TEST_SUITE_P(
                 {},
                 "read-only water; no tank; "},
         PlanRow{"FewerValues", {{"soil", "rs"}}, {"sand"}, "values soil; "},
-        PlanRow{"DefaultRefused",
+        PlanRow{"DefaultRejected",
                 {{"cover", "rs"}},
                 {"none"},
-                "refused /garden/bed/cover: its default 'none' is refused; "},
+                "rejected /garden/bed/cover: its default 'none' is rejected; "},
         PlanRow{"BooleanIsARemark", {{"heated", "rs"}}, {"false"}, ""},
         PlanRow{
-            "Key", {{"name", ""}}, {}, "refused /garden/bed/name: cannot be removed: it is a key of '/garden/bed'; "},
-        PlanRow{"Mandatory", {{"width", ""}}, {}, "refused /garden/bed/width: cannot be removed: it is mandatory; "},
+            "Key", {{"name", ""}}, {}, "rejected /garden/bed/name: cannot be removed: it is a key of '/garden/bed'; "},
+        PlanRow{"Mandatory", {{"width", ""}}, {}, "rejected /garden/bed/width: cannot be removed: it is mandatory; "},
         PlanRow{"TargetOfWhen",
                 {{"heated", ""}},
                 {},
-                "refused /garden/bed/heated: cannot be removed: the when of '/garden/bed/warmth' looks at it; "},
+                "rejected /garden/bed/heated: cannot be removed: the when of '/garden/bed/warmth' refers to it; "},
         PlanRow{"TargetOfWhenOfChoice",
                 {{"cover", ""}},
                 {},
-                "refused /garden/bed/cover: cannot be removed: the when of '/garden/bed/shelter' looks at it; "},
+                "rejected /garden/bed/cover: cannot be removed: the when of '/garden/bed/shelter' refers to it; "},
         PlanRow{"WhenGoesToo", {{"heated", ""}, {"warmth", ""}}, {}, "no heated; no warmth; "}),
     [](const auto &each) { return std::string(each.param.name); });
 
-// Samples of an open text are not the texts that a mapping may know: what a delete does tells that it knows the leaf.
-TEST(Deviations, DoNotJudgeOpenTextBySamples) {
-  yfw::coverage made;
+// Samples of a string say nothing about the strings that a mapping accepts: a delete shows that it knows the leaf.
+TEST(Deviations, DoNotJudgeStringsBySamples) {
+  yfw::coverage measurement;
   const lysc_node *name = garden().find("/garden/bed/name", {});
-  yfw::coverage_cell refused = made_cell(set, false);
-  refused.probes.push_back({"a", {}, "refused"});
-  made.high.push_back(
-      {name, {made_cell(get_config, true), made_cell(get, true), refused, made_cell(remove_leaf, true)}});
-  const yfw::deviations plan = plan_deviations(made, garden());
+  yfw::coverage_cell set_cell = sample_cell(set, false);
+  set_cell.probes.push_back({"a", {}, "rejected"});
+  measurement.client.push_back(
+      {name, {sample_cell(get_config, true), sample_cell(get, true), set_cell, sample_cell(remove_leaf, true)}});
+  const yfw::deviations plan = plan_deviations(measurement, garden());
   EXPECT_EQ("", statements(plan));
-  EXPECT_EQ(std::vector<std::string>{"/garden/bed/name: was set to 'a' only, which is refused"}, plan.remarks);
+  EXPECT_EQ(std::vector<std::string>{"/garden/bed/name: was set to 'a' only, which is rejected"}, plan.remarks);
 }
 
 TEST(Drift, IsFoundBothWays) {
-  const auto text_of = [](const yfw::coverage &made) {
-    return deviation_module(plan_deviations(made, garden()), made, garden(), {"dev-garden", "urn:test:dev", ""});
+  const auto text_of = [](const yfw::coverage &measurement) {
+    return deviation_module(plan_deviations(measurement, garden()), measurement, garden(),
+                            {"dev-garden", "urn:test:dev", ""});
   };
-  const yfw::coverage made = garden_with({{"soil", ""}, {"water/rate", "r"}});
+  const yfw::coverage measurement = garden_with({{"soil", ""}, {"water/rate", "r"}});
   const std::string stated = text_of(garden_with({{"warmth", ""}, {"water/rate", ""}}));
-  EXPECT_EQ((std::vector<std::string>{"/garden/bed/soil: is not supported, but that is not stated",
-                                      "/garden/bed/warmth: is stated as not supported, but is mapped",
-                                      "/garden/bed/water/rate: is stated as not supported, but is read-only"}),
-            drift(read_deviations(stated, "stated", garden()), plan_deviations(made, garden()), made));
+  EXPECT_EQ((std::vector<std::string>{"/garden/bed/soil: is not supported, but not stated so",
+                                      "/garden/bed/warmth: stated as not supported, but is mapped",
+                                      "/garden/bed/water/rate: stated as not supported, but is read-only"}),
+            drift(read_deviations(stated, "stated", garden()), plan_deviations(measurement, garden()), measurement));
 }
 
 TEST(Drift, OfRemarks) {
-  const yfw::coverage made = garden_with({{"heated", "rs"}}, {"false"});
-  const yfw::deviations plan = plan_deviations(made, garden());
+  const yfw::coverage measurement = garden_with({{"heated", "rs"}}, {"false"});
+  const yfw::deviations plan = plan_deviations(measurement, garden());
   ASSERT_EQ(std::vector<std::string>{"/garden/bed/heated: cannot be set to 'false'"}, plan.remarks);
-  EXPECT_EQ(std::vector<std::string>{plan.remarks[0] + ", but the description does not say so"}, drift({}, plan, made));
+  EXPECT_EQ(std::vector<std::string>{plan.remarks[0] + ": measured, but not stated"}, drift({}, plan, measurement));
 }
 
-TEST(ReadDeviations, RefusesWhatNoMeasurementSpeaksFor) {
+TEST(ReadDeviations, RejectsOtherDeviates) {
   const std::string text =
       "module m { namespace 'urn:m'; prefix m; import garden { prefix g; } deviation /g:garden/g:bed/g:soil { deviate "
       "add { default clay; } } }";
   try {
     (void)read_deviations(text, "m.yang", garden());
-    FAIL() << "is taken";
-  } catch (const yfw::error &refused) {
+    FAIL() << "is accepted";
+  } catch (const yfw::error &failure) {
     EXPECT_EQ(
-        "m.yang: /g:garden/g:bed/g:soil: has a deviate that no measurement speaks for; 'not-supported', 'config "
-        "false' and a smaller 'type enumeration' are known",
-        std::string(refused.what()));
+        "m.yang: /g:garden/g:bed/g:soil: unsupported deviate, expected 'not-supported', 'config false' or a smaller "
+        "'type "
+        "enumeration'",
+        std::string(failure.what()));
   }
 }
 

@@ -1,4 +1,4 @@
-// The reader of libraries, on damaged ones. What it says of whole ones is in the transcripts of the program.
+// The reader of libraries, on damaged ones. Its results for intact ones are in the transcripts of the program.
 #include <gtest/gtest.h>
 
 #include <cstddef>
@@ -110,13 +110,13 @@ TEST(ElfFile, OutlivesDamage) {
 }
 
 struct NameRow {
-  const char *name, *text, *parts;  // "": outside of the scheme
+  const char *name, *text, *parts;  // "": outside the scheme
 };
 
 class MappingName : public testing::TestWithParam<NameRow> {};
 
-TEST_P(MappingName, IsTakenApart) {
-  const auto parts = yfw::taken_apart(GetParam().text);
+TEST_P(MappingName, IsParsed) {
+  const auto parts = yfw::parse_mapping_name(GetParam().text);
   const std::string found = !parts ? ""
                                    : std::string(parts->is_body ? "body of " : "") +
                                          (parts->dir == yfw::direction::ox ? "ox " : "xo ") + parts->plugin + ' ' +
@@ -128,7 +128,7 @@ INSTANTIATE_TEST_SUITE_P(
     Of, MappingName,
     testing::Values(NameRow{"Leaf", "ymap_ox_a_b_shop_leaf_lvla_shelf_price", "ox a_b shop leaf shelf_price"},
                     NameRow{"Body", "__ymap_xo_a_shop_cont_lvla_shelf", "body of xo a shop container shelf"},
-                    NameRow{"ByHand", "ymap_xo_a_shop_man_leaf_lvla_x", "xo a shop leaf by hand x"},
+                    NameRow{"Custom", "ymap_xo_a_shop_man_leaf_lvla_x", "xo a shop custom leaf x"},
                     NameRow{"Hook", "ymap_xo_a_shop_lvla_x_y_parse_augments", "xo a shop augment hook x_y"},
                     NameRow{"Root", "ymap_xo_a_shop_lvla_x", "xo a shop entry point x"},
                     NameRow{"Augment", "ymap_ox_a_shop_augment_lvla_x", "ox a shop entry point x"},

@@ -19,8 +19,8 @@ reports() {
       report explain /interface-configurations/interface-configuration/ethernet/flow-control
       sh tests/host/sky/ymap-sky.sh explain --value 13 /masts/mast-entry/period --format json ;;
     roundtrip)
-      report roundtrip --allow /dev/null
-      { cat mapping/ethernet/known-losses; echo "delete-get /a FULL was so once"; } | report roundtrip --allow - ;;
+      report roundtrip --accepted /dev/null
+      { cat mapping/ethernet/accepted-differences; echo "delete-get /a FULL was so once"; } | report roundtrip --accepted - ;;
     check) report check "$(dirname "$(command -v ymap)")/../lib/ymap/libymap_misspelt.so" ;;
   esac
 }
@@ -29,8 +29,8 @@ reports() {
 members() {
   jq -r '(paths(type != "object"), (paths | select(last == "tree"))) | select((index("tree") // length) >= length - 1)
     | reduce .[] as $step (""; . + if ($step | type) == "number" then "[]" else "." + $step end)' |
-    sed 's/^\.//; s/\[\]$//; s/^\(summary\.\|\)native\(\.[^-]\|\[\|$\)/\1high\2/; s/^known\(\[\|$\)/broken\1/
-      s/\(operations\|laws\|summary\.high\)\.[a-z-]*/\1.*/'
+    sed 's/^\.//; s/\[\]$//; s/^\(summary\.\|\)native\(\.\|\[\|$\)/\1client\2/; s/^accepted\(\[\|$\)/unexpected\1/
+      s/\(operations\|properties\|summary\.client\)\.[a-z-]*/\1.*/'
 }
 
 documented() {

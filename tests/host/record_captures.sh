@@ -93,7 +93,7 @@ echo '{"openconfig-interfaces:interfaces": {"interface": [
 # Replies.
 record reply-example reply examples/reply.xml
 record reply-example-json reply examples/reply.json
-record reply-one-interface reply --interface GigabitEthernet0/0/0/1 examples/device.xml
+record reply-one-interface reply --entry GigabitEthernet0/0/0/1 examples/device.xml
 record reply-config reply --content config examples/reply.xml
 record reply-nonconfig reply --content nonconfig examples/reply.xml
 for speed in 10 100 1000 40; do

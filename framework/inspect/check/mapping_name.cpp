@@ -11,7 +11,7 @@ struct marker {
 };
 
 constexpr marker markers[] = {
-    {"_man_leaf_lvla_", mapping_kind::manual_leaf},
+    {"_man_leaf_lvla_", mapping_kind::custom_leaf},
     {"_leaf_lvla_", mapping_kind::leaf},
     {"_cont_lvla_", mapping_kind::container},
     {"_list_lvla_", mapping_kind::list},
@@ -28,7 +28,7 @@ bool is_squeezed(std::string_view text) {
 
 }  // namespace
 
-std::optional<mapping_name> taken_apart(std::string_view name) {
+std::optional<mapping_name> parse_mapping_name(std::string_view name) {
   mapping_name result{};
   result.is_body = name.starts_with("__");
   name.remove_prefix(result.is_body ? 2 : 0);
@@ -67,8 +67,8 @@ std::string_view to_string(mapping_kind kind) {
       return "list";
     case mapping_kind::hook:
       return "augment hook";
-    case mapping_kind::manual_leaf:
-      return "leaf by hand";
+    case mapping_kind::custom_leaf:
+      return "custom leaf";
     case mapping_kind::no_op:
       return "no-op";
     case mapping_kind::entry:

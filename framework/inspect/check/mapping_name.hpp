@@ -9,20 +9,20 @@
 
 namespace yfw {
 
-enum class mapping_kind { entry, leaf, container, list, hook, manual_leaf, no_op };
+enum class mapping_kind { entry, leaf, container, list, hook, custom_leaf, no_op };
 
-// A name taken apart: [__]ymap_{ox|xo}_{plug-in}_{module}_{kind}_{path}.
+// The parts of a name: [__]ymap_{ox|xo}_{plug-in}_{module}_{kind}_{path}.
 struct mapping_name {
   direction dir;
   std::string plugin;
   std::string module;
   mapping_kind kind;
-  std::string path;  // "ethernet_state_hwmacaddress"; of a no-op the kind that it stands in for
-  bool is_body;      // with the two underscores: a generated body
+  std::string path;  // "ethernet_state_hwmacaddress"; of a no-op: the kind that it replaces
+  bool is_body;      // begins with two underscores: a generated body
 };
 
-// None for a name that is outside of the scheme.
-std::optional<mapping_name> taken_apart(std::string_view name);
+// None for a name outside the scheme.
+std::optional<mapping_name> parse_mapping_name(std::string_view name);
 
 // "leaf", for messages.
 std::string_view to_string(mapping_kind kind);

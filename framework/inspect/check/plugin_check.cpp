@@ -20,7 +20,7 @@ constexpr finding_level ok = finding_level::ok;
 constexpr finding_level warning = finding_level::warning;
 constexpr finding_level error_level = finding_level::error;
 
-// Whether this framework defines the name: where the plug-in would find it.
+// Whether this framework defines the name.
 bool framework_defines(const std::string &name) {
   Dl_info own{};
   Dl_info other{};
@@ -65,34 +65,33 @@ class plugin_check {
   }
 
  private:
-  void add(finding_level level, const char *about, const std::string &text, const std::string &name = {}) {
-    report_.findings.push_back({level, about, text, name});
+  void add(finding_level level, const char *check, const std::string &message, const std::string &name = {}) {
+    report_.findings.push_back({level, check, message, name});
   }
 
-  // A plug-in may tell the version of the layouts and calls that it was compiled for in a section of its own.
+  // A plug-in may state the ABI version that it was compiled for in a section of its own.
   void check_abi_version() {
     report_.abi_version = library_.abi_version();
     if (!report_.abi_version) {
-      add(ok, "abi", "the version of the record layout that it was built for is not stated");
+      add(ok, "abi", "the ABI version that it was built for is not stated");
       return;
     }
     const std::string own = std::to_string(YFW_ABI_VERSION);
     const bool is_own = report_.abi_version == own;
     add(is_own ? ok : error_level, "abi",
-        "built for record layout version " + in_quotes(*report_.abi_version) +
-            (is_own ? "" : "; this framework has '" + own + "'"));
+        is_own ? "built for ABI version '" + own + "'"
+               : "built for ABI version " + in_quotes(*report_.abi_version) + ", expected '" + own + "'");
   }
 
   void check_needed() {
     for (const std::string &name : library_.needed()) {
       if (name != "libc.so.6" && !name.starts_with("ld-linux")) {
         is_alone_ = false;
-        add(warning, "needs", is_of_cpp_runtime(name) ? "wants the C++ runtime loaded" : "wants another library loaded",
-            name);
+        add(warning, "needs", is_of_cpp_runtime(name) ? "requires the C++ runtime" : "requires another library", name);
       }
     }
     if (is_alone_) {
-      add(ok, "needs", "nothing but the C library");
+      add(ok, "needs", "only the C library");
     }
   }
 
@@ -127,28 +126,29 @@ class plugin_check {
     } else if (!symbol.version.empty()) {
       add(warning, "undefined", "belongs to another library, version " + symbol.version, name);
     } else if (!is_alone_) {
-      add(warning, "undefined", "is left to the other libraries that it wants", name);
+      add(warning, "undefined", "expected in the other libraries that it requires", name);
     } else {
-      add(error_level, "undefined", "nobody defines it: neither the framework nor the C library", name);
+      add(error_level, "undefined", "not defined by the framework or the C library", name);
     }
   }
 
   void check_exports() {
     if (report_.models.empty()) {
-      add(error_level, "names", "exports no function of a mapping, ymap_ox_… or ymap_xo_…");
+      add(error_level, "names", "no function of a mapping is exported, expected ymap_ox_… or ymap_xo_…");
     }
     for (const std::string &name : report_.helpers) {
       if (name.starts_with("ymap_") || name.starts_with("__ymap_")) {
-        odd_.insert(name);
+        unknown_names_.insert(name);
       }
     }
-    const bool has_uncalled = std::ranges::any_of(report_.models, [](const auto &m) { return !m.uncalled.empty(); });
+    const bool has_unreachable =
+        std::ranges::any_of(report_.models, [](const auto &m) { return !m.unreachable.empty(); });
     size_t count = 0;
     for (const checked_model &model : report_.models) {
-      count += model.overrides.size() + model.by_hand.size();
+      count += model.overrides.size() + model.custom.size();
     }
-    if (!report_.models.empty() && !has_uncalled) {
-      add(ok, "overrides", "all " + std::to_string(count) + " functions by hand are called");
+    if (!report_.models.empty() && !has_unreachable) {
+      add(ok, "overrides", "all " + std::to_string(count) + " custom functions are called");
     }
   }
 
@@ -156,9 +156,8 @@ class plugin_check {
     const std::filesystem::path file = manifest::beside(path_);
     if (!std::filesystem::exists(file)) {
       add(warning, "manifest",
-          "there is none beside it, " + in_quotes(file.filename().string()) +
-              ": a framework does not know what to call");
-      warn_of_odd_names();
+          in_quotes(file.filename().string()) + " is missing beside it: a framework cannot call it");
+      warn_of_unknown_names();
       return;
     }
     try {
@@ -166,7 +165,7 @@ class plugin_check {
     } catch (const error &fault) {
       add(error_level, "manifest", fault.what());
     }
-    warn_of_odd_names();
+    warn_of_unknown_names();
   }
 
   void check_functions(const manifest &description) {
@@ -179,32 +178,32 @@ class plugin_check {
     }
     bool is_whole = true;
     for (const std::string &name : called) {
-      odd_.erase(name);
+      unknown_names_.erase(name);
       if (!names_.exports(name)) {
         is_whole = false;
-        add(error_level, "manifest", "names a function that the library does not export", name);
+        add(error_level, "manifest", "named, but not exported by the library", name);
       }
     }
     for (const checked_model &model : report_.models) {
       for (const std::string &name : model.entry_points) {
         if (!called.contains(name)) {
           is_whole = false;
-          add(warning, "manifest", "does not name this entry point: nobody calls it", name);
+          add(warning, "manifest", "entry point that the manifest does not name; never called", name);
         }
       }
     }
     if (is_whole) {
-      add(ok, "manifest", "names " + std::to_string(called.size()) + " functions, which are all there");
+      add(ok, "manifest", "all " + std::to_string(called.size()) + " named functions are exported");
     }
   }
 
-  void warn_of_odd_names() {
-    for (const std::string &name : odd_) {
-      add(warning, "names", "is outside of the naming scheme, and the manifest does not name it", name);
+  void warn_of_unknown_names() {
+    for (const std::string &name : unknown_names_) {
+      add(warning, "names", "outside the naming scheme, and not named by the manifest", name);
     }
   }
 
-  // A plug-in keeps nothing between calls but the filter slots of its trace points.
+  // A plug-in keeps no data between calls except the filter slots of its trace points.
   void check_writable_data() {
     std::set<size_t> writable;
     uint64_t bytes = 0;
@@ -220,31 +219,31 @@ class plugin_check {
     const auto symbols = library_.all_symbols();
     if (!symbols) {
       add(bytes == 0 ? ok : warning, "data",
-          std::to_string(bytes) + " writable bytes; the library is stripped, so that nothing tells what they are");
+          std::to_string(bytes) + " writable bytes; the library is stripped, so their names are unknown");
       return;
     }
-    look_at_objects(*symbols, writable);
+    check_objects(*symbols, writable);
   }
 
-  void look_at_objects(const std::vector<elf_symbol> &symbols, const std::set<size_t> &writable) {
+  void check_objects(const std::vector<elf_symbol> &symbols, const std::set<size_t> &writable) {
     bool is_clean = true;
     for (const elf_symbol &symbol : symbols) {
       if (!symbol.is_defined || symbol.is_function || symbol.size == 0 || !writable.contains(symbol.section)) {
         continue;
       }
       const bool is_slot = symbol.name.find("ymap_slot_") != std::string::npos;
-      if (!is_slot && !symbol.name.starts_with("completed.")) {  // the compiler's start files have that one
+      if (!is_slot && !symbol.name.starts_with("completed.")) {  // of the compiler's start files
         is_clean = false;
-        add(warning, "data", "can be written: " + std::to_string(symbol.size) + " bytes that outlive a call",
+        add(warning, "data", std::to_string(symbol.size) + " writable bytes that outlive a call",
             readable(symbol.name));
       }
     }
     if (is_clean) {
-      add(ok, "data", "nothing can be written but the filter slots of trace points");
+      add(ok, "data", "only the filter slots of trace points are writable");
     }
   }
 
-  // The compiler's start files bring one function, frame_dummy, which does nothing.
+  // The compiler's start files add one function, frame_dummy, which does nothing.
   void check_start_code() {
     const auto symbols = library_.all_symbols();
     const bool has_dummy =
@@ -252,7 +251,7 @@ class plugin_check {
     for (const char *name : {".init_array", ".preinit_array", ".ctors"}) {
       if (const elf_section *section = library_.section(name);
           section != nullptr && section->size > (has_dummy ? sizeof(uint64_t) : 0)) {
-        add(warning, "start", "runs code when it is loaded, before anybody calls it", name);
+        add(warning, "start", "runs code when it is loaded", name);
       }
     }
   }
@@ -261,8 +260,8 @@ class plugin_check {
   plugin_report report_;
   elf_file library_;
   name_check names_;
-  std::set<std::string> odd_;  // mapping functions by their beginning, but not by the rest of their names
-  bool is_alone_ = true;       // needs no other library than the C library
+  std::set<std::string> unknown_names_;  // names that begin like mapping functions, but are outside the scheme
+  bool is_alone_ = true;                 // requires only the C library
 };
 
 }  // namespace

@@ -24,8 +24,8 @@ std::pair<std::string, std::string> split(const std::string &path) {
   return at == std::string::npos ? std::pair(std::string(), path) : std::pair(path.substr(0, at), path.substr(at + 1));
 }
 
-// Names between zeros: what a library may tell in a section of its own.
-std::set<std::string> texts_of(const elf_file &library, std::string_view section) {
+// The zero-terminated names in a section of the library.
+std::set<std::string> names_in(const elf_file &library, std::string_view section) {
   std::set<std::string> result;
   const elf_section *found = library.section(section);
   std::string_view rest = found != nullptr ? library.content(*found) : std::string_view();
@@ -42,22 +42,22 @@ std::set<std::string> texts_of(const elf_file &library, std::string_view section
 
 name_check::name_check(const elf_file &library, plugin_report &report)
     : report_(report), references_(library.references()), mentioned_(library.relocated_names()) {
-  mentioned_.merge(texts_of(library, "ymap.called"));
+  mentioned_.merge(names_in(library, "ymap.called"));
   for (elf_symbol &symbol : library.dynamic_symbols()) {
     if (symbol.is_defined) {
       const std::string name = symbol.name;
-      symbols_.emplace(name, exported{std::move(symbol), taken_apart(name)});
+      symbols_.emplace(name, exported{std::move(symbol), parse_mapping_name(name)});
     }
   }
 }
 
 void name_check::run() {
   for (const named &each : symbols_) {
-    look_at(each);
+    check_symbol(each);
   }
 }
 
-void name_check::look_at(const named &each) {
+void name_check::check_symbol(const named &each) {
   const auto &[name, what] = each;
   if (!what.parts) {
     report_.helpers.push_back(name);
@@ -65,71 +65,71 @@ void name_check::look_at(const named &each) {
   }
   checked_model &model = model_of(*what.parts);
   if (what.parts->is_body) {
-    look_at_body(each);
+    check_body(each);
   } else if (what.parts->kind == mapping_kind::entry) {
     model.entry_points.push_back(name);
   } else if (is_callback(what.parts->kind) && what.symbol.is_weak) {
-    look_at_weak(each, model);
-  } else if (is_callback(what.parts->kind) || what.parts->kind == mapping_kind::manual_leaf) {
-    look_at_by_hand(each, model);
+    check_weak(each, model);
+  } else if (is_callback(what.parts->kind) || what.parts->kind == mapping_kind::custom_leaf) {
+    check_custom(each, model);
   }
 }
 
-void name_check::look_at_body(const named &each) {
+void name_check::check_body(const named &each) {
   if (!symbols_.contains(each.first.substr(2))) {
-    add(finding_level::error, "bodies", "a generated body without its plain name: no walker reaches it", each.first);
+    add(finding_level::error, "bodies", "generated body without its plain name; no walker reaches it", each.first);
   }
 }
 
 // A weak name is its generated body, or the no-op of its kind.
-void name_check::look_at_weak(const named &each, checked_model &model) {
+void name_check::check_weak(const named &each, checked_model &model) {
   const auto &[name, what] = each;
   const auto body = symbols_.find("__" + name);
   const auto no_op = symbols_.find(no_op_name(name, *what.parts));
   if (body != symbols_.end()) {
     ++model.generated;
     if (body->second.symbol.address != what.symbol.address) {
-      add(finding_level::error, "weak names", "weak, but not another name of its generated body", name);
+      add(finding_level::error, "weak names", "weak, but not an alias of its generated body", name);
     }
   } else {
     ++model.unmapped;
     if (no_op == symbols_.end() || no_op->second.symbol.address != what.symbol.address) {
-      add(finding_level::warning, "weak names", "weak, but neither a generated body nor the no-op of its kind", name);
+      add(finding_level::warning, "weak names",
+          "weak, but an alias of neither a generated body nor the no-op of its kind", name);
     }
   }
 }
 
-void name_check::look_at_by_hand(const named &each, checked_model &model) {
+void name_check::check_custom(const named &each, checked_model &model) {
   const auto &[name, what] = each;
   if (!is_called(each)) {
-    warn_of_uncalled(each, model);
+    warn_of_unreachable(each, model);
   } else if (symbols_.contains("__" + name)) {
     model.overrides.push_back(name);
   } else {
-    model.by_hand.push_back(name);
+    model.custom.push_back(name);
   }
 }
 
-void name_check::warn_of_uncalled(const named &each, checked_model &model) {
+void name_check::warn_of_unreachable(const named &each, checked_model &model) {
   const auto &[name, what] = each;
-  model.uncalled.push_back(name);
-  if (what.parts->kind == mapping_kind::manual_leaf) {
-    add(finding_level::warning, "overrides", "no leaf calls it", name);
+  model.unreachable.push_back(name);
+  if (what.parts->kind == mapping_kind::custom_leaf) {
+    add(finding_level::warning, "overrides", "unreachable: no leaf calls it", name);
     return;
   }
-  const std::string meant = meant_by(*what.parts);
-  if (meant.empty()) {
-    add(finding_level::warning, "overrides", "no walker calls it: overrides nothing", name);
+  const std::string likely = likely_override_of(*what.parts);
+  if (likely.empty()) {
+    add(finding_level::warning, "overrides", "unreachable: no walker calls it", name);
   } else {
     add(finding_level::error, "overrides",
-        "no walker calls it: overrides nothing, the generated function runs; did you mean " + in_quotes(meant) + "?",
-        name);
+        "unreachable: no walker calls it, the generated function runs; did you mean " + in_quotes(likely) + "?", name);
   }
 }
 
-// The weak name that somebody meant to replace, "" if none is near: another spelling of the last word or of what is
-// before it, another kind, or another model.
-std::string name_check::meant_by(const mapping_name &parts) const {
+// The weak name that the function was probably meant to override, "" if none is similar: another spelling of the last
+// word or of the words before it, another kind, or another model.
+std::string name_check::likely_override_of(const mapping_name &parts) const {
   const auto [above, last] = split(parts.path);
   std::map<std::string, std::string, std::less<>> by_last, by_above;  // the other part, and the whole name
   std::string elsewhere;
@@ -161,7 +161,7 @@ std::string name_check::meant_by(const mapping_name &parts) const {
   return same_word.empty() ? elsewhere : same_word;
 }
 
-// Code in the function itself does not count: a sanitizer lets it tell its own address.
+// References in the function itself do not count: code of a sanitizer has one.
 bool name_check::is_called(const named &each) const {
   const elf_symbol &symbol = each.second.symbol;
   const auto [begin, end] = references_.equal_range(symbol.address);
@@ -183,8 +183,8 @@ checked_model &name_check::model_of(const mapping_name &parts) {
   return report_.models.back();
 }
 
-void name_check::add(finding_level level, const char *about, const std::string &text, const std::string &name) {
-  report_.findings.push_back({level, about, text, name});
+void name_check::add(finding_level level, const char *check, const std::string &message, const std::string &name) {
+  report_.findings.push_back({level, check, message, name});
 }
 
 }  // namespace yfw

@@ -1,4 +1,4 @@
-// The part of a plug-in's check that looks at its exported names.
+// The checks of a plug-in's exported names.
 #pragma once
 
 #include <map>
@@ -17,7 +17,7 @@ class name_check {
  public:
   name_check(const elf_file &library, plugin_report &report);
 
-  // Sorts the exported names into models and helpers, and tells what is odd about them.
+  // Sorts the exported names into models and helpers, and adds findings.
   void run();
 
   bool exports(const std::string &name) const {
@@ -31,20 +31,20 @@ class name_check {
   };
   using named = std::pair<const std::string, exported>;
 
-  void look_at(const named &each);
-  void look_at_body(const named &each);
-  void look_at_weak(const named &each, checked_model &model);
-  void look_at_by_hand(const named &each, checked_model &model);
-  void warn_of_uncalled(const named &each, checked_model &model);
-  std::string meant_by(const mapping_name &parts) const;
+  void check_symbol(const named &each);
+  void check_body(const named &each);
+  void check_weak(const named &each, checked_model &model);
+  void check_custom(const named &each, checked_model &model);
+  void warn_of_unreachable(const named &each, checked_model &model);
+  std::string likely_override_of(const mapping_name &parts) const;
   bool is_called(const named &each) const;
   checked_model &model_of(const mapping_name &parts);
-  void add(finding_level level, const char *about, const std::string &text, const std::string &name);
+  void add(finding_level level, const char *check, const std::string &message, const std::string &name);
 
   plugin_report &report_;
   std::map<std::string, exported> symbols_;
   std::multimap<uint64_t, uint64_t> references_;
-  std::set<std::string> mentioned_;  // by its relocations or its own list of called names
+  std::set<std::string> mentioned_;  // in its relocations or its own list of called names
 };
 
 }  // namespace yfw

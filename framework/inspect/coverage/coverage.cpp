@@ -19,13 +19,13 @@ void add_leaves(const schema &modules, const lysc_node *node, std::vector<const 
   }
 }
 
-// What the entry points of one direction serve.
+// The leaves that the entry points of one direction serve.
 std::vector<const lysc_node *> served_leaves(const schema &modules, const manifest &description, direction dir) {
   std::vector<const lysc_node *> leaves;
   for (const entry_point &entry : description.entry_points) {
     const lysc_node *above = served_parent(entry, modules);
     if (entry.dir != dir || (above == nullptr && entry.at != "/")) {
-      continue;  // without the module that it serves an entry point has nothing to do
+      continue;  // its module is not among those in force
     }
     for (const lysc_node *top : modules.children(above)) {
       if (module_name(top) == entry.module && !is_key(top)) {
@@ -42,13 +42,13 @@ std::vector<coverage_row> probe_all(const std::vector<const lysc_node *> &leaves
   for (const lysc_node *leaf : leaves) {
     try {
       rows.push_back(probe(leaf));
-    } catch (const error &impossible) {
+    } catch (const error &failure) {
       coverage_row &row = rows.emplace_back(coverage_row{leaf, {}});
       for (const leaf_operation operation :
            {leaf_operation::get_config, leaf_operation::get, leaf_operation::set, leaf_operation::remove}) {
         if (has_edits || operation < leaf_operation::set) {
           const bool is_allowed = operation == leaf_operation::get || is_config(leaf);
-          row.cells.push_back({operation, is_allowed, mapping_state::not_probed, {}, impossible.text()});
+          row.cells.push_back({operation, is_allowed, mapping_state::not_probed, {}, failure.text()});
         }
       }
     }
@@ -56,19 +56,19 @@ std::vector<coverage_row> probe_all(const std::vector<const lysc_node *> &leaves
   return rows;
 }
 
-// The native leaves that a read without a filter asks for.
-std::vector<const lysc_node *> asked_by_everything(const schema &modules, const plugin &mapping, trace_log &log) {
-  document nothing = document::read("{}", "", modules);
+// The native leaves that a read without a filter reads.
+std::vector<const lysc_node *> leaves_read_by_default(const schema &modules, const plugin &mapping, trace_log &log) {
+  document empty = document::read("{}", "", modules);
   client_request client;
   client.everything = true;
-  std::vector<const lysc_node *> asked;
-  for (const native_operation &call : probe_request(nothing, client, mapping, log).calls) {
+  std::vector<const lysc_node *> leaves;
+  for (const native_operation &call : probe_request(empty, client, mapping, log).calls) {
     const lysc_node *node = call.steps.back().node;
-    if (std::find(asked.begin(), asked.end(), node) == asked.end()) {
-      asked.push_back(node);
+    if (std::find(leaves.begin(), leaves.end(), node) == leaves.end()) {
+      leaves.push_back(node);
     }
   }
-  return asked;
+  return leaves;
 }
 
 size_t count_mapped(const std::vector<leaf_probe> &probes) {
@@ -79,19 +79,18 @@ size_t count_mapped(const std::vector<leaf_probe> &probes) {
 }  // namespace
 
 std::string_view to_string(leaf_operation operation) {
-  constexpr std::string_view words[] = {"get-config", "get", "set", "delete"};
-  return words[static_cast<size_t>(operation)];
+  constexpr std::string_view names[] = {"get-config", "get", "set", "delete"};
+  return names[static_cast<size_t>(operation)];
 }
 
 std::string_view to_string(mapping_state state) {
-  constexpr std::string_view words[] = {
-      "mapped", "mapped-to-several", "refused-value", "unmapped-with-error", "unmapped-silently", "not-probed"};
-  return words[static_cast<size_t>(state)];
+  constexpr std::string_view names[] = {"mapped", "multiple", "partial", "rejected", "unmapped", "not-probed"};
+  return names[static_cast<size_t>(state)];
 }
 
 std::string_view to_string(effect_kind kind) {
-  constexpr std::string_view words[] = {"read", "set", "delete", "report", "withdraw"};
-  return words[static_cast<size_t>(kind)];
+  constexpr std::string_view names[] = {"read", "set", "delete", "report", "retract"};
+  return names[static_cast<size_t>(kind)];
 }
 
 std::vector<const lysc_node *> coverage_cell::targets() const {
@@ -110,23 +109,23 @@ bool coverage_row::is_missing() const {
   return std::any_of(cells.begin(), cells.end(), [](const coverage_cell &cell) { return cell.is_missing(); });
 }
 
-void judge(coverage_cell &cell) {
-  const auto refused = std::find_if(cell.probes.begin(), cell.probes.end(),
-                                    [](const leaf_probe &each) { return !each.refusal.empty(); });
+void set_state(coverage_cell &cell) {
+  const auto rejected = std::find_if(cell.probes.begin(), cell.probes.end(),
+                                     [](const leaf_probe &each) { return !each.rejection.empty(); });
   const size_t mapped = count_mapped(cell.probes);
   if (cell.probes.empty()) {
     cell.state = mapping_state::not_probed;
-    cell.reason = "no value of its type is known to try";
+    cell.reason = "no sample value of its type is known";
     return;
   }
   if (mapped == cell.probes.size()) {
-    cell.state = cell.targets().size() > 1 ? mapping_state::mapped_to_several : mapping_state::mapped;
+    cell.state = cell.targets().size() > 1 ? mapping_state::multiple : mapping_state::mapped;
   } else if (mapped > 0) {
-    cell.state = mapping_state::refused_value;
+    cell.state = mapping_state::partial;
   } else {
-    cell.state = refused == cell.probes.end() ? mapping_state::unmapped_silently : mapping_state::unmapped_with_error;
+    cell.state = rejected == cell.probes.end() ? mapping_state::unmapped : mapping_state::rejected;
   }
-  cell.reason = refused == cell.probes.end() ? "" : refused->refusal;
+  cell.reason = rejected == cell.probes.end() ? "" : rejected->rejection;
 }
 
 void coverage_share::add(const coverage_cell &cell) {
@@ -155,24 +154,24 @@ coverage_share share_of(const std::vector<coverage_row> &rows, leaf_operation op
 }
 
 coverage measure_coverage(const schema &modules, const plugin &mapping, trace_log &log, const progress_report &report) {
-  const auto high = served_leaves(modules, mapping.description(), direction::ox);
+  const auto client = served_leaves(modules, mapping.description(), direction::ox);
   const auto native = served_leaves(modules, mapping.description(), direction::xo);
   size_t done = 0;
   const auto count = [&] {
     if (report) {
-      report(done++, high.size() + native.size());
+      report(done++, client.size() + native.size());
     }
   };
   coverage result;
-  result.high = probe_all(high, true, [&](const lysc_node *leaf) {
+  result.client = probe_all(client, true, [&](const lysc_node *leaf) {
     count();
-    return probe_high_leaf(modules, leaf, mapping, log);
+    return probe_client_leaf(modules, leaf, mapping, log);
   });
   result.native = probe_all(native, false, [&](const lysc_node *leaf) {
     count();
     return probe_native_leaf(modules, leaf, mapping, log);
   });
-  result.asked_for = asked_by_everything(modules, mapping, log);
+  result.read_by_default = leaves_read_by_default(modules, mapping, log);
   return result;
 }
 

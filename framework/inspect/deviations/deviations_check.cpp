@@ -13,7 +13,7 @@
 namespace yfw {
 namespace {
 
-// Hands out the modules of another context, as it would print them.
+// libyang's import callback: prints the module of another context.
 LY_ERR print_module(const char *name, const char * /*revision*/, const char *submodule, const char * /*of_submodule*/,
                     void *source, LYS_INFORMAT *format, const char **text, ly_module_imp_data_free_clb *release) {
   const auto *from = static_cast<const ly_ctx *>(source);
@@ -35,7 +35,7 @@ LY_ERR print_module(const char *name, const char * /*revision*/, const char *sub
 
 [[noreturn]] void throw_last_error(const ly_ctx *context, const std::string &file) {
   const ly_err_item *cause = ly_err_first(context);
-  throw error(place{file, 0, {}}, "is not valid together with the modules: " +
+  throw error(place{file, 0, {}}, "invalid together with the modules: " +
                                       plain_words(cause != nullptr && cause->msg != nullptr ? cause->msg : "unknown"));
 }
 
@@ -76,7 +76,7 @@ class deviation_reader {
     for (const lysp_deviation *each : array_items(static_cast<const lysp_deviation *>(module_->parsed->deviations))) {
       const lysc_node *target = node_of(in_force_, module_->parsed, each->nodeid);
       if (target == nullptr) {
-        refuse(each->nodeid, "is not a node of the modules");
+        fail(each->nodeid, "no such node in the modules");
       }
       for (const lysp_deviate *deviate = each->deviates; deviate != nullptr; deviate = deviate->next) {
         result_.statements.push_back(statement(each->nodeid, target, deviate));
@@ -87,7 +87,7 @@ class deviation_reader {
   }
 
  private:
-  [[noreturn]] void refuse(const char *identifier, const std::string &text) const {
+  [[noreturn]] void fail(const char *identifier, const std::string &text) const {
     throw error(place{file_, 0, identifier}, text);
   }
 
@@ -111,9 +111,7 @@ class deviation_reader {
         return found;
       }
     }
-    refuse(identifier,
-           "has a deviate that no measurement speaks for; 'not-supported', 'config false' and a smaller "
-           "'type enumeration' are known");
+    fail(identifier, "unsupported deviate, expected 'not-supported', 'config false' or a smaller 'type enumeration'");
   }
 
   static bool only_config_false(const lysp_deviate_add &added) {
@@ -137,12 +135,12 @@ class deviation_reader {
   deviations result_;
 };
 
-// What statements say of each leaf, in words.
-std::map<const lysc_node *, std::string> words_by_leaf(const deviations &all, const coverage &of) {
+// The statements that apply to each leaf, as text.
+std::map<const lysc_node *, std::string> statements_by_leaf(const deviations &all, const coverage &of) {
   std::map<const lysc_node *, std::string> words;
   for (const deviate_kind kind : {deviate_kind::values, deviate_kind::read_only, deviate_kind::not_supported}) {
     for (const deviation &each : all.statements) {
-      for (const coverage_row &row : of.high) {
+      for (const coverage_row &row : of.client) {
         const bool concerns = each.kind == kind && is_within(row.leaf, each.target) &&
                               (kind == deviate_kind::not_supported || is_config(row.leaf));
         if (!concerns) {
@@ -168,12 +166,12 @@ void compare_remarks(const deviations &stated, const deviations &measured, std::
   };
   for (const std::string &remark : stated.remarks) {
     if (!holds(measured.remarks, remark)) {
-      lines.push_back(remark + ", as stated, but that is not what was measured");
+      lines.push_back(remark + ": stated, but not measured");
     }
   }
   for (const std::string &remark : measured.remarks) {
     if (!holds(stated.remarks, remark)) {
-      lines.push_back(remark + ", but the description does not say so");
+      lines.push_back(remark + ": measured, but not stated");
     }
   }
 }
@@ -183,22 +181,23 @@ void compare_remarks(const deviations &stated, const deviations &measured, std::
 deviated_models load_with(const schema &modules, const std::string &text, const std::string &file) {
   const ly_ctx *in_force = modules.children(nullptr).front()->module->ctx;
   ly_log_options(LY_LOSTORE);
-  ly_ctx *made = nullptr;
+  ly_ctx *context = nullptr;
   const uint16_t options = LY_CTX_NO_YANGLIBRARY | LY_CTX_DISABLE_SEARCHDIRS | LY_CTX_EXPLICIT_COMPILE;
-  if (ly_ctx_new(nullptr, options, &made) != LY_SUCCESS) {
-    throw error("libyang has no memory for a context");
+  if (ly_ctx_new(nullptr, options, &context) != LY_SUCCESS) {
+    throw error("libyang cannot create a context");
   }
-  deviated_models result{std::unique_ptr<ly_ctx, context_deleter>(made), nullptr};
-  ly_ctx_set_module_imp_clb(made, print_module, const_cast<ly_ctx *>(in_force));
+  deviated_models result{std::unique_ptr<ly_ctx, context_deleter>(context), nullptr};
+  ly_ctx_set_module_imp_clb(context, print_module, const_cast<ly_ctx *>(in_force));
   const char *all_features[] = {"*", nullptr};
   for (const std::string_view module : modules.modules()) {
-    if (ly_ctx_load_module(made, module.data(), nullptr, all_features) == nullptr) {
-      throw_last_error(made, std::string(module));
+    if (ly_ctx_load_module(context, module.data(), nullptr, all_features) == nullptr) {
+      throw_last_error(context, std::string(module));
     }
   }
   lys_module *module = nullptr;
-  if (lys_parse_mem(made, text.c_str(), LYS_IN_YANG, &module) != LY_SUCCESS || ly_ctx_compile(made) != LY_SUCCESS) {
-    throw_last_error(made, file);
+  if (lys_parse_mem(context, text.c_str(), LYS_IN_YANG, &module) != LY_SUCCESS ||
+      ly_ctx_compile(context) != LY_SUCCESS) {
+    throw_last_error(context, file);
   }
   result.module = module;
   return result;
@@ -210,25 +209,25 @@ deviations read_deviations(const std::string &text, const std::string &file, con
 }
 
 std::vector<std::string> drift(const deviations &stated, const deviations &measured, const coverage &of) {
-  const auto said = words_by_leaf(stated, of);
-  const auto found = words_by_leaf(measured, of);
+  const auto claims = statements_by_leaf(stated, of);
+  const auto found = statements_by_leaf(measured, of);
   std::vector<std::string> lines;
-  for (const coverage_row &row : of.high) {
-    const auto claim = said.find(row.leaf);
+  for (const coverage_row &row : of.client) {
+    const auto claim = claims.find(row.leaf);
     const auto fact = found.find(row.leaf);
-    if (claim != said.end() && fact == found.end()) {
-      lines.push_back(path(row.leaf) + ": is stated as " + claim->second + ", but is mapped");
-    } else if (claim == said.end() && fact != found.end()) {
-      lines.push_back(path(row.leaf) + ": is " + fact->second + ", but that is not stated");
-    } else if (claim != said.end() && claim->second != fact->second) {
-      lines.push_back(path(row.leaf) + ": is stated as " + claim->second + ", but is " + fact->second);
+    if (claim != claims.end() && fact == found.end()) {
+      lines.push_back(path(row.leaf) + ": stated as " + claim->second + ", but is mapped");
+    } else if (claim == claims.end() && fact != found.end()) {
+      lines.push_back(path(row.leaf) + ": is " + fact->second + ", but not stated so");
+    } else if (claim != claims.end() && claim->second != fact->second) {
+      lines.push_back(path(row.leaf) + ": stated as " + claim->second + ", but is " + fact->second);
     }
   }
   for (const deviation &each : stated.statements) {
-    const bool is_known = std::any_of(of.high.begin(), of.high.end(),
+    const bool is_known = std::any_of(of.client.begin(), of.client.end(),
                                       [&](const coverage_row &row) { return is_within(row.leaf, each.target); });
     if (!is_known) {
-      lines.push_back(schema_path(each.target) + ": is stated, but the plug-in serves nothing of it");
+      lines.push_back(schema_path(each.target) + ": stated, but the plug-in does not serve it");
     }
   }
   compare_remarks(stated, measured, lines);

@@ -1,4 +1,4 @@
-// The inside of deviations, shared by their sources.
+// What the sources of deviations share.
 #pragma once
 
 #include <libyang/libyang.h>
@@ -12,16 +12,16 @@
 
 namespace yfw {
 
-// The schema node identifier with plain names, choices and cases included.
+// The schema node identifier with plain names, including choices and cases (RFC 7950, section 6.5).
 std::string schema_path(const lysc_node *node);
 
-// The nodes that `when`, `must` and leafrefs of a model look at.
+// The nodes that `when`, `must` and leafrefs of a model refer to.
 class model_references {
  public:
   explicit model_references(const schema &modules);
 
-  // Why a deviation would break the model, in a few words; empty when it would not. The other statements are those that
-  // are made with it: what they remove looks at nothing any more.
+  // Why a deviation would break the model; empty when it would not. `all`: the statements of the module, whose removed
+  // nodes refer to nothing any more.
   std::string why_it_breaks(const deviation &wanted, const std::vector<deviation> &all) const;
 
  private:
@@ -38,7 +38,7 @@ class model_references {
   std::vector<reference> references_;
 };
 
-// A context of its own that holds the modules in force and that module, which must be valid with them. Throws `error`.
+// A new context with the modules in force and the given one. Throws `error` when it is not valid together with them.
 struct deviated_models {
   std::unique_ptr<ly_ctx, context_deleter> context;
   const lys_module *module;

@@ -34,7 +34,7 @@ class module_writer {
       add_prefixes(each.target);
     }
     revision_ = names.revision.empty() ? newest_revision(modules_) : names.revision;
-    for (const coverage_row &row : measured.high) {
+    for (const coverage_row &row : measured.client) {
       revision_ = revision_.empty() ? newest_revision({row.leaf->module}) : revision_;
     }
   }
@@ -80,9 +80,9 @@ class module_writer {
   }
 
   std::string description() const {
-    std::string text = "What is not supported of the modules that are deviated.";
+    std::string text = "The parts of the deviated modules that are not supported.";
     if (!plan_.remarks.empty()) {
-      text += "\n     No statement can tell that";
+      text += "\n     Limits that no deviation can express:";
     }
     for (const std::string &remark : plan_.remarks) {
       text += "\n     - " + remark;
@@ -101,7 +101,7 @@ class module_writer {
         out_ << "    deviate not-supported;\n";
         break;
       case deviate_kind::read_only:
-        // What is inherited is not there to be replaced.
+        // An inherited config statement is added, not replaced.
         out_ << "    deviate " << ((each.target->flags & LYS_SET_CONFIG) != 0 ? "replace" : "add")
              << " {\n      config false;\n    }\n";
         break;

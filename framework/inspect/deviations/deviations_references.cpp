@@ -8,7 +8,7 @@ namespace yfw {
 namespace {
 
 std::string verb(deviate_kind kind) {
-  return kind == deviate_kind::not_supported ? "cannot be removed: " : "cannot become state: ";
+  return kind == deviate_kind::not_supported ? "cannot be removed: " : "cannot become operational state: ";
 }
 
 std::string default_of(const lysc_node *leaf) {
@@ -24,7 +24,7 @@ model_references::model_references(const schema &modules) {
     const lysc_node *node = open.back();
     open.pop_back();
     add(node);
-    // Conditions of choices and cases stand at nodes that are no data nodes.
+    // Choices and cases are no data nodes, but have conditions.
     for (const lysc_node *above = node->parent; above != nullptr && (above->nodetype & (LYS_CHOICE | LYS_CASE)) != 0;
          above = above->parent) {
       add(above);
@@ -61,7 +61,7 @@ void model_references::add_atoms(const lysc_node *from, const lysc_node *context
                                  const lysc_prefix *prefixes, const char *kind) {
   ly_set *found = nullptr;
   if (lys_find_expr_atoms(context, from->module, expression, prefixes, 0, &found) != LY_SUCCESS) {
-    return;  // what libyang cannot follow it will not miss either
+    return;  // libyang does not evaluate it either
   }
   const std::unique_ptr<ly_set, set_deleter> atoms(found);
   for (uint32_t i = 0; i < atoms->count; ++i) {
@@ -72,10 +72,10 @@ void model_references::add_atoms(const lysc_node *from, const lysc_node *context
 std::string model_references::why_it_breaks(const deviation &wanted, const std::vector<deviation> &all) const {
   const lysc_node *target = wanted.target;
   if (wanted.kind == deviate_kind::values) {
-    const std::string standing = default_of(target);
-    const bool is_left =
-        standing.empty() || std::find(wanted.values.begin(), wanted.values.end(), standing) != wanted.values.end();
-    return is_left ? "" : "its default " + in_quotes(standing) + " is refused";
+    const std::string default_value = default_of(target);
+    const bool is_left = default_value.empty() ||
+                         std::find(wanted.values.begin(), wanted.values.end(), default_value) != wanted.values.end();
+    return is_left ? "" : "its default " + in_quotes(default_value) + " is rejected";
   }
   if (is_key(target)) {
     return verb(wanted.kind) + "it is a key of " + in_quotes(schema_path(target->parent));
@@ -91,7 +91,7 @@ std::string model_references::why_it_breaks(const deviation &wanted, const std::
   for (const reference &each : references_) {
     const bool stays = wanted.kind == deviate_kind::not_supported ? !is_removed(each.from) : is_config(each.from);
     if (is_within(each.to, target) && !is_within(each.from, target) && stays) {
-      return verb(wanted.kind) + "the " + each.kind + " of " + in_quotes(schema_path(each.from)) + " looks at it";
+      return verb(wanted.kind) + "the " + each.kind + " of " + in_quotes(schema_path(each.from)) + " refers to it";
     }
   }
   return "";

@@ -17,7 +17,7 @@ bool is_edit(std::string_view operation) {
   return operation != "get";
 }
 
-// The text up to and with the innermost list entry, or else the top-level node.
+// The path of the innermost list entry, or else of the top-level node.
 std::string entry_path(std::vector<path_step> steps) {
   while (steps.size() > 1 && !is_list(steps.back().node)) {
     steps.pop_back();
@@ -25,20 +25,20 @@ std::string entry_path(std::vector<path_step> steps) {
   return path_text(steps);
 }
 
-// A request for one leaf, explained.
+// Explains requests for one leaf.
 class request_explainer {
  public:
   request_explainer(const full_path &asked, const schema &modules, const plugin &mapping, trace_log &log)
       : asked_(asked), modules_(modules), mapping_(mapping), log_(log) {}
 
   explained_request get() {
-    explained_request result = translated("get", no_operation, {});
+    explained_request result = explain_operation("get", no_operation, {});
     if (result.calls.empty()) {
       result.reported_by = reporting_leaves();
     }
     for (const native_operation &call : result.calls) {
       if (!is_key(call.steps.back().node)) {
-        add_reports(call, result.values);
+        add_reported_values(call, result.values);
       }
     }
     return result;
@@ -48,16 +48,17 @@ class request_explainer {
     const std::vector<std::string> samples = wanted ? std::vector{*wanted} : sample_values(modules_, leaf());
     std::vector<value_mapping> values;
     for (const std::string &value : is_config(leaf()) ? values_to_show(wanted) : std::vector<std::string>()) {
-      values.push_back(mapped(value));
+      values.push_back(map_value(value));
     }
-    const auto taken = std::ranges::find_if(values, [](const value_mapping &each) { return each.refusal.empty(); });
-    const std::string value = wanted                  ? *wanted
-                              : taken != values.end() ? taken->value
-                              : samples.empty()       ? ""
-                                                      : samples[0];
-    explained_request result = translated("set", YFW_OPERATION_MERGE, value);
+    const auto accepted =
+        std::ranges::find_if(values, [](const value_mapping &each) { return each.rejection.empty(); });
+    const std::string value = wanted                     ? *wanted
+                              : accepted != values.end() ? accepted->value
+                              : samples.empty()          ? ""
+                                                         : samples[0];
+    explained_request result = explain_operation("set", YFW_OPERATION_MERGE, value);
     result.values = std::move(values);
-    if (result.refusal.empty()) {
+    if (result.rejection.empty()) {
       memory_device native(modules_);
       result.before = read(native);
       edit(native, value, YFW_OPERATION_MERGE, result);
@@ -65,15 +66,15 @@ class request_explainer {
     return result;
   }
 
-  // A delete of what a set left there.
+  // Deletes the leaf after a set.
   explained_request remove() {
-    explained_request result = translated("delete", YFW_OPERATION_DELETE, {});
-    if (!result.refusal.empty()) {
+    explained_request result = explain_operation("delete", YFW_OPERATION_DELETE, {});
+    if (!result.rejection.empty()) {
       return result;
     }
     memory_device native(modules_);
     for (const std::string &value : sample_values(modules_, leaf())) {
-      if (mapped(value).refusal.empty()) {
+      if (map_value(value).rejection.empty()) {
         edit(native, value, YFW_OPERATION_MERGE, result);
         break;
       }
@@ -93,32 +94,33 @@ class request_explainer {
     return request_for(asked_.steps, modules_, operation, value);
   }
 
-  explained_request translated(std::string_view operation, uint32_t netconf, const std::optional<std::string> &value) {
+  explained_request explain_operation(std::string_view operation, uint32_t netconf,
+                                      const std::optional<std::string> &value) {
     explained_request result;
     result.operation = operation;
     result.value = value;
     const auto kind = is_edit(operation) ? client_operation::edit : client_operation::get;
     document request = request_text(netconf, value);
     native_request native;
-    result.refusal = refusal_of([&] {
+    result.rejection = error_of([&] {
       trace_log silent;
       native = translate_request(request, bare_request(request, kind), mapping_, silent);
     });
     for (const note &each : native.notes) {
-      result.refusal += (result.refusal.empty() ? "" : "; ") + one_line(each.text);
+      result.rejection += (result.rejection.empty() ? "" : "; ") + one_line(each.text);
     }
     if (is_edit(operation) && !is_config(leaf())) {
       return result;
     }
     document again = request_text(netconf, value);
     probe_outcome outcome;
-    (void)refusal_of([&] {
-      result.walk = traced(
+    (void)error_of([&] {
+      result.walk = trace_functions(
           log_, [&](trace_log &own) { outcome = probe_request(again, bare_request(again, kind), mapping_, own); });
     });
     add_untraced(result.walk, leaf(), [&](const std::string &name) { return has_function(mapping_, name); });
-    result.answer = result.refusal.empty() ? "" : answer_text(outcome);
-    result.calls = result.refusal.empty() ? std::move(native.calls) : std::move(outcome.calls);
+    result.answer = result.rejection.empty() ? "" : answer_text(outcome);
+    result.calls = result.rejection.empty() ? std::move(native.calls) : std::move(outcome.calls);
     for (native_operation &call : result.calls) {
       call.source_node = nullptr;
     }
@@ -126,16 +128,16 @@ class request_explainer {
   }
 
   template <typename work_t>
-  static std::string refusal_of(const work_t &work) {
+  static std::string error_of(const work_t &work) {
     try {
       work();
-    } catch (const error &refused) {
-      return refused.text();
+    } catch (const error &failure) {
+      return failure.text();
     }
     return {};
   }
 
-  // The native leaves that the leaf comes from all the same, when they are there.
+  // The native leaves that replies report the leaf from.
   std::vector<std::string> reporting_leaves() const {
     trace_log silent;
     std::vector<std::string> found;
@@ -151,14 +153,14 @@ class request_explainer {
   std::vector<std::string> values_to_show(const std::optional<std::string> &wanted) const {
     std::vector<std::string> values = sample_values(modules_, leaf());
     if (wanted && std::ranges::find(values, *wanted) == values.end()) {
-      // A sample of an open type says nothing beside a value that is given.
+      // Beside a given value, samples of a string type are of no use.
       const bool is_open = modules_.allowed_values(leaf()).empty();
       values = is_open ? std::vector{*wanted} : values;
     }
     return values;
   }
 
-  value_mapping mapped(const std::string &value) {
+  value_mapping map_value(const std::string &value) {
     value_mapping result{value, {}, {}};
     document request = request_text(YFW_OPERATION_MERGE, value);
     trace_log silent;
@@ -170,26 +172,26 @@ class request_explainer {
         result.results.push_back(call.value ? *call.value : "no " + name);
       }
     } catch (const client_error &refused) {
-      result.refusal = refused.rejected() ? refused.rejected()->reason : refused.text();
+      result.rejection = refused.rejected() ? refused.rejected()->reason : refused.text();
     } catch (const error &refused) {
-      result.refusal = refused.text();
+      result.rejection = refused.text();
     }
     return result;
   }
 
-  // What the leaf has for values of the native one.
-  void add_reports(const native_operation &read, std::vector<value_mapping> &values) {
+  // Adds the values of the leaf for sample values of the native one.
+  void add_reported_values(const native_operation &read, std::vector<value_mapping> &values) {
     for (const std::string &value : sample_values(modules_, read.steps.back().node)) {
       trace_log silent;
       const explained_reply reply = explain_reply(read.steps, value, modules_, mapping_, silent);
-      value_mapping &added = values.emplace_back(value_mapping{value, {}, reply.refusal});
+      value_mapping &added = values.emplace_back(value_mapping{value, {}, reply.rejection});
       for (const reported_leaf &each : reply.reported) {
         if (is_asked(each)) {
           added.results.push_back(each.value);
         }
       }
-      if (added.results.empty() && added.refusal.empty()) {
-        added.refusal = reply.notes.empty() ? "reports nothing" : one_line(reply.notes.front().text);
+      if (added.results.empty() && added.rejection.empty()) {
+        added.rejection = reply.notes.empty() ? "reports nothing" : one_line(reply.notes.front().text);
       }
     }
   }
@@ -207,7 +209,7 @@ class request_explainer {
 
   void edit(memory_device &native, const std::optional<std::string> &value, uint32_t operation, explained_request &result) {
     trace_log silent;
-    result.refusal = refusal_of([&] {
+    result.rejection = error_of([&] {
       (void)mapping_service(mapping_, native, silent).edit_node(path_text(asked_.steps), value, operation);
       result.after = read(native);
     });
@@ -229,7 +231,7 @@ void require_leaf(const full_path &asked, const schema &modules) {
   const lysc_node *node = asked.steps.back().node;
   if (holds_value(node)) {
     if (is_key(node)) {
-      throw error(in_quotes(path(node)) + " is a key, which comes and goes with its list entry");
+      throw error(in_quotes(path(node)) + " is a key, which is created and deleted with its list entry");
     }
     return;
   }
@@ -237,7 +239,7 @@ void require_leaf(const full_path &asked, const schema &modules) {
   for (const lysc_node *child : modules.children(node)) {
     below += (below.empty() ? "" : ", ") + in_quotes(name(child));
   }
-  throw error(in_quotes(path(node)) + " is no leaf; below it are " + below);
+  throw error(in_quotes(path(node)) + " is not a leaf, expected one of " + below);
 }
 
 }  // namespace
@@ -258,7 +260,7 @@ explanation explain(std::string_view path, const explain_options &options, const
                     trace_log &log) {
   const full_path asked = complete_path(path, modules, mapping.description());
   require_leaf(asked, modules);
-  explanation result{path_text(asked.steps), asked.steps.back().node, asked.made_up_keys, {}, {}};
+  explanation result{path_text(asked.steps), asked.steps.back().node, asked.sample_keys, {}, {}};
   if (serves_model_of(mapping.description(), direction::ox, result.leaf, modules)) {
     request_explainer explainer(asked, modules, mapping, log);
     for (const std::string_view operation : options.operations) {
@@ -272,7 +274,7 @@ explanation explain(std::string_view path, const explain_options &options, const
     }
   } else {
     throw error(in_quotes(result.path) + " of module " + in_quotes(module_name(result.leaf)) +
-                " is of neither model: no entry point of the plug-in is on the way to it");
+                " belongs to neither model of the plug-in: no entry point serves it");
   }
   return result;
 }

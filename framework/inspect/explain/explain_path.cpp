@@ -1,4 +1,4 @@
-// Paths as a user types them, made complete.
+// Completes paths that a user typed.
 #include <algorithm>
 
 #include "yfw/internal/coverage_values.hpp"
@@ -14,11 +14,11 @@ full_path with_sample_keys(std::vector<path_step> steps, const schema &modules) 
     for (const std::string_view key : step.keys.empty() ? keys(step.node) : std::vector<std::string_view>()) {
       const std::vector<std::string> samples = sample_values(modules, modules.child(step.node, ns(step.node), key));
       if (samples.empty()) {
-        throw error("no value of key " + in_quotes(key) + " of " + in_quotes(path(step.node)) +
-                    " is known to make up; give one");
+        throw error("no sample value of key " + in_quotes(key) + " of " + in_quotes(path(step.node)) +
+                    " is known; name one in the path");
       }
       step.keys.emplace_back(key, samples.front());
-      result.made_up_keys.push_back(std::string(name(step.node)) + "[" + std::string(key) + "=" +
+      result.sample_keys.push_back(std::string(name(step.node)) + "[" + std::string(key) + "=" +
                                     key_literal(samples.front()) + "]");
     }
   }

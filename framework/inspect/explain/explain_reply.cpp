@@ -37,13 +37,13 @@ explained_reply explain_reply(const std::vector<path_step> &native, const std::s
   document data = request_for(native, modules, no_operation, value);
   explained_reply result;
   result.value = value;
-  result.walk = traced(log, [&](trace_log &own) {
+  result.walk = trace_functions(log, [&](trace_log &own) {
     try {
       reply translated = translate_reply(data, mapping, {}, own);
       result.reported = leaves_of(translated.data);
       result.notes = std::move(translated.notes);
     } catch (const error &refused) {
-      result.refusal = refused.text();
+      result.rejection = refused.text();
     }
   });
   add_untraced(result.walk, native.back().node, [&](const std::string &name) { return has_function(mapping, name); });

@@ -1,4 +1,4 @@
-// The long-form trace, read back: "#22: TRC: FUNCTION:93 ctx=0x…,TEXT".
+// Reads the long-form trace: "#22: TRC: FUNCTION:93 ctx=0x…,TEXT".
 #include <algorithm>
 #include <charconv>
 
@@ -48,12 +48,13 @@ function_role role_of(std::string_view name) {
     return function_role::no_op;
   }
   if (is_callback(name)) {
-    return function_role::by_hand;
+    return function_role::custom;
   }
   return contains(name, "_lvla_") ? function_role::walker : function_role::helper;
 }
 
-// Puts the points of functions together. A function that fails leaves no "End": it has ended when one below it speaks.
+// Collects the points of each function. A function that fails has no "End": it has ended at the next point of a
+// function that was running before it.
 class trace_reader {
  public:
   void read(const trace_point &point) {
@@ -62,21 +63,21 @@ class trace_reader {
       open_.push_back(found_.size() - 1);
       return;
     }
-    const auto is_its = [&](size_t index) { return found_[index].name == point.function; };
-    const auto opened = std::find_if(open_.rbegin(), open_.rend(), is_its);
+    const auto is_of_function = [&](size_t index) { return found_[index].name == point.function; };
+    const auto opened = std::find_if(open_.rbegin(), open_.rend(), is_of_function);
     if (opened == open_.rend()) {
-      add(point);  // one that has no other point
+      add(point);  // a function with a single point
       return;
     }
     open_.erase(opened.base(), open_.end());
     if (point.text == "End") {
       open_.pop_back();
     } else {
-      found_[open_.back()].said.emplace_back(point.text);
+      found_[open_.back()].messages.emplace_back(point.text);
     }
   }
 
-  std::vector<traced_function> take() {
+  std::vector<traced_function> functions() {
     return std::move(found_);
   }
 
@@ -99,8 +100,8 @@ std::string name_part(const lysc_node *leaf) {
 }  // namespace
 
 std::string_view to_string(function_role role) {
-  constexpr std::string_view words[] = {"walker", "generated", "hand-written", "no-op", "helper"};
-  return words[static_cast<size_t>(role)];
+  constexpr std::string_view names[] = {"walker", "generated", "custom", "no-op", "helper"};
+  return names[static_cast<size_t>(role)];
 }
 
 std::vector<traced_function> traced_functions(const std::vector<std::string> &lines) {
@@ -110,15 +111,15 @@ std::vector<traced_function> traced_functions(const std::vector<std::string> &li
       reader.read(point);
     }
   }
-  return reader.take();
+  return reader.functions();
 }
 
-const traced_function *answering(const std::vector<traced_function> &walk, const lysc_node *leaf) {
+const traced_function *mapping_function(const std::vector<traced_function> &walk, const lysc_node *leaf) {
   const std::string part = name_part(leaf);
   const traced_function *found = nullptr;
   for (const traced_function &function : walk) {
     const bool maps_it = is_callback(function.name) && function.name.ends_with(part);
-    if (maps_it && (found == nullptr || function.role == function_role::by_hand)) {
+    if (maps_it && (found == nullptr || function.role == function_role::custom)) {
       found = &function;
     }
   }
@@ -127,12 +128,12 @@ const traced_function *answering(const std::vector<traced_function> &walk, const
 
 void add_untraced(std::vector<traced_function> &walk, const lysc_node *leaf,
                   const std::function<bool(const std::string &)> &has_function) {
-  const traced_function *answer = answering(walk, leaf);
+  const traced_function *answer = mapping_function(walk, leaf);
   if (answer == nullptr && !walk.empty() && walk.back().role == function_role::walker) {
-    answer = &walk.back();  // whatever it called
+    answer = &walk.back();  // the function that it called left no trace
   }
   const bool is_open = answer != nullptr && answer->name.ends_with(name_part(leaf));
-  if (!is_open || answer->role == function_role::by_hand) {
+  if (!is_open || answer->role == function_role::custom) {
     return;
   }
   const bool is_generated = answer->role == function_role::generated;
@@ -145,11 +146,11 @@ void add_untraced(std::vector<traced_function> &walk, const lysc_node *leaf,
   name.replace(at, kind.size(), is_generated ? "_man_leaf_lvla_" : "_leaf_lvla_");
   if (has_function(name)) {
     const auto behind = walk.begin() + (answer - walk.data()) + 1;
-    walk.insert(behind, {std::move(name), function_role::by_hand, 0, answer->depth + 1, {}});
+    walk.insert(behind, {std::move(name), function_role::custom, 0, answer->depth + 1, {}});
   }
 }
 
-std::vector<traced_function> traced(trace_log &log, const std::function<void(trace_log &)> &work) {
+std::vector<traced_function> trace_functions(trace_log &log, const std::function<void(trace_log &)> &work) {
   std::ostringstream short_form;
   trace_log own(log.wants_short_form() ? &short_form : nullptr, true);
   work(own);

@@ -27,7 +27,7 @@ data_node &add_entry(data_tree &tree, data_node *above, const lysc_node *list) {
   for (const std::string_view key : keys(list)) {
     const auto samples = sample_values(tree.modules(), tree.modules().child(list, ns(list), key));
     if (samples.empty()) {
-      throw error(place{"", 0, path(list)}, "no value of its key " + in_quotes(key) + " is known to try");
+      throw error(place{"", 0, path(list)}, "no sample value of key " + in_quotes(key) + " is known");
     }
     given.emplace_back(key, values.emplace_back(samples.front()));
   }

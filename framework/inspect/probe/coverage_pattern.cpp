@@ -7,8 +7,8 @@
 namespace yfw {
 namespace {
 
-// Writes one text that a regular expression matches, taking the same choice everywhere: which branch, and how many
-// repetitions more than needed. What it does not understand it takes literally; the caller checks the result.
+// Returns one string that a regular expression probably matches, with the same choice everywhere: which branch, and how
+// many repetitions beyond the minimum. Unknown syntax counts as literal; the caller checks the result.
 class pattern_sampler {
  public:
   pattern_sampler(std::string_view pattern, size_t branch, size_t more, bool last_of_class)
@@ -19,7 +19,7 @@ class pattern_sampler {
   }
 
  private:
-  static constexpr size_t deepest = 64;      // groups inside each other
+  static constexpr size_t deepest = 64;      // nested groups
   static constexpr size_t longest = 100000;  // bytes, so that nested repetitions end
 
   bool at_end() const {
@@ -28,14 +28,14 @@ class pattern_sampler {
   char peek() const {
     return at_end() ? '\0' : pattern_[at_];
   }
-  char take() {
+  char next() {
     return at_end() ? '\0' : pattern_[at_++];
   }
 
   std::string alternatives(size_t depth) {
     std::vector<std::string> branches{sequence(depth)};
     while (peek() == '|') {
-      take();
+      next();
       branches.push_back(sequence(depth));
     }
     return branches[std::min(branch_, branches.size() - 1)];
@@ -53,11 +53,11 @@ class pattern_sampler {
   }
 
   std::string one_atom(size_t depth) {
-    const char first = take();
+    const char first = next();
     switch (first) {
       case '(': {
         std::string inside = depth < deepest ? alternatives(depth + 1) : "";
-        take();  // the closing parenthesis
+        next();  // the closing parenthesis
         return inside;
       }
       case '[':
@@ -72,7 +72,7 @@ class pattern_sampler {
   }
 
   char escaped() {
-    const char letter = take();
+    const char letter = next();
     if (letter == 'p' || letter == 'P') {
       const size_t end = std::min(pattern_.find('}', at_), pattern_.size() - 1);
       const std::string_view category = pattern_.substr(at_, end - at_);
@@ -90,12 +90,12 @@ class pattern_sampler {
     const bool is_inverted = peek() == '^';
     at_ += is_inverted ? 1 : 0;
     const size_t begin = at_;
-    const char first = peek() == '\\' ? (take(), escaped()) : take();
+    const char first = peek() == '\\' ? (next(), escaped()) : next();
     while (!at_end() && peek() != ']') {
       at_ += peek() == '\\' && at_ + 1 < pattern_.size() ? 2 : 1;
     }
     const std::string_view named = pattern_.substr(begin, at_ - begin);
-    take();
+    next();
     if (!is_inverted) {
       const bool is_plain_end = named.size() > 1 && named[named.size() - 2] != '\\';
       return last_of_class_ && is_plain_end ? named.back() : first;
@@ -116,16 +116,16 @@ class pattern_sampler {
   size_t repetitions() {
     switch (peek()) {
       case '?':
-        take();
+        next();
         return std::min<size_t>(more_, 1);
       case '*':
-        take();
+        next();
         return more_;
       case '+':
-        take();
+        next();
         return 1 + more_;
       case '{':
-        take();
+        next();
         return counted();
       default:
         return 1;
@@ -136,10 +136,10 @@ class pattern_sampler {
     const size_t least = number();
     size_t most = least;
     if (peek() == ',') {
-      take();
+      next();
       most = peek() == '}' ? longest : number();
     }
-    take();  // the closing brace
+    next();  // the closing brace
     return std::min(least + more_, std::max(least, most));
   }
 

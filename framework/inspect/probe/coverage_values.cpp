@@ -8,35 +8,35 @@
 namespace yfw {
 namespace {
 
-// Ends of the built-in number types and texts of the usual typedefs, for types that tell nothing of their own.
-constexpr std::string_view usual_numbers[] = {"-9223372036854775808",
-                                              "-2147483648",
-                                              "-32768",
-                                              "-128",
-                                              "0",
-                                              "127",
-                                              "255",
-                                              "32767",
-                                              "65535",
-                                              "2147483647",
-                                              "4294967295",
-                                              "9223372036854775807",
-                                              "18446744073709551615"};
-constexpr std::string_view usual_texts[] = {"a",
-                                            "a1",
-                                            "",
-                                            "0",
-                                            "192.0.2.1",
-                                            "192.0.2.0/24",
-                                            "2001:db8::1",
-                                            "2001:db8::/32",
-                                            "00:11:22:33:44:55",
-                                            "2020-01-01",
-                                            "2020-01-01T00:00:00Z",
-                                            "1.3.6.1",
-                                            "00000000-0000-4000-8000-000000000000",
-                                            "example.com",
-                                            "YQ=="};
+// Bounds of the built-in number types and strings of common typedefs, for types without a range or pattern.
+constexpr std::string_view common_numbers[] = {"-9223372036854775808",
+                                               "-2147483648",
+                                               "-32768",
+                                               "-128",
+                                               "0",
+                                               "127",
+                                               "255",
+                                               "32767",
+                                               "65535",
+                                               "2147483647",
+                                               "4294967295",
+                                               "9223372036854775807",
+                                               "18446744073709551615"};
+constexpr std::string_view common_strings[] = {"a",
+                                               "a1",
+                                               "",
+                                               "0",
+                                               "192.0.2.1",
+                                               "192.0.2.0/24",
+                                               "2001:db8::1",
+                                               "2001:db8::/32",
+                                               "00:11:22:33:44:55",
+                                               "2020-01-01",
+                                               "2020-01-01T00:00:00Z",
+                                               "1.3.6.1",
+                                               "00000000-0000-4000-8000-000000000000",
+                                               "example.com",
+                                               "YQ=="};
 
 constexpr const char *text_to_escape = R"( a <b> & "c" 'd' \ é )";
 constexpr uint64_t longest_text = 4096;  // of a type without a closer bound
@@ -58,7 +58,7 @@ bool is_number(LY_DATA_TYPE base) {
   }
 }
 
-// A number that counts units of the last of `digits` decimals.
+// A number with `digits` decimals, given in units of the last one.
 std::string decimal(int64_t units, unsigned digits) {
   std::string text = std::to_string(units);
   const size_t sign = units < 0 ? 1 : 0;
@@ -99,7 +99,7 @@ class sampler {
     }
   }
 
-  std::vector<std::string> take() {
+  std::vector<std::string> values() {
     return std::move(found_);
   }
 
@@ -108,25 +108,25 @@ class sampler {
     return modules_.check_value(leaf_, text).ok;
   }
 
-  void keep(const std::string &text) {
+  void add_value(const std::string &text) {
     if (std::find(found_.begin(), found_.end(), text) == found_.end()) {
       found_.push_back(text);
     }
   }
 
-  void keep_first_valid(const std::vector<std::string> &candidates) {
+  void add_first_valid(const std::vector<std::string> &candidates) {
     const auto valid =
         std::find_if(candidates.begin(), candidates.end(), [&](const auto &each) { return is_valid(each); });
     if (valid != candidates.end()) {
-      keep(*valid);
+      add_value(*valid);
     }
   }
 
   void add_names(const lysc_type *type) {
     const std::vector<std::string> names = value_names(type);
-    std::for_each(names.begin(), names.end(), [&](const auto &each) { keep(each); });
+    std::for_each(names.begin(), names.end(), [&](const auto &each) { add_value(each); });
     if (names.empty()) {
-      keep_first_valid(usual_values(type));
+      add_first_valid(common_values(type));
     }
   }
 
@@ -138,35 +138,35 @@ class sampler {
     if (range != nullptr) {
       add_ends(type, range, ends);
     } else {
-      ends.assign(std::begin(usual_numbers), std::end(usual_numbers));
+      ends.assign(std::begin(common_numbers), std::end(common_numbers));
       std::erase_if(ends, [&](const auto &each) { return !is_valid(each); });
     }
     if (!ends.empty()) {
-      keep(ends.front());
-      keep(ends.back());
+      add_value(ends.front());
+      add_value(ends.back());
     }
   }
 
   void add_text(const lysc_type *type) {
     const auto &text = as<lysc_type_str>(type);
-    std::vector<std::string> candidates = fitting(text, false);
-    candidates.insert(candidates.end(), std::begin(usual_texts), std::end(usual_texts));
+    std::vector<std::string> candidates = pattern_matches(text, false);
+    candidates.insert(candidates.end(), std::begin(common_strings), std::end(common_strings));
     const uint64_t shortest = text.length != nullptr ? text.length->parts[0].min_u64 : 0;
     candidates.emplace_back(std::min(shortest, longest_text), 'a');
-    keep_first_valid(candidates);
+    add_first_valid(candidates);
     if (is_thorough_) {
       const uint64_t longest = text.length != nullptr ? array_items(text.length->parts).back()->max_u64 : 0;
-      keep_first_valid({std::string(std::min(shortest, longest_text), 'a')});
-      keep_first_valid({std::string(std::min(longest, longest_text), 'a')});
-      keep_first_valid({text_to_escape});
+      add_first_valid({std::string(std::min(shortest, longest_text), 'a')});
+      add_first_valid({std::string(std::min(longest, longest_text), 'a')});
+      add_first_valid({text_to_escape});
       std::ranges::stable_sort(candidates, std::ranges::greater(), &std::string::size);
-      keep_first_valid(candidates);
-      keep_first_valid(fitting(text, true));
+      add_first_valid(candidates);
+      add_first_valid(pattern_matches(text, true));
     }
   }
 
-  // Likely to fit the patterns of the type.
-  static std::vector<std::string> fitting(const lysc_type_str &type, bool last_of_class) {
+  // Strings that probably match the patterns of the type.
+  static std::vector<std::string> pattern_matches(const lysc_type_str &type, bool last_of_class) {
     std::vector<std::string> found;
     for (const auto *pattern : array_items(type.patterns)) {
       if ((*pattern)->inverted == 0) {
@@ -177,9 +177,9 @@ class sampler {
     return found;
   }
 
-  // Zeros in base64, and a node that is there in any case.
-  std::vector<std::string> usual_values(const lysc_type *type) const {
-    std::vector<std::string> found(std::begin(usual_texts), std::end(usual_texts));
+  // Common strings, zeros in base64, and the path of a node that exists.
+  std::vector<std::string> common_values(const lysc_type *type) const {
+    std::vector<std::string> found(std::begin(common_strings), std::end(common_strings));
     const lysc_range *length = type->basetype == LY_TYPE_BINARY ? as<lysc_type_bin>(type).length : nullptr;
     if (length != nullptr) {
       const uint64_t bytes = std::min(length->parts[0].min_u64, longest_text);
@@ -201,9 +201,9 @@ class sampler {
 };
 
 std::vector<std::string> samples(const schema &modules, const lysc_node *leaf, bool is_thorough) {
-  sampler values(modules, leaf, is_thorough);
-  values.add(type_of(leaf));
-  return values.take();
+  sampler collected(modules, leaf, is_thorough);
+  collected.add(type_of(leaf));
+  return collected.values();
 }
 
 }  // namespace

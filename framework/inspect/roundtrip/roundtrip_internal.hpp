@@ -1,4 +1,4 @@
-// What the checks of the laws share.
+// What the checks of the round-trip properties share.
 #pragma once
 
 #include <functional>
@@ -15,24 +15,24 @@
 
 namespace yfw {
 
-// Collects what the checks find, and holds what they need.
-class law_bench {
+// One run of all checks: what they need, and the differences and counts that they add.
+class roundtrip_run {
  public:
-  law_bench(const schema &modules_in_force, const plugin &checked, trace_log &trace)
+  roundtrip_run(const schema &modules_in_force, const plugin &checked, trace_log &trace)
       : modules(modules_in_force), mapping(checked), log(trace) {
-    result.counts.resize(std::size(all_laws));
+    result.counts.resize(std::size(all_properties));
   }
 
-  law_count &count(law which) {
+  property_count &count(property which) {
     return result.counts[static_cast<size_t>(which)];
   }
 
-  void report(law which, const lysc_node *leaf, const std::optional<std::string> &value, std::string what,
+  void report(property which, const lysc_node *leaf, const std::optional<std::string> &value, std::string what,
               std::string tree) {
-    result.broken.push_back({which, path(leaf), value, std::move(what), std::move(tree)});
+    result.differences.push_back({which, path(leaf), value, std::move(what), std::move(tree)});
   }
 
-  // The steps to a node, with samples as keys. Throws `error` when a key has none.
+  // The steps to a node, with sample keys. Throws `error` when a key has no sample value.
   std::vector<path_step> steps_to(const lysc_node *node) const;
 
   mapping_service service(native_device &device) const {
@@ -45,13 +45,14 @@ class law_bench {
   roundtrip result;
 };
 
-// The values of all leaves of a tree but keys, in order.
+// The values of all leaves of a tree except keys, in document order.
 std::vector<std::string> values_of(const data_tree &tree);
 
-// Laws of a configuration leaf of the client's model. `others` are those that may stand beside it.
-void check_client_leaf(law_bench &bench, const lysc_node *leaf, const std::vector<const lysc_node *> &others);
+// Checks set-get, delete-get and absent-get of a configuration leaf of the client model. `others`: the leaves that
+// absent-get may set beside it.
+void check_client_leaf(roundtrip_run &run, const lysc_node *leaf, const std::vector<const lysc_node *> &others);
 
-// The law of a native leaf.
-void check_native_leaf(law_bench &bench, const lysc_node *leaf);
+// Checks native-stable of a native leaf.
+void check_native_leaf(roundtrip_run &run, const lysc_node *leaf);
 
 }  // namespace yfw

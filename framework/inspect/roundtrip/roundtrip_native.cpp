@@ -1,4 +1,4 @@
-// From native data to the client's model and back.
+// The property of native leaves: from native data to the client model and back.
 #include <sstream>
 
 #include "roundtrip_internal.hpp"
@@ -13,7 +13,7 @@ void require_valid(const data_node *first, const schema &modules) {
   for (const data_node *group = first; group != nullptr; group = group->next) {
     for (const data_node *node = group; node != nullptr; node = node->next_entry) {
       if (const auto value = node->value; value && !modules.check_value(node->schema, *value).ok) {
-        throw error("reports " + in_quotes(*value) + " as '" + path(node->schema) + "', which has no such value");
+        throw error("reports " + in_quotes(*value) + ", an invalid value, as '" + path(node->schema) + "'");
       }
       require_valid(node->first_child, modules);
     }
@@ -22,46 +22,46 @@ void require_valid(const data_node *first, const schema &modules) {
 
 class native_check {
  public:
-  native_check(law_bench &bench, const lysc_node *leaf) : bench_(bench), leaf_(leaf), steps_(bench.steps_to(leaf)) {}
+  native_check(roundtrip_run &run, const lysc_node *leaf) : run_(run), leaf_(leaf), steps_(run.steps_to(leaf)) {}
 
   void check(const std::string &value) {
-    ++bench_.count(law::native_stable).tried;
-    document native = request_for(steps_, bench_.modules, no_operation, value);
+    ++run_.count(property::native_stable).tried;
+    document native = request_for(steps_, run_.modules, no_operation, value);
     std::optional<reply> all, config;
     try {
-      all = translate_reply(native, bench_.mapping, {.wanted = content::all, .checks_values = false}, bench_.log);
-      config = translate_reply(native, bench_.mapping, {.wanted = content::config, .checks_values = false}, bench_.log);
+      all = translate_reply(native, run_.mapping, {.wanted = content::all, .checks_values = false}, run_.log);
+      config = translate_reply(native, run_.mapping, {.wanted = content::config, .checks_values = false}, run_.log);
     } catch (const error &) {
-      ++bench_.count(law::native_stable).refused;
+      ++run_.count(property::native_stable).rejected;
       return;
     }
     try {
-      require_valid(all->data.first(), bench_.modules);
+      require_valid(all->data.first(), run_.modules);
       require_same(value, *config);
     } catch (const error &fault) {
-      bench_.report(law::native_stable, leaf_, value, fault.text(),
-                    text_for(steps_, bench_.modules, no_operation, value));
+      run_.report(property::native_stable, leaf_, value, fault.text(),
+                  text_for(steps_, run_.modules, no_operation, value));
     }
   }
 
  private:
-  // Operational state only goes to the client.
+  // Operational state is only reported.
   void require_same(const std::string &value, const reply &reported) {
     if (!is_config(leaf_)) {
       return;
     }
-    const std::string left_out = reported.notes.empty() ? "" : "; it " + one_line(reported.notes.front().text);
-    memory_device again(bench_.modules);
+    const std::string warning = reported.notes.empty() ? "" : "; it " + one_line(reported.notes.front().text);
+    memory_device again(run_.modules);
     if (!leaves_of(reported.data).empty()) {
       std::ostringstream text;
       write_json(text, reported.data);
-      document edit = document::read(text.str(), "", bench_.modules);
-      (void)bench_.service(again).edit(edit, bare_request(edit, client_operation::edit));
+      document edit = document::read(text.str(), "", run_.modules);
+      (void)run_.service(again).edit(edit, bare_request(edit, client_operation::edit));
     }
     const std::vector<std::string> got = stored(again);
-    if (got != std::vector{bench_.modules.check_value(leaf_, value).canonical}) {
+    if (got != std::vector{run_.modules.check_value(leaf_, value).canonical}) {
       throw error("becomes " + (got.empty() ? "nothing" : in_quotes(got.front())) + " when a client sets what it read" +
-                  left_out);
+                  warning);
     }
   }
 
@@ -70,16 +70,16 @@ class native_check {
     return values_of(native.select({&read, 1}));
   }
 
-  law_bench &bench_;
+  roundtrip_run &run_;
   const lysc_node *leaf_;
   const std::vector<path_step> steps_;
 };
 
 }  // namespace
 
-void check_native_leaf(law_bench &bench, const lysc_node *leaf) {
-  native_check checks(bench, leaf);
-  for (const std::string &value : thorough_values(bench.modules, leaf)) {
+void check_native_leaf(roundtrip_run &run, const lysc_node *leaf) {
+  native_check checks(run, leaf);
+  for (const std::string &value : thorough_values(run.modules, leaf)) {
     checks.check(value);
   }
 }

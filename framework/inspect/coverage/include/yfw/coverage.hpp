@@ -1,4 +1,4 @@
-// What a mapping does with every leaf of its models, measured by calling the plug-in with trees of one leaf.
+// What a mapping does with every leaf of its models, measured by calling the plug-in with data trees of one leaf.
 #pragma once
 
 #include <array>
@@ -15,26 +15,26 @@
 
 namespace yfw {
 
-// Of a leaf of the high model all four. Of a native leaf `get` is a reply with all data, `get_config` one with
-// configuration only, and the other two are not there.
+// For a leaf of the client model all four. For a native leaf `get` is a reply with all data and `get_config` one with
+// configuration only; there is no `set` and no `remove`.
 enum class leaf_operation { get_config, get, set, remove };
 
 enum class mapping_state {
-  mapped,               // every value that was tried reaches one path
-  mapped_to_several,    // and more than one
-  refused_value,        // some of the values do not
-  unmapped_with_error,  // none does, and the plug-in says so
-  unmapped_silently,    // none does, without a word
-  not_probed,           // no value of the leaf's type is known to try
+  mapped,      // every sample value reaches one path
+  multiple,    // every sample value reaches a path, and more than one path is reached
+  partial,     // some sample values reach a path
+  rejected,    // none does, and the plug-in reports an error
+  unmapped,    // none does, without an error
+  not_probed,  // no sample value of the leaf's type is known
 };
 
-// The words that reports use: "get-config", "delete"; "mapped-to-several".
+// The names in reports: "get-config", "delete"; "not-probed".
 std::string_view to_string(leaf_operation operation);
 std::string_view to_string(mapping_state state);
 
-// What a probe caused: a native read, set or delete of a request; a leaf of the high model that a reply reports or,
-// since the native leaf is there, no longer reports.
-enum class effect_kind { read, set, remove, report, withdraw };
+// The effect of a probe: a native read, set or delete of a request; a client leaf that a reply reports or, because the
+// native leaf is present, no longer reports.
+enum class effect_kind { read, set, remove, report, retract };
 
 std::string_view to_string(effect_kind kind);
 
@@ -47,29 +47,29 @@ struct probe_effect {
 };
 
 struct leaf_probe {
-  std::optional<std::string> value;   // what was tried; none in a request that reads or deletes
+  std::optional<std::string> value;   // the sample value; none in a request that reads or deletes
   std::vector<probe_effect> effects;  // in the order of the plug-in's calls, each once
-  std::string refusal;                // why the plug-in does not take it; empty when it does, or says nothing
+  std::string rejection;              // the plug-in's error; empty when there is none
 
   bool is_mapped() const {
-    return refusal.empty() && !effects.empty();
+    return rejection.empty() && !effects.empty();
   }
 };
 
 struct coverage_cell {
   leaf_operation operation;
-  bool is_allowed;  // by the model: state is not configured, and a key is not deleted
+  bool is_allowed;  // by the model: operational state is not edited, a key is not deleted
   mapping_state state;
   std::vector<leaf_probe> probes;
-  std::string reason;  // why it is not mapped, or not probed; empty for a silence
+  std::string reason;  // why it is not mapped, or not probed; empty when no error says so
 
   bool is_mapped() const {
-    return state == mapping_state::mapped || state == mapping_state::mapped_to_several;
+    return state == mapping_state::mapped || state == mapping_state::multiple;
   }
   bool is_missing() const {
     return is_allowed && !is_mapped();
   }
-  // The distinct nodes that the probes reached, in the order of the calls.
+  // The distinct nodes that the probes reached, in the order of the plug-in's calls.
   std::vector<const lysc_node *> targets() const;
 };
 
@@ -81,10 +81,9 @@ struct coverage_row {
 };
 
 struct coverage {
-  std::vector<coverage_row> high;    // leaves that entry points for requests serve, in the order of the modules
-  std::vector<coverage_row> native;  // and those for replies
-  // The native leaves that a read of everything asks for.
-  std::vector<const lysc_node *> asked_for;
+  std::vector<coverage_row> client;  // leaves that entry points for requests serve, in the order of the modules
+  std::vector<coverage_row> native;  // leaves that entry points for replies serve
+  std::vector<const lysc_node *> read_by_default;  // the native leaves that a read without a filter reads
 };
 
 // Pairs of a leaf and an operation that the model allows.

@@ -1,4 +1,5 @@
-// Laws that a mapping keeps when it is used there and back, checked on an embedded device with trees of one leaf.
+// Properties of a mapping that is used in one direction and back, checked on a device in memory with data trees of one
+// leaf.
 #pragma once
 
 #include <optional>
@@ -13,62 +14,62 @@
 
 namespace yfw {
 
-// See docs/known-losses.md.
-enum class law { set_get, delete_get, absent_get, native_stable, read_answered };
+// The round-trip properties of docs/accepted-differences.md.
+enum class property { set_get, delete_get, absent_get, native_stable, read_answered };
 
-inline constexpr law all_laws[] = {law::set_get, law::delete_get, law::absent_get, law::native_stable,
-                                   law::read_answered};
+inline constexpr property all_properties[] = {property::set_get, property::delete_get, property::absent_get,
+                                              property::native_stable, property::read_answered};
 
 // "set-get"
-std::string_view to_string(law which);
+std::string_view to_string(property which);
 
-// A law that does not hold for a leaf with a value.
-struct broken_law {
-  law which;
-  std::string path;                  // of the schema node, with plain names
-  std::optional<std::string> value;  // none where the law is of the leaf and not of a value
+// A leaf and value for which a property does not hold.
+struct roundtrip_difference {
+  property which;
+  std::string path;                  // schema path with plain names
+  std::optional<std::string> value;  // none when the property is one of the leaf and not of a value
   std::string what;                  // what happens instead
-  std::string tree;                  // the smallest data that shows it (RFC 7951), of the client's or the native model
+  std::string tree;                  // the smallest data that shows it (RFC 7951), of the client or the native model
 };
 
-struct law_count {
-  size_t tried = 0;    // trees that the law was checked with
-  size_t refused = 0;  // of these, such as are refused with an error: no loss, since somebody is told
+struct property_count {
+  size_t tried = 0;     // data trees that the property was checked with
+  size_t rejected = 0;  // those of them that are rejected with an error, which is not a difference
 };
 
-// What becomes of operational state, which goes one way: of the values that were tried, how many tell a client
-// something, are left out of the reply with a note, and are passed over without one.
-struct state_count {
+// Values of operational state, which is only reported.
+struct state_counts {
   size_t tried = 0;
-  size_t reported = 0;
-  size_t left_out = 0;
-  size_t passed_over = 0;
+  size_t reported = 0;  // change what a client reads
+  size_t omitted = 0;   // are omitted from the reply with a warning, or the reply is rejected
+  size_t ignored = 0;   // have no effect and no warning
 };
 
 struct roundtrip {
-  std::vector<broken_law> broken;
-  std::vector<law_count> counts;  // by law
-  state_count state;
-  std::vector<std::string> not_tried;  // leaves for which no tree could be made, and why
+  std::vector<roundtrip_difference> differences;
+  std::vector<property_count> counts;  // by property
+  state_counts state;
+  std::vector<std::string> not_tried;  // leaves for which no data tree could be built, and why
 };
 
 // Checks all leaves that the entry points serve, with every enumeration value, identity and boolean, both ends of
-// ranges, and several texts that fit lengths and patterns.
+// ranges, and several strings that match lengths and patterns.
 roundtrip check_roundtrip(const schema &modules, const plugin &mapping, trace_log &log,
                           const progress_report &report = {});
 
-// A loss that was reviewed and is accepted.
-struct known_loss {
-  law which;
+// A difference that was reviewed and is accepted.
+struct accepted_difference {
+  property which;
   std::string path;
   std::string value;  // "*": any value or none
   std::string reason;
   unsigned line;  // in the file
 
-  bool covers(const broken_law &loss) const;
+  bool covers(const roundtrip_difference &found) const;
 };
 
-// Reads a file of known losses. `file` is for messages. Throws `error`, with its line, for a line that is none.
-std::vector<known_loss> read_known_losses(std::string_view text, const std::string &file);
+// Reads a file of accepted differences. `file` is for messages. Throws `error`, with the line number, for an invalid
+// line.
+std::vector<accepted_difference> read_accepted_differences(std::string_view text, const std::string &file);
 
 }  // namespace yfw

@@ -1,4 +1,4 @@
-// The probes of one leaf: what comes of it in a request, and in a reply.
+// The probes of one leaf, in requests and in replies.
 #pragma once
 
 #include <map>
@@ -8,17 +8,17 @@
 
 namespace yfw {
 
-// Asks a plug-in for each operation on a leaf of the high model.
-coverage_row probe_high_leaf(const schema &modules, const lysc_node *leaf, const plugin &mapping, trace_log &log);
+// Calls a plug-in with each operation on a leaf of the client model.
+coverage_row probe_client_leaf(const schema &modules, const lysc_node *leaf, const plugin &mapping, trace_log &log);
 
-// Lets a plug-in translate replies that hold one native leaf. What is reported is compared with what is reported of the
-// same list entry without the leaf.
+// Calls a plug-in with replies that contain one native leaf. The effects are the differences between what is reported
+// for them and for the same list entry without the leaf.
 coverage_row probe_native_leaf(const schema &modules, const lysc_node *leaf, const plugin &mapping, trace_log &log);
 
-// What a plug-in answers when it does not take a request: status, tag, text. Empty when it takes it.
+// The plug-in's error for a request: status, rejected tag, text. Empty when it succeeded.
 std::string answer_text(const probe_outcome &outcome);
 
-// The state that the probes come to.
-void judge(coverage_cell &cell);
+// Sets the state and reason that follow from the probes.
+void set_state(coverage_cell &cell);
 
 }  // namespace yfw

@@ -12,14 +12,14 @@
 
 namespace yfw {
 
-// A path with a value for each key: given ones, or samples.
+// A path with a value for each key: given or sample keys.
 struct full_path {
   std::vector<path_step> steps;
-  std::vector<std::string> made_up_keys;
+  std::vector<std::string> sample_keys;
 };
 
-// Throws `error` for a path that the modules do not have, and for one that may mean nodes of several modules none of
-// which, or more than one, is served.
+// Throws `error` for a path that is not in the modules, and for an ambiguous one: it matches nodes of several modules,
+// of which none or more than one is served.
 full_path complete_path(std::string_view path, const schema &modules, const manifest &description);
 full_path complete_path(const lysc_node *node, const schema &modules);
 
@@ -27,11 +27,11 @@ full_path complete_path(const lysc_node *node, const schema &modules);
 bool serves_model_of(const manifest &description, direction dir, const lysc_node *node, const schema &modules);
 bool serves_model_of(const manifest &description, const lysc_node *node, const schema &modules);
 
-// Does some work with a trace log of its own, and passes on to `log` what it wrote.
-std::vector<traced_function> traced(trace_log &log, const std::function<void(trace_log &)> &work);
+// Runs `work` with a trace log of its own, copies its lines to `log`, and returns the functions in them.
+std::vector<traced_function> trace_functions(trace_log &log, const std::function<void(trace_log &)> &work);
 
-// Adds the hand-written function of the leaf when it left no trace itself: the one that a generated body calls, or a
-// walker. `has_function` tells whether the plug-in has one of that name.
+// Adds the custom function of the leaf when it left no trace: the one that a generated body or a walker calls.
+// `has_function` returns whether the plug-in has a function of that name.
 void add_untraced(std::vector<traced_function> &walk, const lysc_node *leaf,
                   const std::function<bool(const std::string &)> &has_function);
 

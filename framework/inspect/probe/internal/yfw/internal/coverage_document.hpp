@@ -1,4 +1,4 @@
-// Documents of one leaf, made to be probed with.
+// Documents with one leaf, for probes.
 #pragma once
 
 #include <optional>
@@ -10,21 +10,21 @@ namespace yfw {
 
 class one_leaf_document {
  public:
-  // A document that holds the leaf without a value, in entries of the lists above it that have sample values as keys.
-  // Unless the leaf is itself a key of a list, `without_leaf` leaves it out. Throws `error` when a key has no sample.
+  // A document with the leaf, without a value, in list entries with sample keys. `without_leaf` omits the leaf, unless
+  // it is a key. Throws `error` when a key has no sample value.
   one_leaf_document(const schema &modules, const lysc_node *leaf, bool without_leaf = false);
 
   document &text() {
     return document_;
   }
 
-  // Gives the leaf a value, or none. The nodes above it stay as they are.
+  // Sets or clears the value of the leaf. The nodes above it are unchanged.
   void set_value(const std::optional<std::string> &value);
 
-  // Gives the leaf an explicit operation, YFW_OPERATION_…
+  // Sets the edit operation of the leaf, YFW_OPERATION_…
   void set_operation(uint8_t operation);
 
-  // Whether that node of the document is the leaf.
+  // Whether the node of this document is the leaf.
   bool is_leaf_itself(const yfw_node_t *node) const {
     return node == leaf_;
   }

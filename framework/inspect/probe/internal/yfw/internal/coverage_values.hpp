@@ -1,4 +1,4 @@
-// Values to try a leaf with.
+// Sample values of a leaf.
 #pragma once
 
 #include <string>
@@ -9,16 +9,16 @@
 
 namespace yfw {
 
-// Valid values of a leaf: all names that its type has, both ends of its ranges, one text that fits its patterns. Empty
-// when no such value was found.
+// Valid values of a leaf: all enumeration values, identities and booleans of its type, both ends of its ranges, one
+// string that matches its patterns. Empty when none was found.
 std::vector<std::string> sample_values(const schema &modules, const lysc_node *leaf);
 
-// These, and of texts more: the bounds of their length, a long one and one of other characters that fit the patterns,
-// and one with what XML, JSON and paths must escape.
+// The same, and more strings: of the shortest and the longest length, a long one, one of other characters that match
+// the patterns, and one with characters that XML, JSON and paths must escape.
 std::vector<std::string> thorough_values(const schema &modules, const lysc_node *leaf);
 
-// Texts that are likely to match a pattern of YANG (the regular expressions of XML Schema), shortest first. Of a class
-// of characters they have the first one or, with `last_of_class`, the last one.
+// Strings that probably match a YANG pattern (a regular expression of XML Schema), shortest first. They contain the
+// first character of each class or, with `last_of_class`, the last one.
 std::vector<std::string> pattern_samples(std::string_view pattern, bool last_of_class = false);
 
 }  // namespace yfw

@@ -1,7 +1,7 @@
-// Hand-written functions with the faults that `ymap check` is there for.
+// Custom functions with the faults that `ymap check` finds.
 #include "yfw.h"
 
-// The record layout that this was compiled for, and a version that no framework has.
+// The ABI version that this was compiled for: one that no framework has.
 __attribute__((section("ymap.abi"), used)) static const char abi_version[] = "99";
 
 static unsigned calls_so_far = 0;
