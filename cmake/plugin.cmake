@@ -8,7 +8,7 @@ function(ymap_plugin name manifest)
   target_link_libraries(${name} PRIVATE ymap::ymap_frame)
   target_include_directories(${name} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR}/include)
   target_compile_options(${name} PRIVATE -fno-exceptions -fno-rtti)
-  # Each source is an object of its own: in one, a body by hand and the weak alias that it replaces would clash.
+  # Each source is an object of its own: in one, a custom function and the weak alias that it overrides would clash.
   set_target_properties(${name} PROPERTIES CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON UNITY_BUILD OFF
     LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib/ymap)
   target_link_options(${name} PRIVATE -Wl,-Bsymbolic -Wl,-z,relro,-z,now)

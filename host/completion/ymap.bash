@@ -1,4 +1,4 @@
-# Completion of ymap for bash. Commands, options and their words are read from `ymap --help`, so that they
+# Completion of ymap for bash. Commands, options and their values are read from `ymap --help`, so that they
 # are those of the installed program.
 
 # The commands, one a line.
@@ -13,7 +13,7 @@ _ymap_options() {
 
 _ymap() {
   local program=$1 word=$2 before=$3 command='' option i
-  # After `record DIR --` stands another command.
+  # `record DIR --` is followed by another command.
   for ((i = 1; i < COMP_CWORD; i++)); do
     case ${COMP_WORDS[i]} in
       --) command='' ;;

@@ -12,7 +12,7 @@
 namespace ymap {
 namespace {
 
-constexpr const char *about_check =
+constexpr const char *check_help =
     "Examples:\n"
     "  ymap check build/lib/ymap/libymap_oc_ethernet.so\n"
     "  ymap check --format json libymap_oc_ethernet.so | jq '.findings[] | select(.level != \"ok\")'\n\n"
@@ -143,7 +143,7 @@ void run(const check_options &options) {
 
 void add_check(CLI::App &app) {
   CLI::App &command = *app.add_subcommand("check", "Check a plug-in's library without loading it.");
-  command.footer(about_check);
+  command.footer(check_help);
   const auto options = std::make_shared<check_options>();
   command.add_option("PLUGIN", options->library, "the plug-in's shared library")->required()->check(empty_name_error);
   add_format(command, options->as_json);

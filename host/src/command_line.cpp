@@ -15,7 +15,7 @@
 namespace ymap {
 namespace {
 
-constexpr const char *about =
+constexpr const char *description =
     "ymap translates between a client model, such as OpenConfig, and the native models of a device,\n"
     "and measures and checks the mapping between them: a plug-in, which is a shared library with a\n"
     "manifest beside it.";
@@ -142,7 +142,7 @@ int parse(CLI::App &app, int argc, char **argv) {
 }  // namespace
 
 int run_command_line(int argc, char **argv) {
-  CLI::App app(about, "ymap");
+  CLI::App app(description, "ymap");
   app.footer(examples);
   app.set_version_flag("--version", "ymap " YMAP_VERSION " (ABI " + std::to_string(YFW_ABI_VERSION) + ")");
   app.require_subcommand(1);

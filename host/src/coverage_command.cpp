@@ -13,7 +13,7 @@
 namespace ymap {
 namespace {
 
-constexpr const char *about_coverage =
+constexpr const char *coverage_help =
     "Examples:\n"
     "  ymap coverage --missing\n"
     "  ymap coverage --yang ~/models/openconfig\n"
@@ -100,7 +100,7 @@ void run(const coverage_options &options) {
 
 void add_coverage(CLI::App &app) {
   CLI::App &command = *app.add_subcommand("coverage", "Measure what a mapping does with every leaf.");
-  command.footer(about_coverage);
+  command.footer(coverage_help);
   const auto options = std::make_shared<coverage_options>();
   add_setup(command, options->setup);
   CLI::Option *missing =

@@ -4,7 +4,7 @@
 namespace ymap {
 namespace {
 
-// Within a script element of HTML, text must not hold "<": no "</script>" and no "<!--" can then be in it.
+// JSON without "<", so that it contains neither "</script>" nor "<!--" within a script element.
 std::string without_markup(const std::string &json) {
   std::string text;
   for (const char c : json) {
@@ -20,9 +20,9 @@ std::string without_markup(const std::string &json) {
 }  // namespace
 
 std::string coverage_as_html(const coverage_view &view) {
-  constexpr std::string_view hole = "@MEASUREMENT@";
+  constexpr std::string_view placeholder = "@MEASUREMENT@";
   std::string page = coverage_page;
-  return page.replace(page.find(hole), hole.size(), without_markup(coverage_as_json(view)));
+  return page.replace(page.find(placeholder), placeholder.size(), without_markup(coverage_as_json(view)));
 }
 
 }  // namespace ymap

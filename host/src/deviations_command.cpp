@@ -13,7 +13,7 @@
 namespace ymap {
 namespace {
 
-constexpr const char *about_deviations =
+constexpr const char *deviations_help =
     "Examples:\n"
     "  ymap deviations > acme-ethernet-deviations.yang\n"
     "  ymap deviations --name acme-ethernet-deviations --namespace urn:acme:ethernet-deviations\n"
@@ -131,7 +131,7 @@ void run(const deviations_options &options) {
 
 void add_deviations(CLI::App &app) {
   CLI::App &command = *app.add_subcommand("deviations", "Write the YANG deviation module of a mapping.");
-  command.footer(about_deviations);
+  command.footer(deviations_help);
   const auto options = std::make_shared<deviations_options>();
   add_setup(command, options->setup);
   CLI::Option *name = command

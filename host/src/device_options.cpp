@@ -8,14 +8,14 @@
 
 namespace ymap {
 
-void add_device_options(CLI::App &command, device_options &options, const std::string &about_to) {
+void add_device_options(CLI::App &command, device_options &options, const std::string &to_help) {
   command
       .add_option("--device", options.device, "the device: a file of native data, configuration and operational state")
       ->required()
       ->type_name("FILE")
       ->check(empty_name_error);
   add_setup(command, options.setup);
-  add_choice<yfw::data_format>(command, "--to", about_to,
+  add_choice<yfw::data_format>(command, "--to", to_help,
                                {{"xml", yfw::data_format::xml}, {"json", yfw::data_format::json}},
                                [&options](yfw::data_format format) { options.to = format; });
 }

@@ -17,8 +17,8 @@ struct device_options {
   std::optional<yfw::data_format> to;
 };
 
-// Adds them to a command; `about_to` is the help of --to. `options` must live until the command has run.
-void add_device_options(CLI::App &command, device_options &options, const std::string &about_to);
+// Adds them to a command; `to_help` is the help of --to. `options` must live until the command has run.
+void add_device_options(CLI::App &command, device_options &options, const std::string &to_help);
 
 // Runs `work` with the modules and plug-in of the options. With --to, an error is printed as an rpc-error on standard
 // output.

@@ -12,7 +12,7 @@
 namespace ymap {
 namespace {
 
-constexpr const char *about_set =
+constexpr const char *set_help =
     "Example:\n"
     "  ymap set --device device.xml --dry-run \\\n"
     "    \"/interfaces/interface[name='GigabitEthernet0/0/0/1']/ethernet/config/port-speed\" SPEED_1GB\n\n"
@@ -20,14 +20,14 @@ constexpr const char *about_set =
     "--verbose print the native nodes that are created (+), deleted (-) or changed (~). The file is\n"
     "replaced atomically.";
 
-constexpr const char *about_delete =
+constexpr const char *delete_help =
     "Example:\n"
     "  ymap delete --device device.xml \\\n"
     "    \"/interfaces/interface[name='GigabitEthernet0/0/0/1']/ethernet/config/mac-address\"\n\n"
     "PATH names a leaf or container of the client model, with the keys of all lists above it. The\n"
     "node must exist, except with --operation remove.";
 
-constexpr const char *about_edit =
+constexpr const char *edit_help =
     "Example:\n"
     "  ymap edit --device device.xml --dry-run examples/set-speed.xml\n\n"
     "FILE is XML or RFC 7951 JSON: a NETCONF <rpc> with <edit-config>, or a bare data tree, which is\n"
@@ -111,7 +111,7 @@ void add_operation(CLI::App &command, edit_options &options, const std::string &
 
 void add_set(CLI::App &app) {
   CLI::App &command = *app.add_subcommand("set", "Set a leaf of the client model on the device.");
-  command.footer(about_set);
+  command.footer(set_help);
   const auto options = std::make_shared<edit_options>();
   command.add_option("PATH", options->what, "the leaf")->required()->type_name("")->check(empty_name_error);
   command.add_option("VALUE", options->value, "its value")->required()->type_name("");
@@ -123,7 +123,7 @@ void add_set(CLI::App &app) {
 
 void add_delete(CLI::App &app) {
   CLI::App &command = *app.add_subcommand("delete", "Delete a leaf or container of the client model on the device.");
-  command.footer(about_delete);
+  command.footer(delete_help);
   const auto options = std::make_shared<edit_options>();
   options->operation = YFW_OPERATION_DELETE;
   command.add_option("PATH", options->what, "the leaf or container")
@@ -138,7 +138,7 @@ void add_delete(CLI::App &app) {
 
 void add_edit(CLI::App &app) {
   CLI::App &command = *app.add_subcommand("edit", "Apply an edit-config to the device.");
-  command.footer(about_edit);
+  command.footer(edit_help);
   const auto options = std::make_shared<edit_options>();
   command.add_option("FILE", options->what, "the edit, '-' for standard input")->required()->check(empty_name_error);
   add_edit_options(command, *options);

@@ -8,7 +8,7 @@
 namespace ymap {
 namespace {
 
-constexpr const char *about_explain =
+constexpr const char *explain_help =
     "Examples:\n"
     "  ymap explain /interfaces/interface/ethernet/config/port-speed\n"
     "  ymap explain --operation set --value SPEED_10GB \\\n"
@@ -37,7 +37,7 @@ void run(const explain_command_options &options) {
 
 void add_explain(CLI::App &app) {
   CLI::App &command = *app.add_subcommand("explain", "Show what a mapping does with one leaf, and in which functions.");
-  command.footer(about_explain);
+  command.footer(explain_help);
   const auto options = std::make_shared<explain_command_options>();
   command.add_option("PATH", options->path, "the leaf")->required()->check(empty_name_error);
   add_setup(command, options->setup);

@@ -14,7 +14,7 @@
 namespace ymap {
 namespace {
 
-constexpr const char *about_get =
+constexpr const char *get_help =
     "Examples:\n"
     "  ymap get --device examples/device.xml /interfaces/interface/ethernet/config\n"
     "  ymap get --device examples/device.xml --to json \\\n"
@@ -83,7 +83,7 @@ void run(const get_options &options) {
 
 void add_get(CLI::App &app) {
   CLI::App &command = *app.add_subcommand("get", "Read from the device in the client model.");
-  command.footer(about_get);
+  command.footer(get_help);
   const auto options = std::make_shared<get_options>();
   command.add_option("XPATH", options->xpath, "the nodes to read")->type_name("")->check(empty_name_error);
   command.add_option("--filter", options->filter, "a subtree filter instead, '-' for standard input")

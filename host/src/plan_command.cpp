@@ -14,7 +14,7 @@
 namespace ymap {
 namespace {
 
-constexpr const char *about_plan =
+constexpr const char *plan_help =
     "Examples:\n"
     "  ymap plan examples/set-speed.xml\n"
     "  ymap plan --format json examples/set-mac.json\n\n"
@@ -160,7 +160,7 @@ void run(const plan_options &options) {
 
 void add_plan(CLI::App &app) {
   CLI::App &command = *app.add_subcommand("plan", "Show the native edits that an edit causes, and all its errors.");
-  command.footer(about_plan);
+  command.footer(plan_help);
   const auto options = std::make_shared<plan_options>();
   command.add_option("FILE", options->file, "the edit, '-' for standard input")->required()->check(empty_name_error);
   add_setup(command, options->setup);

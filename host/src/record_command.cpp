@@ -10,7 +10,7 @@
 namespace ymap {
 namespace {
 
-constexpr const char *about_record =
+constexpr const char *record_help =
     "Examples:\n"
     "  ymap record captures -- request examples/set-speed.xml\n"
     "  ymap record --anonymise captures -- reply examples/reply.xml\n"
@@ -59,7 +59,7 @@ void run(const CLI::App &app, const record_options &options) {
 
 void add_record(CLI::App &app) {
   CLI::App &command = *app.add_subcommand("record", "Run a command and capture each call of the plug-in.");
-  command.footer(about_record);
+  command.footer(record_help);
   const auto options = std::make_shared<record_options>();
   command.add_option("DIR", options->directory, "the directory for the captures; created if it does not exist")
       ->required()

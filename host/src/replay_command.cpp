@@ -17,7 +17,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char *about_replay =
+constexpr const char *replay_help =
     "Examples:\n"
     "  ymap replay captures\n"
     "  ymap replay --plugin build/libymap_oc_ethernet.so captures/0001-*.capture\n"
@@ -137,7 +137,7 @@ void run(const replay_options &options) {
 
 void add_replay(CLI::App &app) {
   CLI::App &command = *app.add_subcommand("replay", "Replay captures and print the first difference.");
-  command.footer(about_replay);
+  command.footer(replay_help);
   const auto options = std::make_shared<replay_options>();
   command.add_option("DIR", options->from, "directories of captures, or single captures")
       ->required()

@@ -10,7 +10,7 @@
 namespace ymap {
 namespace {
 
-constexpr const char *about_reply =
+constexpr const char *reply_help =
     "Examples:\n"
     "  ymap reply --to json examples/reply.xml\n"
     "  ymap reply --content nonconfig --entry GigabitEthernet0/0/0/1 examples/reply.xml\n\n"
@@ -39,7 +39,7 @@ void run(const reply_command_options &options) {
 
 void add_reply(CLI::App &app) {
   CLI::App &command = *app.add_subcommand("reply", "Translate native data into data of the client model.");
-  command.footer(about_reply);
+  command.footer(reply_help);
   const auto options = std::make_shared<reply_command_options>();
   command.add_option("FILE", options->file, "the native data, '-' for standard input")
       ->required()

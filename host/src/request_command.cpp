@@ -12,7 +12,7 @@
 namespace ymap {
 namespace {
 
-constexpr const char *about_request =
+constexpr const char *request_help =
     "Examples:\n"
     "  ymap request --to paths examples/set-speed.xml\n"
     "  ymap request --to paths --operation get examples/get-ethernet.json\n"
@@ -123,7 +123,7 @@ void run(const request_options &options) {
 
 void add_request(CLI::App &app) {
   CLI::App &command = *app.add_subcommand("request", "Translate a client's request into native operations.");
-  command.footer(about_request);
+  command.footer(request_help);
   const auto options = std::make_shared<request_options>();
   command.add_option("FILE", options->file, "the request, '-' for standard input")->required()->check(empty_name_error);
   add_setup(command, options->setup);

@@ -16,7 +16,7 @@
 namespace ymap {
 namespace {
 
-constexpr const char *about_roundtrip =
+constexpr const char *roundtrip_help =
     "Examples:\n"
     "  ymap roundtrip\n"
     "  ymap roundtrip --accepted mapping/ethernet/accepted-differences --format json\n\n"
@@ -177,7 +177,7 @@ void run(const roundtrip_options &options) {
 void add_roundtrip(CLI::App &app) {
   CLI::App &command =
       *app.add_subcommand("roundtrip", "Check that values survive the way through both models and back.");
-  command.footer(about_roundtrip);
+  command.footer(roundtrip_help);
   const auto options = std::make_shared<roundtrip_options>();
   add_setup(command, options->setup);
   command.add_option("--accepted", options->accepted, "accepted differences instead of those beside the plug-in")

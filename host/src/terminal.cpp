@@ -41,11 +41,11 @@ bool is_terminal(stream to) {
 }
 
 bool use_colour(stream to) {
-  const char *refused = std::getenv("NO_COLOR");
+  const char *no_colour = std::getenv("NO_COLOR");
   const char *kind = std::getenv("TERM");
-  const bool is_refused = refused != nullptr && *refused != '\0';
+  const bool is_disabled = no_colour != nullptr && *no_colour != '\0';
   const bool is_dumb = kind != nullptr && std::string_view(kind) == "dumb";
-  return is_terminal(to) && !is_refused && !is_dumb;
+  return is_terminal(to) && !is_disabled && !is_dumb;
 }
 
 std::string painted(stream to, colour in, std::string_view text) {

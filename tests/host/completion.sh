@@ -1,9 +1,9 @@
 #!/bin/bash
 # usage: completion.sh
-# Prints what is completed that the help does not tell, or told and not completed; nothing when they agree.
+# Prints the differences between the completed words and those of the help; nothing when there are none.
 source host/completion/ymap.bash
 
-# completed WORD...: what is offered for the last word.
+# completed WORD...: the completions of the last word.
 completed() {
   COMP_WORDS=(ymap "$@")
   COMP_CWORD=$#

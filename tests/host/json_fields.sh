@@ -1,5 +1,5 @@
 #!/bin/sh
-# Prints the members of the JSON reports that docs/json.md leaves out, and those in it that no report has.
+# Prints the members of the JSON reports that docs/json.md does not describe, and those in it that no report has.
 report() {
   ymap "$@" --format json 2>/dev/null
 }
@@ -20,7 +20,7 @@ reports() {
       sh tests/host/sky/ymap-sky.sh explain --value 13 /masts/mast-entry/period --format json ;;
     roundtrip)
       report roundtrip --accepted /dev/null
-      { cat mapping/ethernet/accepted-differences; echo "delete-get /a FULL was so once"; } | report roundtrip --accepted - ;;
+      { cat mapping/ethernet/accepted-differences; echo "delete-get /a FULL no longer"; } | report roundtrip --accepted - ;;
     check) report check "$(dirname "$(command -v ymap)")/../lib/ymap/libymap_misspelt.so" ;;
   esac
 }
@@ -44,6 +44,6 @@ for command in coverage plan explain roundtrip check; do
   documented "$command" | sort -u >"$work/documented"
   reports "$command" | members | sort -u >"$work/written"
   [ -s "$work/written" ] || echo "$command writes nothing"
-  comm -13 "$work/documented" "$work/written" | sed "s/^/$command writes, and docs\/json.md leaves out: /"
+  comm -13 "$work/documented" "$work/written" | sed "s/^/$command writes, and docs\/json.md does not describe: /"
   comm -23 "$work/documented" "$work/written" | sed "s/^/docs\/json.md has, and $command does not write: /"
 done

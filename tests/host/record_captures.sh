@@ -1,10 +1,10 @@
 #!/bin/sh
 # usage: record_captures.sh DIRECTORY
-# Records, in DIRECTORY/NAME, all calls of the mapping for each request, reply and edit below. tests/host/captures is what
-# it writes: they are removed and recorded again only when what the mapping is called with, or does, is to change.
+# Records, in DIRECTORY/NAME, all calls of the mapping for each request, reply and edit below. It wrote tests/host/captures,
+# which are recorded again only when the calls of the mapping or their results are meant to change.
 to=$1
 
-# record NAME COMMAND...: what is refused is recorded, too. Standard input is the command's.
+# record NAME COMMAND...: records the command, rejected or not. Standard input is the command's.
 record() {
   name=$1
   shift
@@ -116,7 +116,7 @@ operational reply-speeds "\"interfaces\": {\"interface\": [$(
   done
 )"'{"interface-name": "Eth0", "mac-info": {"burned-in-mac-address": "02:00:00:00:00:01", "mtu": 1514}}]}'
 
-# Reads of a device, and an edit that depends on nothing that is there.
+# Reads of a device, and an edit that does not depend on its data.
 device=--device=examples/device.xml
 config="/interfaces/interface[name='GigabitEthernet0/0/0/1']/ethernet/config"
 record device-get get $device "/interfaces/interface[name='GigabitEthernet0/0/0/2']/ethernet"

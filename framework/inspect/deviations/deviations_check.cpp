@@ -137,7 +137,7 @@ class deviation_reader {
 
 // The statements that apply to each leaf, as text.
 std::map<const lysc_node *, std::string> statements_by_leaf(const deviations &all, const coverage &of) {
-  std::map<const lysc_node *, std::string> words;
+  std::map<const lysc_node *, std::string> statements;
   for (const deviate_kind kind : {deviate_kind::values, deviate_kind::read_only, deviate_kind::not_supported}) {
     for (const deviation &each : all.statements) {
       for (const coverage_row &row : of.client) {
@@ -153,11 +153,11 @@ std::map<const lysc_node *, std::string> statements_by_leaf(const deviations &al
             text += (text.ends_with("to") ? " " : ", ") + in_quotes(value);
           }
         }
-        words[row.leaf] = text;
+        statements[row.leaf] = text;
       }
     }
   }
-  return words;
+  return statements;
 }
 
 void compare_remarks(const deviations &stated, const deviations &measured, std::vector<std::string> &lines) {
