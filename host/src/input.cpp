@@ -117,7 +117,7 @@ void write_result(const std::string &text, const std::string &done) {
 
 void write_notes(const std::vector<yfw::note> &notes) {
   for (const yfw::note &each : notes) {
-    std::cerr << "ymap: note: " << to_string(each) << '\n';
+    std::cerr << "ymap: warning: " << to_string(each) << '\n';
   }
 }
 
