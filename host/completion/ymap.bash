@@ -8,7 +8,7 @@ _ymap_commands() {
 
 # The options of a command, `--to {json,xml} …`, one a line.
 _ymap_options() {
-  "$1" ${2:+"$2"} --help 2>/dev/null | sed -n '/^Options:/,/^$/s/^  \(-[a-z],\)\{0,1\}\(--.*\)/\2/p'
+  "$1" ${2:+"$2"} --help 2>/dev/null | sed -n 's/^  \(-[a-z],\)\{0,1\}\(--.*\)/\2/p'
 }
 
 _ymap() {

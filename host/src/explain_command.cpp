@@ -23,13 +23,14 @@ constexpr const char *explain_help =
 struct explain_command_options {
   std::string path;
   setup_options setup;
-  yfw::explain_options asked;
+  yfw::explain_options request;
   bool as_json = false;
 };
 
 void run(const explain_command_options &options) {
   setup with(options.setup);
-  const yfw::explanation explanation = explain(options.path, options.asked, with.schema(), with.plugin(), with.trace());
+  const yfw::explanation explanation =
+      explain(options.path, options.request, with.schema(), with.plugin(), with.trace());
   write_result(options.as_json ? explanation_as_json(explanation) : explanation_as_text(explanation));
 }
 
@@ -43,8 +44,8 @@ void add_explain(CLI::App &app) {
   add_setup(command, options->setup);
   add_choice<std::string_view>(command, "--operation", "only this operation (default: all three)",
                                {{"get", "get"}, {"set", "set"}, {"delete", "delete"}},
-                               [options](std::string_view operation) { options->asked.operations = {operation}; });
-  command.add_option("--value", options->asked.value, "the value to set, or the value of the native leaf")
+                               [options](std::string_view operation) { options->request.operations = {operation}; });
+  command.add_option("--value", options->request.value, "the value to set, or the value of the native leaf")
       ->type_name("V");
   add_format(command, options->as_json);
   command.callback([options] { run(*options); });

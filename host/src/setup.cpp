@@ -47,16 +47,22 @@ fs::path plugin_library(const std::string &named) {
 }
 
 void add_setup(CLI::App &command, setup_options &options) {
+  constexpr const char *group = "Plug-in, modules and trace";
   command.add_option("--plugin", options.plugin, "the plug-in instead of the built or installed one")
       ->type_name("PATH")
-      ->check(empty_name_error);
+      ->check(empty_name_error)
+      ->group(group);
   command.add_option("--yang", options.yang, "a directory of YANG modules instead of the shipped ones; repeatable")
       ->type_name("DIR")
       ->check(empty_name_error)
-      ->allow_extra_args(false);
-  command.add_flag("--trace", options.trace, "print the plug-in's short-form trace lines to standard error");
-  command.add_flag("--trace-long", options.trace_long,
-                   "print the plug-in's long-form trace lines, with function and line, to standard error");
+      ->allow_extra_args(false)
+      ->group(group);
+  command.add_flag("--trace", options.trace, "print the plug-in's short-form trace lines to standard error")
+      ->group(group);
+  command
+      .add_flag("--trace-long", options.trace_long,
+                "print the long-form lines, with function and line, when the command ends")
+      ->group(group);
 }
 
 setup::setup(const setup_options &options)

@@ -198,11 +198,11 @@ class planner {
   void reject_breaking() {
     const std::vector<deviation> all = result_.statements;
     std::erase_if(result_.statements, [&](const deviation &each) {
-      const std::string why = references_.why_it_breaks(each, all);
-      if (!why.empty()) {
-        result_.rejected.push_back(schema_path(each.target) + ": " + why);
+      const std::string conflict = references_.conflict_of(each, all);
+      if (!conflict.empty()) {
+        result_.rejected.push_back(schema_path(each.target) + ": " + conflict);
       }
-      return !why.empty();
+      return !conflict.empty();
     });
   }
 

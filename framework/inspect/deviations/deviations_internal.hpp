@@ -22,7 +22,7 @@ class model_references {
 
   // Why a deviation would break the model; empty when it would not. `all`: the statements of the module, whose removed
   // nodes refer to nothing any more.
-  std::string why_it_breaks(const deviation &wanted, const std::vector<deviation> &all) const;
+  std::string conflict_of(const deviation &wanted, const std::vector<deviation> &all) const;
 
  private:
   struct reference {

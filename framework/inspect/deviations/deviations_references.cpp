@@ -69,7 +69,7 @@ void model_references::add_atoms(const lysc_node *from, const lysc_node *context
   }
 }
 
-std::string model_references::why_it_breaks(const deviation &wanted, const std::vector<deviation> &all) const {
+std::string model_references::conflict_of(const deviation &wanted, const std::vector<deviation> &all) const {
   const lysc_node *target = wanted.target;
   if (wanted.kind == deviate_kind::values) {
     const std::string default_value = default_of(target);

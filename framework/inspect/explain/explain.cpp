@@ -28,8 +28,8 @@ std::string entry_path(std::vector<path_step> steps) {
 // Explains requests for one leaf.
 class request_explainer {
  public:
-  request_explainer(const full_path &asked, const schema &modules, const plugin &mapping, trace_log &log)
-      : asked_(asked), modules_(modules), mapping_(mapping), log_(log) {}
+  request_explainer(const full_path &target, const schema &modules, const plugin &mapping, trace_log &log)
+      : target_(target), modules_(modules), mapping_(mapping), log_(log) {}
 
   explained_request get() {
     explained_request result = explain_operation("get", no_operation, {});
@@ -86,12 +86,12 @@ class request_explainer {
 
  private:
   const lysc_node *leaf() const {
-    return asked_.steps.back().node;
+    return target_.steps.back().node;
   }
 
 
   document request_text(uint32_t operation, const std::optional<std::string> &value) const {
-    return request_for(asked_.steps, modules_, operation, value);
+    return request_for(target_.steps, modules_, operation, value);
   }
 
   explained_request explain_operation(std::string_view operation, uint32_t netconf,
@@ -186,7 +186,7 @@ class request_explainer {
       const explained_reply reply = explain_reply(read.steps, value, modules_, mapping_, silent);
       value_mapping &added = values.emplace_back(value_mapping{value, {}, reply.rejection});
       for (const reported_leaf &each : reply.reported) {
-        if (is_asked(each)) {
+        if (is_target(each)) {
           added.results.push_back(each.value);
         }
       }
@@ -196,8 +196,8 @@ class request_explainer {
     }
   }
 
-  bool is_asked(const reported_leaf &each) const {
-    return same_path(each.path, path_text(asked_.steps));
+  bool is_target(const reported_leaf &each) const {
+    return same_path(each.path, path_text(target_.steps));
   }
 
   // The two forms differ in their quotes only.
@@ -210,7 +210,7 @@ class request_explainer {
   void edit(memory_device &native, const std::optional<std::string> &value, uint32_t operation, explained_request &result) {
     trace_log silent;
     result.rejection = error_of([&] {
-      (void)mapping_service(mapping_, native, silent).edit_node(path_text(asked_.steps), value, operation);
+      (void)mapping_service(mapping_, native, silent).edit_node(path_text(target_.steps), value, operation);
       result.after = read(native);
     });
   }
@@ -218,17 +218,17 @@ class request_explainer {
   std::vector<reported_leaf> read(memory_device &native) {
     trace_log silent;
     return leaves_of(
-        mapping_service(mapping_, native, silent).find(entry_path(asked_.steps), client_operation::get, content::all).data);
+        mapping_service(mapping_, native, silent).find(entry_path(target_.steps), client_operation::get, content::all).data);
   }
 
-  const full_path &asked_;
+  const full_path &target_;
   const schema &modules_;
   const plugin &mapping_;
   trace_log &log_;
 };
 
-void require_leaf(const full_path &asked, const schema &modules) {
-  const lysc_node *node = asked.steps.back().node;
+void require_leaf(const full_path &target, const schema &modules) {
+  const lysc_node *node = target.steps.back().node;
   if (holds_value(node)) {
     if (is_key(node)) {
       throw error(in_quotes(path(node)) + " is a key, which is created and deleted with its list entry");
@@ -258,11 +258,11 @@ bool serves_model_of(const manifest &description, const lysc_node *node, const s
 
 explanation explain(std::string_view path, const explain_options &options, const schema &modules, const plugin &mapping,
                     trace_log &log) {
-  const full_path asked = complete_path(path, modules, mapping.description());
-  require_leaf(asked, modules);
-  explanation result{path_text(asked.steps), asked.steps.back().node, asked.sample_keys, {}, {}};
+  const full_path target = complete_path(path, modules, mapping.description());
+  require_leaf(target, modules);
+  explanation result{path_text(target.steps), target.steps.back().node, target.sample_keys, {}, {}};
   if (serves_model_of(mapping.description(), direction::ox, result.leaf, modules)) {
-    request_explainer explainer(asked, modules, mapping, log);
+    request_explainer explainer(target, modules, mapping, log);
     for (const std::string_view operation : options.operations) {
       result.requests.push_back(operation == "get"   ? explainer.get()
                                 : operation == "set" ? explainer.set(options.value)
@@ -270,7 +270,7 @@ explanation explain(std::string_view path, const explain_options &options, const
     }
   } else if (serves_model_of(mapping.description(), direction::xo, result.leaf, modules)) {
     for (const std::string &value : options.value ? std::vector{*options.value} : sample_values(modules, result.leaf)) {
-      result.replies.push_back(explain_reply(asked.steps, value, modules, mapping, log));
+      result.replies.push_back(explain_reply(target.steps, value, modules, mapping, log));
     }
   } else {
     throw error(in_quotes(result.path) + " of module " + in_quotes(module_name(result.leaf)) +
