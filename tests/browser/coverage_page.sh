@@ -91,6 +91,9 @@ expect "links of the chosen leaf" 1 "$(count '^<path[^>]*class="[^"]*lit')"
 grep -q 'aria-selected="true"' "$work/dom" || fail "the leaf is not chosen"
 grep -q 'SPEED_2500MB' "$work/dom" || fail "the details do not show the values"
 
+dump "select=/interface-configurations/interface-configuration/ethernet/auto-negotiation"
+grep -q 'no longer reports' "$work/dom" || fail "the details do not show effects on replies"
+
 focus() {
   sed -n 's/.*<body[^>]* data-focus="\([^"]*\)".*/\1/p' "$work/raw"
 }
