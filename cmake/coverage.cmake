@@ -1,5 +1,5 @@
 # The target coverage_report: which lines and branches ran since the build or the last report, in coverage/index.html of
-# the build and, in short, on the terminal. Branches that only an exception takes are left out.
+# the build and, in short, on the terminal. Branches that only an exception takes are omitted.
 find_program(YMAP_GCOVR gcovr REQUIRED)
 set(ymap_coverage_dir ${PROJECT_BINARY_DIR}/coverage)
 add_custom_target(coverage_report
