@@ -167,7 +167,9 @@ data_node &native_data::added(const document &source, const yfw_node_t &from, da
   }
   std::vector<key_value> given;
   std::ranges::transform(keys(schema), values, std::back_inserter(given),
-                         [](std::string_view key, const std::string &value) { return key_value{key, value}; });
+                         [](std::string_view key, const std::string &value) {
+                           return key_value{key, value};
+                         });
   fail_if(tree_.find_entry(parent, schema, given) != nullptr);
   return tree_.entry(parent, ns(schema), name(schema), given);
 }
@@ -223,8 +225,7 @@ std::string native_data::text() const {
     return out.str();
   }
   const data_node *first = tree_.first();
-  const bool is_bare =
-      envelopes_.empty() && first != nullptr && first->next == nullptr && first->next_entry == nullptr;
+  const bool is_bare = envelopes_.empty() && first != nullptr && first->next == nullptr && first->next_entry == nullptr;
   write_xml(out, tree_,
             {.wrappers = envelopes_.empty() && !is_bare ? std::vector{wrapper{"data", netconf_ns}} : envelopes_});
   return out.str();

@@ -162,9 +162,8 @@ data_node &native_edit::found_or_added(data_node *parent, const native_operation
   }
   remove_other_cases(parent, operation, step);
   make_room();
-  data_node &added = has_all_keys(wanted)
-                         ? tree_.entry(parent, ns(wanted.node), name(wanted.node), step_keys(wanted))
-                         : tree_.add(parent, wanted.node);
+  data_node &added = has_all_keys(wanted) ? tree_.entry(parent, ns(wanted.node), name(wanted.node), step_keys(wanted))
+                                          : tree_.add(parent, wanted.node);
   remember_addition(added);
   if (is_list(wanted.node) || is_presence(wanted.node)) {
     note(path_to(operation, step + 1), std::nullopt, "");
@@ -200,8 +199,7 @@ void native_edit::set_leaf(data_node *parent, const native_operation &operation)
   note(path, std::nullopt, value);
   remove_other_cases(parent, operation, operation.steps.size() - 1);
   make_room();
-  data_node &added =
-      is_leaf_list(leaf) ? tree_.item(parent, ns(leaf), name(leaf), value) : tree_.add(parent, leaf);
+  data_node &added = is_leaf_list(leaf) ? tree_.item(parent, ns(leaf), name(leaf), value) : tree_.add(parent, leaf);
   remember_addition(added);
   if (!is_leaf_list(leaf)) {
     tree_.set_value(added, value);

@@ -34,7 +34,7 @@ class native_store {
  private:
   friend class store_transaction;
   native_data data_;
-  std::mutex transaction_;           // held by the one there is
+  std::mutex transaction_;            // held by the one there is
   mutable std::shared_mutex access_;  // held by a transaction alone from its first change on
 };
 

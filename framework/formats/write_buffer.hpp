@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
-#include "yfw/error.hpp"
 #include "node_values.hpp"
+#include "yfw/error.hpp"
 #include "yfw/internal/text.hpp"
 #include "yfw/node.hpp"
 #include "yfw/writer.hpp"

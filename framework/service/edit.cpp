@@ -230,8 +230,7 @@ edit_outcome mapping_service::edit(document &request, const client_request &clie
 edit_outcome mapping_service::edit_node(std::string_view path, const std::optional<std::string> &value,
                                         uint32_t operation, transaction_use use) const {
   const schema &modules = device_.modules();
-  const std::vector<path_step> steps =
-      read_instance_path(path, modules, client_nodes(mapping_.description(), modules));
+  const std::vector<path_step> steps = read_instance_path(path, modules, client_nodes(mapping_.description(), modules));
   const lysc_node *node = steps.back().node;
   if (is_key(node)) {
     throw client_error({"", 0, std::string(path)}, "is a key, which comes and goes with its list entry",

@@ -65,8 +65,8 @@ reply mapping_service::get(document &request, const client_request &client, cont
     wanted = content::config;
   }
   reply found = answer(request, client, wanted);
-  found.data = client.everything ? selected_content(found.data, wanted)
-                                 : filtered(found.data, request, client.data, wanted);
+  found.data =
+      client.everything ? selected_content(found.data, wanted) : filtered(found.data, request, client.data, wanted);
   return found;
 }
 

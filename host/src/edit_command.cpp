@@ -65,8 +65,7 @@ void edit_device(const edit_options &options, bool is_dry, setup &with,
                  const std::function<yfw::edit_outcome(const yfw::mapping_service &, yfw::transaction_use)> &edit) {
   yfw::file_device device(options.on.device, with.schema());
   const yfw::mapping_service service(with.plugin(), device, with.trace());
-  const yfw::edit_outcome outcome =
-      edit(service, is_dry ? yfw::transaction_use::trial : yfw::transaction_use::commit);
+  const yfw::edit_outcome outcome = edit(service, is_dry ? yfw::transaction_use::trial : yfw::transaction_use::commit);
   write_notes(outcome.notes);
   if (is_dry || options.is_verbose) {
     print(outcome.changes, is_dry ? "" : "the device " + yfw::in_quotes(options.on.device) + " has been changed");

@@ -136,8 +136,9 @@ INSTANTIATE_TEST_SUITE_P(
         MisplacedRow{"High", pair("/library/bok", "title", "/library/visit", "minutes"),
                      "/lists[0]/high: '/library/bok' is not in the modules: 'bok' is not a child of '/library'; did "
                      "you mean 'book'?"},
-        MisplacedRow{"FirstOfHigh", pair("/garden/bed", "title", "/library/visit", "minutes"),
-                     "/lists[0]/high: '/garden/bed' is not in the modules: 'garden' is not a top-level node of the modules"},
+        MisplacedRow{
+            "FirstOfHigh", pair("/garden/bed", "title", "/library/visit", "minutes"),
+            "/lists[0]/high: '/garden/bed' is not in the modules: 'garden' is not a top-level node of the modules"},
         MisplacedRow{"NoSlash", pair("library/book", "title", "/library/visit", "minutes"),
                      "/lists[0]/high: 'library/book' is not in the modules: it does not begin with '/'"},
         MisplacedRow{"HighKey", pair("/library/book", "titel", "/library/visit", "minutes"),

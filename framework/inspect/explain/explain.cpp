@@ -3,12 +3,12 @@
 
 #include <algorithm>
 
-#include "yfw/mapping_service.hpp"
-#include "yfw/memory_device.hpp"
 #include "yfw/internal/coverage_probes.hpp"
 #include "yfw/internal/coverage_values.hpp"
 #include "yfw/internal/explain_internal.hpp"
 #include "yfw/internal/manifest_nodes.hpp"
+#include "yfw/mapping_service.hpp"
+#include "yfw/memory_device.hpp"
 
 namespace yfw {
 namespace {
@@ -88,7 +88,6 @@ class request_explainer {
   const lysc_node *leaf() const {
     return target_.steps.back().node;
   }
-
 
   document request_text(uint32_t operation, const std::optional<std::string> &value) const {
     return request_for(target_.steps, modules_, operation, value);
@@ -207,7 +206,8 @@ class request_explainer {
     return first == second;
   }
 
-  void edit(memory_device &native, const std::optional<std::string> &value, uint32_t operation, explained_request &result) {
+  void edit(memory_device &native, const std::optional<std::string> &value, uint32_t operation,
+            explained_request &result) {
     trace_log silent;
     result.rejection = error_of([&] {
       (void)mapping_service(mapping_, native, silent).edit_node(path_text(target_.steps), value, operation);
@@ -217,8 +217,9 @@ class request_explainer {
 
   std::vector<reported_leaf> read(memory_device &native) {
     trace_log silent;
-    return leaves_of(
-        mapping_service(mapping_, native, silent).find(entry_path(target_.steps), client_operation::get, content::all).data);
+    return leaves_of(mapping_service(mapping_, native, silent)
+                         .find(entry_path(target_.steps), client_operation::get, content::all)
+                         .data);
   }
 
   const full_path &target_;

@@ -19,7 +19,7 @@ full_path with_sample_keys(std::vector<path_step> steps, const schema &modules) 
       }
       step.keys.emplace_back(key, samples.front());
       result.sample_keys.push_back(std::string(name(step.node)) + "[" + std::string(key) + "=" +
-                                    key_literal(samples.front()) + "]");
+                                   key_literal(samples.front()) + "]");
     }
   }
   result.steps = std::move(steps);

@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "yfw/coverage.hpp"
+#include "yfw/internal/explain_internal.hpp"
 #include "yfw/mapping_service.hpp"
 #include "yfw/memory_device.hpp"
-#include "yfw/internal/explain_internal.hpp"
 #include "yfw/path_document.hpp"
 #include "yfw/roundtrip.hpp"
 

@@ -54,10 +54,10 @@ class native_transaction {
   virtual ~native_transaction() = default;
 
   // Carries out sets and deletes as RFC 6241, section 7.2, specifies, in their order; reads are ignored. List entries
-  // and containers above a value are created; of what a delete leaves, containers without content and presence go, while
-  // a list entry stays, which exists by its keys. A delete creates nothing. Throws `operation_error` for `create` of
-  // what exists, `delete` of what does not, operational data, keys, and values that the native model does not have; the
-  // transaction can only be dropped then. From the first call to the commit, this thread does not read the device.
+  // and containers above a value are created; of what a delete leaves, containers without content and presence go,
+  // while a list entry stays, which exists by its keys. A delete creates nothing. Throws `operation_error` for `create`
+  // of what exists, `delete` of what does not, operational data, keys, and values that the native model does not have;
+  // the transaction can only be dropped then. From the first call to the commit, this thread does not read the device.
   virtual void apply(std::span<const native_operation> operations) = 0;
 
   // What `apply` has done so far, in the order in which nodes were first touched; none when the device cannot say.

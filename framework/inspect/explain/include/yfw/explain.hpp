@@ -71,7 +71,7 @@ struct explained_reply {
   std::vector<traced_function> walk;
   std::vector<reported_leaf> reported;
   std::vector<note> notes;  // what is omitted, and why
-  std::string rejection;      // of the whole reply; empty when it is translated
+  std::string rejection;    // of the whole reply; empty when it is translated
 };
 
 struct explanation {
