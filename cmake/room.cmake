@@ -14,6 +14,9 @@ function(yfw_room name)
       set_property(GLOBAL APPEND PROPERTY YFW_${folder} ${CMAKE_CURRENT_SOURCE_DIR}/${folder})
     endif()
   endforeach()
+  list(JOIN arg_ROOMS "," links)
+  set_property(GLOBAL APPEND_STRING PROPERTY YFW_ROOM_LINES
+    "${name} ${links}, $<JOIN:$<TARGET_OBJECTS:${room}>, >\n")
   list(TRANSFORM arg_ROOMS PREPEND yfw_)
   target_link_libraries(${room} PUBLIC ${arg_ROOMS} PRIVATE ymap_options ${arg_LIBRARIES})
   set_target_properties(${room} PROPERTIES POSITION_INDEPENDENT_CODE ON)
@@ -39,7 +42,9 @@ function(yfw_library name)
   target_include_directories(${name} PRIVATE ${internal})
   target_link_libraries(${name} PUBLIC yfw_abi PRIVATE ymap_options ${LIBRARIES})
 
-  # For tests, which may see everything.
+  # For tests, which may see everything: rooms.txt has each room, what it links, and its objects.
+  get_property(lines GLOBAL PROPERTY YFW_ROOM_LINES)
+  file(GENERATE OUTPUT ${PROJECT_BINARY_DIR}/rooms.txt CONTENT "${lines}")
   add_library(${name}_internal INTERFACE)
   target_link_libraries(${name}_internal INTERFACE ${name})
   target_include_directories(${name}_internal INTERFACE ${internal})
