@@ -56,9 +56,21 @@ client_error::client_error(place where, const std::string &text, error_tag tag, 
   }
 }
 
-client_error::client_error(place where, const std::string &text, error_tag tag, rejected_value rejected)
-    : client_error(std::move(where), text, tag) {
-  rejected_ = std::move(rejected);
+client_error::client_error(place where, rejected_value rejected)
+    : client_error(std::move(where), to_string(rejected), error_tag::invalid_value) {
+  rejected_ = std::make_shared<const rejected_value>(std::move(rejected));
+}
+
+static std::string to_string(rejected_value::kind fault) {
+  return fault == rejected_value::kind::invalid ? "invalid value" : "unmapped value";
+}
+
+std::string rejected_value::without_value() const {
+  return to_string(fault) + reason;
+}
+
+std::string to_string(const rejected_value &rejected) {
+  return to_string(rejected.fault) + " " + in_quotes(rejected.value) + rejected.reason;
 }
 
 client_error client_error::at(place where) const {

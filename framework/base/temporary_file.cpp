@@ -7,7 +7,7 @@
 
 namespace yfw {
 
-[[noreturn]] static void refuse(const char *what) {
+[[noreturn]] static void fail(const char *what) {
   throw error(std::string("a temporary file cannot be ") + what + ": " + std::strerror(errno));
 }
 
@@ -16,10 +16,10 @@ void temporary_file::append(std::string_view text) {
     file_.reset(std::tmpfile());
   }
   if (file_ == nullptr) {
-    refuse("made");
+    fail("made");
   }
   if (std::fwrite(text.data(), 1, text.size(), file_.get()) != text.size()) {
-    refuse("written");
+    fail("written");
   }
 }
 
@@ -28,14 +28,14 @@ void temporary_file::read_all(const std::function<void(std::string_view)> &take)
     return;
   }
   if (std::fseek(file_.get(), 0, SEEK_SET) != 0) {
-    refuse("written");
+    fail("written");
   }
   char block[65536];
   for (size_t count = 0; (count = std::fread(block, 1, sizeof block, file_.get())) > 0;) {
     take({block, count});
   }
   if (std::ferror(file_.get()) != 0) {
-    refuse("read");
+    fail("read");
   }
 }
 
@@ -43,7 +43,7 @@ std::string temporary_file::read(size_t offset, size_t size) {
   std::string text(size, '\0');
   if (std::fseek(file_.get(), static_cast<long>(offset), SEEK_SET) != 0 ||
       std::fread(text.data(), 1, size, file_.get()) != size) {
-    refuse("read");
+    fail("read");
   }
   return text;
 }

@@ -65,7 +65,7 @@ text_fault first_fault(std::string_view text, std::vector<uint32_t> *newlines) {
 }
 
 std::string_view fault_words(bad_text kind) {
-  return kind == bad_text::not_utf8 ? "is not UTF-8" : "is a character that YANG has not";
+  return kind == bad_text::not_utf8 ? "is not UTF-8" : "has a character that YANG does not allow";
 }
 
 bool is_blank(char c) {

@@ -24,7 +24,7 @@ bool is_alphanumeric(char c) {
   return std::isalnum(static_cast<unsigned char>(c)) != 0;
 }
 
-// What an address may be made of; whether it is one is looked at afterwards.
+// The characters of addresses.
 bool is_address_character(char c) {
   return std::isxdigit(static_cast<unsigned char>(c)) != 0 || c == ':' || c == '.' || c == '-';
 }
@@ -101,7 +101,7 @@ void anonymiser::learn(const std::string &key) {
   keys_.emplace(key, candidate);
 }
 
-// Keys are replaced where they stand as whole words; the longest that fits is the one that is meant.
+// Keys are replaced where they are whole words; the longest match counts.
 std::string anonymiser::replaced(std::string_view text) {
   std::string result;
   size_t kept_from = 0;

@@ -1,4 +1,4 @@
-// Replaces what tells whose network a capture comes from: keys of list entries, MAC and IP addresses.
+// Replaces what identifies a network in a capture: keys of list entries, MAC and IP addresses.
 #pragma once
 
 #include <map>
@@ -13,7 +13,7 @@ namespace yfw {
 
 // The same text always gets the same replacement, of the same form: a MAC address remains one in its notation, of
 // another text capitals, small letters, digits and marks remain at their places. Keys that are numbers, and those that
-// the modules name (enumerations, identities), stay as they are: they steer the mapping and tell nothing.
+// the modules name (enumerations, identities), stay as they are: they control the mapping and identify nothing.
 class anonymiser {
  public:
   // Remembers the keys in a tree, those of nodes that the schema has as keys.

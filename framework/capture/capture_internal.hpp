@@ -31,7 +31,7 @@ struct captured_change {
 struct captured_answer {
   uint32_t status = 0;
   std::optional<std::string> value;
-  std::string node, entry;  // "" when none was told
+  std::string node, entry;  // "" when not given
   std::vector<captured_change> changes;
 };
 

@@ -27,7 +27,7 @@ class capture_reader {
       const std::string_view line = rest.substr(0, end);
       if (++number_ == 1 && line != first_line) {
         throw error(place{parts_.file, 1, {}},
-                    in_quotes(line) + " is not the first line of a capture, which is " + in_quotes(first_line));
+                    "invalid first line " + in_quotes(line) + ", expected " + in_quotes(first_line));
       }
       read_line(capture_line(line, parts_.file, number_));
       rest.remove_prefix(std::min(end + 1, rest.size()));
@@ -45,7 +45,7 @@ class capture_reader {
       return;
     }
     if (parts_.has_returned) {
-      line.fail("goes on after 'return'");
+      line.fail("continues after 'return'");
     }
     if (number_ == 2) {
       read_function(line);
@@ -69,8 +69,8 @@ class capture_reader {
     } else if (word == "call" || word == "wrote" || word == "return") {
       read_act(line, word);
     } else if (word != "above") {
-      line.fail(in_quotes(word) + " is no word of a capture, which are 'above', 'node', 'stack', 'call', 'answer', " +
-                "'set', 'wrote' and 'return'");
+      line.fail("unknown word " + in_quotes(word) + ", expected 'above', 'node', 'stack', 'call', 'answer', " +
+                "'set', 'wrote', 'return'");
     }
   }
 
@@ -84,7 +84,7 @@ class capture_reader {
     const std::string &form = line.value("form").bare;
     const auto found = std::ranges::find(forms, form, [](call_form each) { return to_string(each); });
     if (found == forms.end()) {
-      line.fail(in_quotes(form) + " is none of 'entry', 'report-defaults' and 'create-defaults'");
+      line.fail("invalid form " + in_quotes(form) + ", expected 'entry', 'report-defaults', 'create-defaults'");
     }
     parts_.form = *found;
     require_form(line);
@@ -123,7 +123,7 @@ class capture_reader {
       line.fail("has no name");
     }
     if (!parts_.by_name.emplace(node.name, parts_.nodes.size()).second) {
-      line.fail(in_quotes(node.name) + " is there already");
+      line.fail(in_quotes(node.name) + " is defined twice");
     }
     if (node.name.starts_with('#') && node.name != "#") {
       add_to_parent(line, node.name);
@@ -150,7 +150,7 @@ class capture_reader {
     const std::string index = name.substr(dot == std::string::npos ? 1 : dot + 1);
     const auto parent = parts_.by_name.find(above);
     if (parent == parts_.by_name.end()) {
-      line.fail("there is no node " + in_quotes(above));
+      line.fail("unknown node " + in_quotes(above));
     }
     std::vector<size_t> &children = parts_.nodes[parent->second].children;
     children.push_back(parts_.nodes.size());
@@ -192,7 +192,7 @@ class capture_reader {
     answer.node = line.find("node") != nullptr ? known_node(line, "node") : "";
     answer.entry = line.find("entry") != nullptr ? known_node(line, "entry") : "";
     if (answer.entry == "null") {
-      line.fail("answers with an entry that is none");
+      line.fail("answers with an invalid entry");
     }
   }
 
@@ -206,7 +206,7 @@ class capture_reader {
     }
     captured_change change{line.bare(1), line.bare(2), 0, ""};
     if (change.target != "record" && !parts_.by_name.contains(change.target)) {
-      line.fail("there is no node " + in_quotes(change.target));
+      line.fail("unknown node " + in_quotes(change.target));
     }
     if (change.target == "record" && change.field == "current-list") {
       change.node = line.bare(5);
@@ -223,7 +223,7 @@ class capture_reader {
                                 const std::string &name) {
     const auto found = std::ranges::find(fields, name, &capture_field<record_t>::name);
     if (found == fields.end() || name == "children") {
-      line.fail(in_quotes(name) + " is no field there that a framework changes");
+      line.fail("unknown field " + in_quotes(name));
     }
     return found->maximum;
   }
@@ -231,7 +231,7 @@ class capture_reader {
   std::string known_node(const capture_line &line, std::string_view name) const {
     const std::string &node = line.value(name).bare;
     if (node != "null" && !node.starts_with("made") && !parts_.by_name.contains(node)) {
-      line.fail("there is no node " + in_quotes(node));
+      line.fail("unknown node " + in_quotes(node));
     }
     return node;
   }

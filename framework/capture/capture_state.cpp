@@ -140,7 +140,7 @@ std::string capture_state::node_line(const yfw_node_t &node, const std::string &
   return line + field_words(node_fields, node);
 }
 
-void capture_state::take_result(const abi_call &call) {
+void capture_state::remember_result(const abi_call &call) {
   if (call.node_out == nullptr || *call.node_out == nullptr) {
     return;
   }

@@ -1,5 +1,5 @@
-// What a plug-in can see and change during a call, told in the lines of a capture. Taking a capture and replaying it
-// tell what the plug-in does by the same means, so that the lines can be compared.
+// What a plug-in can see and change during a call, as lines of a capture. Recording and replay describe a plug-in's
+// actions by the same functions, so that the lines can be compared.
 #pragma once
 
 #include <cstdint>
@@ -54,13 +54,12 @@ class capture_state {
   // `value="x"`, for texts that may be anonymised.
   std::string value_word(const char *name, const char *text) const;
 
-  // One line for each field that is another than when it was last looked at, `WORD #1 operation 3 -> 4`. Looks at the
-  // record, the output root, the node that a call found last, and the nodes that this one names; without a call at
-  // everything.
+  // One line for each field that changed since the last check, `WORD #1 operation 3 -> 4`. Checks the record, the
+  // output root, the node that a call found last, and the nodes that this one names; without a call everything.
   std::vector<std::string> changes(const char *word, const abi_call *call);
 
-  // Takes notice of what a call found: it is no change, and the node is looked at from now on.
-  void take_result(const abi_call &call);
+  // Remembers the node that a call found: it is not a change, and is checked from now on.
+  void remember_result(const abi_call &call);
 
  private:
   struct seen_node {

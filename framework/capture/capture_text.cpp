@@ -62,11 +62,11 @@ capture_line::capture_line(std::string_view text, std::string file, unsigned num
     if (rest.starts_with('"')) {
       word.text = quoted_text(rest);
       if (!word.bare.empty()) {
-        fail("a quote inside of the word " + in_quotes(word.bare));
+        fail("a quote inside the word " + in_quotes(word.bare));
       }
     }
     if (!rest.empty() && rest.front() != ' ') {
-      fail("no space after a quoted text");
+      fail("no space after a string");
     }
     rest.remove_prefix(rest.empty() ? 0 : 1);
   }
@@ -97,11 +97,11 @@ std::string capture_line::quoted_text(std::string_view &rest) const {
         fail("unknown escape '\\" + std::string(1, c) + "'");
       }
     } else if (c == '\0') {
-      fail("a zero byte in a text");
+      fail("a zero byte in a string");
     }
     result += c;
   }
-  fail("a quoted text without end");
+  fail("a string without a closing quote");
 }
 
 const std::string &capture_line::bare(size_t index) const {
@@ -119,7 +119,7 @@ const capture_word *capture_line::find(std::string_view name) const {
 const capture_word &capture_line::value(std::string_view name) const {
   const capture_word *found = find(name);
   if (found == nullptr) {
-    fail("has no " + in_quotes(std::string(name) + "="));
+    fail("does not have " + in_quotes(std::string(name) + "="));
   }
   return *found;
 }
@@ -127,7 +127,7 @@ const capture_word &capture_line::value(std::string_view name) const {
 std::optional<std::string> capture_line::text(std::string_view name) const {
   const capture_word &word = value(name);
   if (!word.text && word.bare != "null") {
-    fail(in_quotes(word.bare) + " is neither null nor a text in double quotes");
+    fail("invalid value " + in_quotes(word.bare) + ", expected null or a string in double quotes");
   }
   return word.text;
 }
@@ -148,7 +148,8 @@ uint32_t capture_line::number_of(const capture_word &word, uint32_t maximum) con
   uint32_t result = 0;
   const auto [end, fault] = std::from_chars(first, last, result, is_hex ? 16 : 10);
   if (word.text || fault != std::errc() || end != last || result > maximum) {
-    fail(in_quotes(word.text ? *word.text : word.bare) + " is not a number up to " + std::to_string(maximum));
+    fail("invalid number " + in_quotes(word.text ? *word.text : word.bare) + ", expected 0.." +
+         std::to_string(maximum));
   }
   return result;
 }

@@ -25,8 +25,8 @@ struct capture_word {
   std::optional<std::string> text;  // what is quoted, its escapes resolved
 };
 
-// One line, taken apart; its words are asked for by place or by name. Whatever is missing or of another kind throws
-// `error` with file and line.
+// The words of one line, by position or by name. A missing word or one of another kind throws `error` with file and
+// line.
 class capture_line {
  public:
   capture_line(std::string_view text, std::string file, unsigned number);

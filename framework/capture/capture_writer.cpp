@@ -41,7 +41,7 @@ capture_session::capture_session(std::filesystem::path directory, bool is_anonym
   std::error_code failed;
   std::filesystem::create_directories(directory, failed);
   if (failed) {
-    throw error(place{directory.string()}, "cannot be made: " + failed.message());
+    throw error(place{directory.string()}, "cannot be created: " + failed.message());
   }
   if (holds_captures(directory)) {
     throw error(place{directory.string()}, "holds captures already; name another directory or remove them");
@@ -59,8 +59,8 @@ unsigned capture_session::count() const {
   return parts_->count;
 }
 
-// A name may be told by other nodes than its entry, so that the whole of a document is looked at, once; what is handed
-// over is always looked at, since a later document may lie where an earlier one was.
+// A key may be the value of other nodes than its entry, so that the whole document is searched, once; dispatched nodes
+// always are, since a later document may be at the address of an earlier one.
 void capture_session::parts::learn_keys(const context &ctx, const yfw_node_t *node) {
   for (const yfw_node_t *above : ctx.hierarchy) {
     if (const yfw_node_t &root = root_of(*above); learned.insert(&root).second) {
@@ -178,7 +178,7 @@ void capture_writer::write_answer(const abi_call &call, uint32_t status) {
     std::vector<std::string> made;
     found += " node=" + state_.name_of(*call.node_out, &made);
     write(made);
-    state_.take_result(call);
+    state_.remember_result(call);
   }
   if (!found.empty()) {
     write("answer" + found);

@@ -36,7 +36,7 @@ class capture_writer : public call_observer, public tapped_call {
 
   uint32_t pass(const abi_call &call, const std::function<uint32_t()> &answer) override;
 
-  // Ends it. Without this the capture tells that the plug-in did not return.
+  // Ends the capture. One without this end shows that the plug-in did not return.
   void finish(uint32_t status) override;
 
  private:

@@ -121,7 +121,7 @@ class replayer : public call_observer {
     const captured_answer *answer = answer_to(line);
     const uint32_t status = answer != nullptr ? give(call, *answer) : do_without(call);
     if (status == 0) {
-      state_->take_result(call);
+      state_->remember_result(call);
     }
     (void)state_->changes("set", &call);
     return status;
@@ -144,7 +144,8 @@ class replayer : public call_observer {
     return &found->second[std::min(used++, found->second.size() - 1)];
   }
 
-  // What a captured answer should have and has not is made up: a plug-in relies on what a call with status 0 finds.
+  // What a captured answer does not have is replaced by samples: a plug-in relies on the result of a call with status
+  // 0.
   uint32_t give(const abi_call &call, const captured_answer &answer) {
     if (answer.status == 0 && call.text_out != nullptr) {
       *call.text_out = answer.value ? answer.value->c_str() : nullptr;

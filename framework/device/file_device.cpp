@@ -27,7 +27,7 @@ fs::path target_of(const fs::path &name) {
   fs::path target = fs::canonical(name, code);
   if (code == std::errc::no_such_file_or_directory) {
     throw client_error({name.string()},
-                       "there is no such device file; one without data is made by: echo '<data xmlns=\"" +
+                       "no such device file; to create one without data: echo '<data xmlns=\"" +
                            std::string(netconf_ns) + "\"/>' > " + name.string(),
                        error_tag::operation_failed);
   }
@@ -77,7 +77,7 @@ struct file_identity {
 file_identity identity_of(int file, const fs::path &name) {
   struct stat found {};
   if (::fstat(file, &found) != 0) {
-    fail(name, "cannot be looked at");
+    fail(name, "cannot be examined");
   }
   return {found.st_dev, found.st_ino, found.st_size, found.st_mtim};
 }
@@ -132,12 +132,12 @@ class replacement {
   void fill(const std::string &text) {
     struct stat before {};
     if (::stat(target_.c_str(), &before) != 0) {
-      fail(target_, "cannot be looked at");
+      fail(target_, "cannot be examined");
     }
     write_all(file_, text, path_);
     keep_permissions(file_, before, path_);
     if (::fsync(file_) != 0) {
-      fail(path_, "cannot be brought to disk");
+      fail(path_, "cannot be synchronized to disk");
     }
   }
 
@@ -152,7 +152,7 @@ class replacement {
     }
     is_placed_ = true;
     if (::fsync(directory) != 0) {
-      fail(target_, "is replaced, but its directory cannot be brought to disk");
+      fail(target_, "is replaced, but its directory cannot be synchronized to disk");
     }
     return identity_of(file_, target_);
   }
@@ -160,11 +160,11 @@ class replacement {
  private:
   int made() const {
     if (::unlink(path_.c_str()) != 0 && errno != ENOENT) {
-      fail(path_, "was left by a writer that was stopped, and cannot be removed");
+      fail(path_, "is left from an interrupted write and cannot be removed");
     }
     const int file = ::open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
     if (file < 0) {
-      fail(path_, "cannot be made");
+      fail(path_, "cannot be created");
     }
     return file;
   }
@@ -187,7 +187,7 @@ class file_lock {
  public:
   explicit file_lock(const fs::path &file) : file_(opened_lock(file)) {
     if (file_ < 0) {
-      fail(file, "cannot be opened, so that the device cannot be locked");
+      fail(file, "cannot be opened to lock the device");
     }
     while (::flock(file_, LOCK_EX) != 0) {
       if (errno != EINTR) {

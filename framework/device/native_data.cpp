@@ -111,13 +111,14 @@ void native_data::load_level(const document &source, std::span<const yfw_node_t>
 void native_data::load(const document &source, const yfw_node_t &from, data_node *parent) {
   const lysc_node *schema = extra(from).schema;
   if (extra(from).given_operation != no_operation || is_envelope(from)) {
-    throw error(source.where(from), is_envelope(from) ? "a message within data" : "a device's data has no operation");
+    throw error(source.where(from),
+                is_envelope(from) ? "a message element within data" : "operations are not allowed in a device's data");
   }
   if (is_key(schema) && tree_.find(parent, schema) != nullptr) {
     return;  // came with its entry
   }
   if (schema == nullptr && format_ == data_format::json) {
-    set_unwritable(source.where(from), "the modules do not know it, so that it could not be written back as it is");
+    set_unwritable(source.where(from), "is not defined in the modules and could not be written back unchanged");
   }
   load_level(source, children(from), &added(source, from, parent));
 }

@@ -128,7 +128,7 @@ void native_edit::fail(const native_operation &operation, const std::string &tex
 
 void native_edit::require_editable(const native_operation &operation) const {
   if (operation.steps.empty() || !is_config(operation.steps.back().node)) {
-    fail(operation, "is operational state of the device, which cannot be edited", error_tag::operation_not_supported);
+    fail(operation, "is operational state, which cannot be edited", error_tag::operation_not_supported);
   }
   for (const path_step &step : operation.steps) {
     if (step.keys.size() != keys(step.node).size()) {
@@ -141,7 +141,7 @@ void native_edit::set(const native_operation &operation) {
   const lysc_node *leaf = operation.steps.back().node;
   const checked_value checked = data_.modules().check_value(leaf, operation.value.value_or(""));
   if (!checked.ok) {
-    fail(operation, "does not take what the mapping made of it: " + checked.why, error_tag::operation_failed);
+    fail(operation, "does not accept the mapped value: " + to_string(checked.rejected), error_tag::operation_failed);
   }
   data_node *parent = nullptr;
   for (size_t step = 0; step + 1 < operation.steps.size(); ++step) {
@@ -180,7 +180,7 @@ void native_edit::set_leaf(data_node *parent, const native_operation &operation)
   const std::string value = operation.value.value_or("");
   data_node *found = is_leaf_list(leaf) ? tree_.find_item(parent, leaf, value) : tree_.find(parent, leaf);
   if (found != nullptr && operation.operation == YFW_OPERATION_CREATE) {
-    fail(operation, "is there already", error_tag::data_exists);
+    fail(operation, "already exists", error_tag::data_exists);
   }
   if (found != nullptr && is_key(leaf) && found->value != value) {
     fail(operation, "is a key, which cannot be edited", error_tag::operation_failed);
@@ -238,7 +238,7 @@ void native_edit::remove_target(const native_operation &operation) {
     target = find(parent, operation.steps[step]);
     if (target == nullptr) {
       if (operation.operation == YFW_OPERATION_DELETE) {
-        fail(operation, "is not there", error_tag::data_missing);
+        fail(operation, "does not exist", error_tag::data_missing);
       }
       return;
     }

@@ -21,8 +21,9 @@ static void check_characters(document::parts &parts) {
   const std::string &text = parts.text;
   const text_fault fault = first_fault(text, &parts.newlines);
   if (fault.kind != bad_text::none) {
-    const std::string what = text[fault.offset] == '\0' ? "a zero byte" : "the text";
-    parts.fail(fault.offset, what + ' ' + std::string(fault_words(fault.kind)));
+    const bool is_zero = text[fault.offset] == '\0';
+    parts.fail(fault.offset,
+               is_zero ? "a zero byte is not allowed" : "the text " + std::string(fault_words(fault.kind)));
   }
 }
 
@@ -42,7 +43,7 @@ document document::read(std::string text, std::string file, const schema &schema
   const size_t begin = inside->text.starts_with(byte_order_mark) ? byte_order_mark.size() : 0;
   const size_t first = inside->text.find_first_not_of(" \t\r\n", begin);
   if (first == std::string::npos) {
-    inside->fail(begin, "empty; it would be XML, which begins with '<', or JSON, which begins with '{'");
+    inside->fail(begin, "is empty, expected '<' (XML) or '{' (JSON)");
   }
   if (inside->text[first] == '<') {
     read_xml(*inside, begin);
@@ -50,8 +51,8 @@ document document::read(std::string text, std::string file, const schema &schema
     inside->format = data_format::json;
     read_json(*inside, begin);
   } else {
-    inside->fail(first, in_quotes(inside->text.substr(first, 1)) +
-                            " begins neither XML, which begins with '<', nor a JSON object, which begins with '{'");
+    inside->fail(first,
+                 "begins with " + in_quotes(inside->text.substr(first, 1)) + ", expected '<' (XML) or '{' (JSON)");
   }
   return document(std::move(inside));
 }

@@ -20,7 +20,7 @@ struct document::parts {
   const schema *modules = nullptr;
   read_limits limits;
   unsigned first_line = 1;
-  std::vector<uint32_t> newlines;  // offsets of the line feeds as the text was before parsing
+  std::vector<uint32_t> newlines;  // offsets of the newlines as the text was before parsing
   node_arena arena;
   pugi::xml_document xml;
   std::span<yfw_node_t> roots;

@@ -110,7 +110,7 @@ class json_reader : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, json_
     if (levels_.empty()) {
       levels_.push_back({level::object, 0});
     } else if (in(level::annotation)) {
-      fail("the value of an annotation is not an object");
+      fail("the value of an annotation must not be an object");
     } else if (in(level::annotation_array)) {
       begin_annotations(levels_.back().self);
     } else if (in(level::object) && members_.back().is_annotation) {
@@ -131,11 +131,11 @@ class json_reader : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, json_
 
   bool StartArray() {
     if (!in(level::object)) {
-      fail("an array does not stand in an array or an annotation");
+      fail("an array is not allowed in an array or an annotation");
     }
     const bool is_annotation = members_.back().is_annotation;
     if (is_annotation && members_.back().tag.empty()) {
-      fail("the value of '@' is an object");
+      fail("the value of '@' must be an object");
     }
     levels_.push_back({is_annotation ? level::annotation_array : level::array, members_.size() - 1});
     return true;
@@ -176,7 +176,7 @@ class json_reader : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, json_
   std::string_view module_ns(std::string_view module) {
     const std::string_view ns = parts_.modules->ns_of_module(module);
     if (ns.empty()) {
-      fail("module " + in_quotes(module) + " is not known" + did_you_mean(parts_.modules->modules(), module));
+      fail("unknown module " + in_quotes(module) + did_you_mean(parts_.modules->modules(), module));
     }
     return ns;
   }
@@ -190,11 +190,11 @@ class json_reader : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, json_
     const bool has_module = colon != std::string_view::npos;
     const std::string_view tag = plain.substr(has_module ? colon + 1 : 0);
     if ((tag.empty() && name != "@") || tag.find(':') != std::string_view::npos) {
-      fail(in_quotes(name) + " is not a name");
+      fail("invalid name " + in_quotes(name));
     }
     const char *ns = has_module ? module_ns(plain.substr(0, colon)).data() : levels_.back().ns;
     if (ns == nullptr && name != "@") {
-      fail(in_quotes(name) + " is without its module" + module_hint(tag));
+      fail(in_quotes(name) + " has no module name" + module_hint(tag));
     }
     members_.push_back({{parts_.arena.text(tag), tag.size()},
                         ns,
@@ -206,7 +206,7 @@ class json_reader : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, json_
 
   std::string module_hint(std::string_view tag) const {
     const lysc_node *known = parts_.modules->find("/" + std::string(tag), "");
-    return known == nullptr ? "" : "; it would be '" + std::string(module_name(known)) + ':' + std::string(tag) + "'";
+    return known == nullptr ? "" : ", expected '" + std::string(module_name(known)) + ':' + std::string(tag) + "'";
   }
 
   // The member that a value here belongs to.
@@ -231,9 +231,9 @@ class json_reader : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, json_
 
   void add_scalar(std::optional<std::string_view> text) {
     if (in(level::annotation)) {
-      refuse_operation();
+      fail_on_operation();
     } else if (in(level::annotation_array) || (in(level::object) && members_.back().is_annotation)) {
-      fail("an annotation is an object");
+      fail("an annotation must be an object");
     } else {
       check_item(false);
       add_leaf(text);
@@ -254,7 +254,7 @@ class json_reader : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, json_
       return;
     }
     if (owner().count != 0 && levels_.back().has_objects != is_object) {
-      fail("an array holds objects or values, not both");
+      fail("an array must hold objects or values, not both");
     }
     levels_.back().has_objects = is_object;
   }
@@ -263,7 +263,7 @@ class json_reader : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, json_
   void add_null_item() {
     const lysc_node *schema = builder_.schema_of(owner().tag, owner().ns);
     if (owner().count != 0 || (schema != nullptr && !parts_.modules->check_value(schema, "").ok)) {
-      fail("null does not stand in the array of " + in_quotes(owner().tag));
+      fail("null is not allowed in the array of " + in_quotes(owner().tag));
     }
     add_leaf("");
   }
@@ -305,7 +305,7 @@ class json_reader : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, json_
 
   void begin_annotations(size_t annotation) {
     if (members_[annotation].tag.empty() && !builder_.is_open()) {
-      fail("'@' stands inside the data that it is about");
+      fail("'@' must be inside the object that it annotates");
     }
     add_operation(annotation);
     is_operation_ = false;
@@ -315,7 +315,7 @@ class json_reader : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, json_
   void begin_annotation(std::string_view name) {
     const size_t colon = name.find(':');
     if (colon == std::string_view::npos) {
-      fail("annotation " + in_quotes(name) + " is without its module");
+      fail("annotation " + in_quotes(name) + " has no module name");
     }
     is_operation_ = module_ns(name.substr(0, colon)) == netconf_ns && name.substr(colon + 1) == "operation";
   }
@@ -333,9 +333,9 @@ class json_reader : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, json_
     }
   }
 
-  void refuse_operation() {
+  void fail_on_operation() {
     if (is_operation_) {
-      fail("the value of 'ietf-netconf:operation' is a string");
+      fail("the value of 'ietf-netconf:operation' must be a string");
     }
   }
 
@@ -347,11 +347,11 @@ class json_reader : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, json_
     }
     const lysc_node *schema = builder_.schema_of(annotation.tag, annotation.ns);
     if (is_container(schema) || is_list(schema)) {
-      builder_.fail(annotation.offset, "the annotation of " + in_quotes(annotation.tag) + " stands inside it, as '@'");
+      builder_.fail(annotation.offset, "the annotation of " + in_quotes(annotation.tag) + " must be inside it, as '@'");
     }
     const size_t count = data == nullptr ? 1 : data->count;
     if (annotation.count > count) {
-      builder_.fail(annotation.offset, "more annotations than there are values of " + in_quotes(annotation.tag));
+      builder_.fail(annotation.offset, "more annotations than values of " + in_quotes(annotation.tag));
     }
     for (size_t i = 0; i < annotation.count; ++i) {
       const uint8_t operation = operations_[annotation.first + i];

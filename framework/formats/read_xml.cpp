@@ -51,7 +51,7 @@ class xml_reader {
     }
     open_.back().next = next.next_sibling();
     if (next.type() == pugi::node_element) {
-      refuse_text(open_.back().text);
+      fail_on_text(open_.back().text);
       open_.back().text = nullptr;
       open_.back().has_elements = true;
       open(next);
@@ -71,7 +71,7 @@ class xml_reader {
     const char *colon = std::strchr(name, ':');
     const char *tag = colon == nullptr ? name : colon + 1;
     if (*tag == '\0' || (colon != nullptr && (colon == name || std::strchr(tag, ':') != nullptr))) {
-      builder_.fail(offset, in_quotes(name) + " is not a name");
+      builder_.fail(offset, "invalid name " + in_quotes(name));
     }
     const char *ns = element_namespace(name, tag, offset);
     builder_.open(tag, ns, offset, element.internal_object());
@@ -110,7 +110,7 @@ class xml_reader {
   void add_text(const char *piece) {
     open_element &element = open_.back();
     if (element.has_elements) {
-      refuse_text(piece);
+      fail_on_text(piece);
     } else if (element.text == nullptr) {
       element.text = piece;
     } else {
@@ -122,11 +122,11 @@ class xml_reader {
     }
   }
 
-  void refuse_text(const char *text) {
+  void fail_on_text(const char *text) {
     if (text != nullptr && !is_blank(std::string_view(text))) {
       const bool is_joined = text == joined_.data();
       const size_t offset = is_joined ? builder_.current().offset : offset_of(trimmed(text).data());
-      builder_.fail(offset, "text " + in_quotes(trimmed(text)) + " stands beside elements");
+      builder_.fail(offset, "text " + in_quotes(trimmed(text)) + " between elements");
     }
   }
 
@@ -190,7 +190,7 @@ class xml_reader {
       return any_namespace(tag, offset);
     }
     if (ns == nullptr || *ns == '\0') {
-      builder_.fail(offset, in_quotes(tag) + " is in no namespace" + declaration_hint(tag));
+      builder_.fail(offset, in_quotes(tag) + " has no namespace" + declaration_hint(tag));
     }
     return ns;
   }
@@ -208,7 +208,7 @@ class xml_reader {
     }
     std::erase_if(known, [&](const lysc_node *node) { return name(node) != tag; });
     if (known.size() != 1) {
-      builder_.fail(offset, in_quotes(tag) + " is in no namespace, and " +
+      builder_.fail(offset, in_quotes(tag) + " has no namespace, and " +
                                 (known.empty() ? "no module has" : "several modules have") + " such a node there");
     }
     return ns(known.front()).data();
@@ -217,7 +217,7 @@ class xml_reader {
   // What would have been right, when just one module has such a node at the top.
   std::string declaration_hint(std::string_view tag) const {
     const lysc_node *known = parts_.modules->find("/" + std::string(tag), "");
-    return known == nullptr ? "" : "; it would be declared with xmlns=\"" + std::string(ns(known)) + '"';
+    return known == nullptr ? "" : ", expected xmlns=\"" + std::string(ns(known)) + '"';
   }
 
   // The attributes that are no declarations. Those of messages (message-id, type, select) are left to `attribute`.
@@ -236,10 +236,10 @@ class xml_reader {
       if (local == "operation" && ns == netconf_ns) {
         read_operation(node, attribute.value(), offset);
       } else if (name == "operation") {
-        builder_.fail(offset, "attribute 'operation' is in no namespace; it would be nc:operation with xmlns:nc=\"" +
+        builder_.fail(offset, "attribute 'operation' has no namespace, expected nc:operation with xmlns:nc=\"" +
                                   std::string(netconf_ns) + '"');
       } else if (ns != xml_ns && !is_envelope_ns(node.ns)) {
-        builder_.fail(offset, "attribute " + in_quotes(name) + " is not one of data, which is nc:operation only");
+        builder_.fail(offset, "unknown attribute " + in_quotes(name) + ", expected nc:operation");
       }
     }
   }
@@ -266,14 +266,14 @@ class xml_reader {
 std::string words(pugi::xml_parse_status status, std::string_view text) {
   const std::string_view found = text.substr(0, std::min<size_t>(text.find_first_of("<>", 1), 40));
   if (status == pugi::status_no_document_element) {
-    return "there is no element";
+    return "the document has no element";
   }
   if (status == pugi::status_end_element_mismatch || status == pugi::status_bad_end_element) {
     return text.size() <= 1 ? "the text ends inside an element"
-                            : "'</" + std::string(found) + ">' does not close the element that is open there";
+                            : "'</" + std::string(found) + ">' does not close the open element";
   }
   if (status == pugi::status_out_of_memory) {
-    return "there is no memory for it";
+    return "out of memory";
   }
   return in_quotes(found) + " is not well-formed XML";
 }
@@ -296,15 +296,15 @@ void parse(document::parts &parts, size_t begin, bool may_split_text) {
 void check_declaration(const document::parts &parts, size_t begin, pugi::xml_node declaration) {
   const auto offset = static_cast<size_t>(declaration.name() - parts.text.data());
   if (offset != begin + std::strlen("<?")) {
-    parts.fail(offset, "an XML declaration stands at the very beginning");
+    parts.fail(offset, "an XML declaration is allowed only at the beginning");
   }
   if (const std::string version = declaration.attribute("version").as_string(); version != "1.0") {
-    parts.fail(offset, "XML version " + in_quotes(version) + " is not '1.0'");
+    parts.fail(offset, "invalid XML version " + in_quotes(version) + ", expected '1.0'");
   }
   const std::string encoding = declaration.attribute("encoding").as_string("UTF-8");
   const auto is_same = [](char a, char b) { return (a | 0x20) == (b | 0x20); };
   if (!std::ranges::equal(encoding, std::string_view("utf-8"), is_same)) {
-    parts.fail(0, "encoding " + in_quotes(encoding) + " is not 'UTF-8'");
+    parts.fail(0, "invalid encoding " + in_quotes(encoding) + ", expected 'UTF-8'");
   }
 }
 
@@ -316,7 +316,7 @@ pugi::xml_node single_root(const document::parts &parts, size_t begin) {
     } else if (node.type() != pugi::node_element) {
       if (!is_blank(std::string_view(node.value()))) {
         parts.fail(static_cast<size_t>(node.value() - parts.text.data()),
-                   "text " + in_quotes(trimmed(node.value())) + " stands outside the root element");
+                   "text " + in_quotes(trimmed(node.value())) + " outside the root element");
       }
     } else if (root) {
       parts.fail(static_cast<size_t>(node.name() - parts.text.data()),
@@ -326,7 +326,7 @@ pugi::xml_node single_root(const document::parts &parts, size_t begin) {
     }
   }
   if (!root) {
-    parts.fail(parts.text.size(), "there is no element");
+    parts.fail(parts.text.size(), "the document has no element");
   }
   return root;
 }

@@ -32,7 +32,7 @@ pending_node &tree_builder::open(const char *tag, const char *ns, size_t offset,
 void tree_builder::close() {
   const size_t index = open_.back();
   if (pending_.size() > index + 1) {
-    pending_[index].children = settle(index + 1);
+    pending_[index].children = finished_nodes(index + 1);
   }
   open_.pop_back();
 }
@@ -69,7 +69,7 @@ const lysc_node *tree_builder::schema_of(std::string_view tag, std::string_view 
 }
 
 void tree_builder::finish() {
-  parts_.roots = settle(0);
+  parts_.roots = finished_nodes(0);
 }
 
 static void fill(yfw_node_t &node, const pending_node &from) {
@@ -87,8 +87,8 @@ static void fill(yfw_node_t &node, const pending_node &from) {
   }
 }
 
-// Makes nodes of the pending ones from `first` on and tells their children where their parents are now.
-std::span<yfw_node_t> tree_builder::settle(size_t first) {
+// Makes nodes of the pending ones from `first` on and sets the parents of their children.
+std::span<yfw_node_t> tree_builder::finished_nodes(size_t first) {
   const std::span settled(parts_.arena.nodes(pending_.size() - first), pending_.size() - first);
   for (size_t i = 0; i < settled.size(); ++i) {
     fill(settled[i], pending_[first + i]);
@@ -115,7 +115,7 @@ void tree_builder::fail(size_t offset, const std::string &text) {
 }
 
 std::string not_an_operation(std::string_view word) {
-  return in_quotes(word) + " is not an operation, which are 'merge', 'replace', 'create', 'delete', 'remove'";
+  return "invalid operation " + in_quotes(word) + ", expected 'merge', 'replace', 'create', 'delete', 'remove'";
 }
 
 }  // namespace yfw

@@ -53,7 +53,7 @@ class tree_builder {
 
  private:
   const lysc_node *expected(const char *tag, const char *ns) const;
-  std::span<yfw_node_t> settle(size_t first);
+  std::span<yfw_node_t> finished_nodes(size_t first);
 
   document::parts &parts_;
   std::vector<pending_node> pending_;

@@ -52,7 +52,7 @@ class json_writer {
     if (node.ns != outer_ns) {
       const std::string_view module = tree_.modules().module_of_ns(node.ns);
       if (module.empty()) {
-        throw error({"", 0, path(node)}, "no module is known for the namespace " + in_quotes(node.ns));
+        throw error({"", 0, path(node)}, "unknown namespace " + in_quotes(node.ns));
       }
       out_ << module << ':';
     }

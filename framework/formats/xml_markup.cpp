@@ -22,7 +22,7 @@ class markup {
       } else if (text_[at_] == '<') {
         check_tag();
       } else if (is_at("]]>")) {
-        parts_.fail(at_, "']]>' stands outside a CDATA section");
+        parts_.fail(at_, "']]>' is not allowed outside a CDATA section");
       } else {
         ++at_;
       }
@@ -59,7 +59,7 @@ class markup {
     } else if (is_at("<?")) {
       skip(2, "?>", "processing instruction");
     } else {
-      parts_.fail(at_, "document types and entity declarations are refused (RFC 6241, section 3)");
+      parts_.fail(at_, "document types and entity declarations are not allowed (RFC 6241, section 3)");
     }
   }
 
@@ -102,7 +102,7 @@ class markup {
     if (name.starts_with('#') ? !is_character(name.substr(1)) : !is_predefined(name)) {
       const std::string_view shown = name.empty() ? std::string_view("&") : text_.substr(at_, end + 1);
       parts_.fail(at_, in_quotes(shown) +
-                           " is not a reference to a character that YANG has, nor one of &lt; &gt; &amp; "
+                           " is not a reference to a character that YANG allows, nor one of &lt; &gt; &amp; "
                            "&quot; &apos;");
     }
     at_ += end + 1;

@@ -29,7 +29,7 @@ std::string text_of_point(const std::string &line) {
 
 }  // namespace
 
-// Error points are always wanted: they say why a request fails.
+// Error points are always enabled: they give the cause of a failed request.
 int32_t yfw_debug_should_log(yfw_debug_ctx_t *debug_ctx, int32_t level) {
   return level == 0 ? 1 : debug_ctx->framework_0[0];
 }

@@ -31,7 +31,7 @@ context::context(const manifest &plugin_description, yfw::trace_log &trace, outp
   record.request = &request_;
   request = &record;
   _debug_ctx.framework_0[0] = log.wants_short_form() ? 1 : 0;
-  // The handles tell the two levels apart; what they point to does not matter.
+  // The handles distinguish the two levels; what they point to does not matter.
   trace_log = this;
   error_log = &problems;
   ring_trace = &log;
@@ -53,7 +53,7 @@ void context::reset() {
   output_root = {};
   compared = {};
   problems.clear();
-  passed_on.clear();
+  kept.clear();
   failure.clear();
 }
 
@@ -66,8 +66,8 @@ void context::report(std::string_view text) {
   problems.push_back({one_line(text), compared, hierarchy.empty() ? nullptr : hierarchy.back()});
 }
 
-void context::report_passed_on(std::string_view text) {
-  passed_on.push_back({one_line(text), compared, hierarchy.empty() ? nullptr : hierarchy.back()});
+void context::report_kept(std::string_view text) {
+  kept.push_back({one_line(text), compared, hierarchy.empty() ? nullptr : hierarchy.back()});
 }
 
 const yfw_node_t *context::open_entry(std::string_view path) const {

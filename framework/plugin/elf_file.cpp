@@ -40,7 +40,7 @@ elf_file::elf_file(std::string bytes, std::string file) : bytes_(std::move(bytes
   }
   check_segments();
   if (head.e_shentsize != sizeof(Elf64_Shdr) || head.e_shnum == 0) {
-    fail("has no section headers: nothing can be told of it");
+    fail("has no section headers");
   }
   std::vector<Elf64_Shdr> headers;
   for (uint64_t i = 0; i < head.e_shnum; ++i) {
@@ -49,7 +49,7 @@ elf_file::elf_file(std::string bytes, std::string file) : bytes_(std::move(bytes
     sections_.push_back({"", each.sh_type, each.sh_flags, each.sh_addr, each.sh_offset, each.sh_size, each.sh_link});
   }
   if (head.e_shstrndx >= sections_.size()) {
-    fail("is damaged: its section names are nowhere");
+    fail("is damaged: it has no section names");
   }
   const std::string_view names = content(sections_[head.e_shstrndx]);
   for (size_t i = 0; i < sections_.size(); ++i) {
@@ -63,7 +63,7 @@ void elf_file::check_segments() const {
   for (uint64_t i = 0; i < head.e_phnum; ++i) {
     const auto each = at<Elf64_Phdr>(head.e_phoff + i * sizeof(Elf64_Phdr));
     if (each.p_type == PT_LOAD && (each.p_offset > bytes_.size() || bytes_.size() - each.p_offset < each.p_filesz)) {
-      fail("is cut off: " + std::to_string(bytes_.size()) + " bytes are not all of it");
+      fail("is truncated: it has only " + std::to_string(bytes_.size()) + " bytes");
     }
   }
 }
@@ -75,7 +75,7 @@ void elf_file::fail(const std::string &why) const {
 template <typename record_t>
 record_t elf_file::at(uint64_t offset) const {
   if (offset > bytes_.size() || bytes_.size() - offset < sizeof(record_t)) {
-    fail("is cut off: " + std::to_string(bytes_.size()) + " bytes are not all of it");
+    fail("is truncated: it has only " + std::to_string(bytes_.size()) + " bytes");
   }
   record_t record;
   std::memcpy(&record, bytes_.data() + offset, sizeof record);
@@ -87,7 +87,7 @@ std::string_view elf_file::content(const elf_section &section) const {
     return {};
   }
   if (section.offset > bytes_.size() || bytes_.size() - section.offset < section.size) {
-    fail("is cut off: its section '" + section.name + "' ends behind byte " + std::to_string(bytes_.size()));
+    fail("is truncated: section '" + section.name + "' ends after byte " + std::to_string(bytes_.size()));
   }
   return std::string_view(bytes_).substr(section.offset, section.size);
 }
@@ -95,7 +95,7 @@ std::string_view elf_file::content(const elf_section &section) const {
 std::string elf_file::text_at(std::string_view texts, uint64_t offset) const {
   const size_t end = offset < texts.size() ? texts.find('\0', offset) : std::string_view::npos;
   if (end == std::string_view::npos) {
-    fail("is damaged: a name is at place " + std::to_string(offset) + " of " + std::to_string(texts.size()));
+    fail("is damaged: a name is at offset " + std::to_string(offset) + " of " + std::to_string(texts.size()));
   }
   return std::string(texts.substr(offset, end - offset));
 }
@@ -135,7 +135,7 @@ const elf_section *elf_file::of_type(uint32_t type) const {
 
 const elf_section &elf_file::linked(const elf_section &section) const {
   if (section.link >= sections_.size()) {
-    fail("is damaged: section '" + section.name + "' belongs to no other");
+    fail("is damaged: section '" + section.name + "' is not linked to another section");
   }
   return sections_[section.link];
 }
@@ -155,7 +155,7 @@ std::vector<elf_symbol> elf_file::symbols(const elf_section &section) const {
 std::vector<elf_symbol> elf_file::dynamic_symbols() const {
   const elf_section *section = of_type(SHT_DYNSYM);
   if (section == nullptr) {
-    fail("exports and wants nothing: it has no dynamic symbols");
+    fail("has no dynamic symbols");
   }
   std::vector<elf_symbol> result = symbols(*section);
   const elf_section *versions = of_type(SHT_GNU_versym);
@@ -208,7 +208,7 @@ std::vector<std::string> elf_file::needed() const {
   std::vector<std::string> result;
   const elf_section *section = of_type(SHT_DYNAMIC);
   if (section == nullptr) {
-    fail("is no shared library: it has no dynamic section");
+    fail("is not a shared library: it has no dynamic section");
   }
   const std::string_view texts = content(linked(*section));
   for (const auto &each : table<Elf64_Dyn>(*section)) {

@@ -16,17 +16,17 @@ namespace {
 
 using value = rapidjson::Value;
 
-[[noreturn]] void refuse(const std::filesystem::path &file, const std::string &path, const std::string &text) {
+[[noreturn]] void fail(const std::filesystem::path &file, const std::string &path, const std::string &text) {
   throw error(place{file.string(), 0, path}, text);
 }
 
-// Hands out the members of one JSON object and refuses what is missing or unknown.
+// Hands out the members of one JSON object and fails on what is missing or unknown.
 class object_reader {
  public:
   object_reader(const value &object, std::filesystem::path file, std::string path)
       : object_(object), file_(std::move(file)), path_(std::move(path)) {
     if (!object.IsObject()) {
-      refuse(file_, path_, "is not an object");
+      fail(file_, path_, "is not an object");
     }
   }
 
@@ -34,7 +34,7 @@ class object_reader {
     for (const auto &member : object_.GetObject()) {
       const std::string name = member.name.GetString();
       if (std::none_of(names.begin(), names.end(), [&](const char *known) { return name == known; })) {
-        refuse(file_, path_, "unknown member '" + name + "'");
+        fail(file_, path_, "unknown member '" + name + "'");
       }
     }
   }
@@ -42,7 +42,7 @@ class object_reader {
   std::string text(const char *name) const {
     const auto member = object_.FindMember(name);
     if (member == object_.MemberEnd() || !member->value.IsString()) {
-      refuse(file_, path_, "needs the text '" + std::string(name) + "'");
+      fail(file_, path_, "requires a string '" + std::string(name) + "'");
     }
     return {member->value.GetString(), member->value.GetStringLength()};
   }
@@ -50,7 +50,7 @@ class object_reader {
   direction which_direction() const {
     const std::string name = text("direction");
     if (name != "ox" && name != "xo") {
-      refuse(file_, path_, "direction '" + name + "' is neither 'ox' nor 'xo'");
+      fail(file_, path_, "invalid direction '" + name + "', expected 'ox', 'xo'");
     }
     return name == "ox" ? direction::ox : direction::xo;
   }
@@ -58,7 +58,7 @@ class object_reader {
   unsigned number(const char *name) const {
     const auto member = object_.FindMember(name);
     if (member == object_.MemberEnd() || !member->value.IsUint()) {
-      refuse(file_, path_, "needs the number '" + std::string(name) + "'");
+      fail(file_, path_, "requires a number '" + std::string(name) + "'");
     }
     return member->value.GetUint();
   }
@@ -71,7 +71,7 @@ class object_reader {
       return;
     }
     if (!member->value.IsArray()) {
-      refuse(file_, path_ + "/" + name, "is not an array");
+      fail(file_, path_ + "/" + name, "is not an array");
     }
     unsigned index = 0;
     for (const value &element : member->value.GetArray()) {
@@ -117,9 +117,8 @@ manifest manifest::parse(const std::string &text, const std::filesystem::path &f
   const object_reader top(document, file, "");
   top.allow({"abi-version", "entry-points", "lists", "defaults"});
   if (const unsigned version = top.number("abi-version"); version != YFW_ABI_VERSION) {
-    refuse(
-        file, "/abi-version",
-        "'" + std::to_string(version) + "' is not the version of this framework, " + std::to_string(YFW_ABI_VERSION));
+    fail(file, "/abi-version",
+         "invalid ABI version '" + std::to_string(version) + "', expected '" + std::to_string(YFW_ABI_VERSION) + "'");
   }
   top.each("entry-points", [&](const object_reader &entry) {
     entry.allow({"direction", "module", "at", "function"});

@@ -1,4 +1,4 @@
-// Whether a manifest and the modules go together.
+// Checks a manifest against the modules.
 #include <algorithm>
 #include <iterator>
 #include <set>
@@ -11,16 +11,6 @@
 
 namespace yfw {
 namespace {
-
-// "'a', 'b'"
-template <typename names_t>
-std::string listed(const names_t &names) {
-  std::string text;
-  for (const auto &name : names) {
-    text.append(text.empty() ? "'" : ", '").append(name).append("'");
-  }
-  return text;
-}
 
 class manifest_check {
  public:
@@ -46,23 +36,22 @@ class manifest_check {
     return std::string("/") + array + "[" + std::to_string(index) + "]";
   }
 
-  [[noreturn]] void refuse(const std::string &where, const std::string &text) const {
+  [[noreturn]] void fail(const std::string &where, const std::string &text) const {
     throw error(place{file_.string(), 0, where}, text);
   }
 
   void check_entry_point(const entry_point &entry, const std::string &where) const {
     const std::vector<std::string_view> known = modules_.modules();
     if (std::ranges::find(known, entry.module) == known.end()) {
-      refuse(where + "/module",
-             in_quotes(entry.module) + " is none of the modules" + did_you_mean(known, entry.module));
+      fail(where + "/module", "unknown module " + in_quotes(entry.module) + did_you_mean(known, entry.module));
     }
     const std::vector<const lysc_node *> above =
         entry.at == "/" ? std::vector<const lysc_node *>{nullptr} : modules_.find_all(entry.at);
     if (std::ranges::none_of(above, [&](const lysc_node *node) { return has_below(node, entry.module); })) {
       std::set<std::string> right;
       add_places(nullptr, entry.module, right);
-      refuse(where + "/at", "module " + in_quotes(entry.module) + " has no nodes below " + in_quotes(entry.at) +
-                                (right.empty() ? ", nor anywhere else" : "; it has them below " + listed(right)));
+      fail(where + "/at", "module " + in_quotes(entry.module) + " has no nodes below " + in_quotes(entry.at) +
+                              (right.empty() ? " or anywhere else" : ", expected " + quoted_list(right)));
     }
   }
 
@@ -86,19 +75,19 @@ class manifest_check {
   std::vector<const lysc_node *> lists_at(std::string_view at, const std::string &where) const {
     std::vector<const lysc_node *> found = modules_.find_all(at);
     if (found.empty()) {
-      refuse(where, in_quotes(at) + " is not in the modules" + first_fault(at));
+      fail(where, in_quotes(at) + " is not in the modules" + first_fault(at));
     }
     if (const lysc_node *meant = manifest_node(manifest_, at, modules_); meant != nullptr) {
       found = {meant};
     }
     std::erase_if(found, [](const lysc_node *node) { return !is_list(node); });
     if (found.empty()) {
-      refuse(where, in_quotes(at) + " is not a list");
+      fail(where, in_quotes(at) + " is not a list");
     }
     return found;
   }
 
-  // What is wrong with a path that is not in the modules: its first name that is no node.
+  // What is wrong with a path that is not in the modules: its first unknown name.
   std::string first_fault(std::string_view at) const {
     if (!at.starts_with('/')) {
       return ": it does not begin with '/'";
@@ -121,12 +110,12 @@ class manifest_check {
       std::ranges::copy(key_names(list), std::back_inserter(right));
     }
     if (std::ranges::find(right, key) == right.end()) {
-      refuse(where, in_quotes(key) + " is not a key of '" + path(lists.front()) + "', which has " +
-                        (right.empty() ? "none" : listed(right)));
+      fail(where, in_quotes(key) + " is not a key of '" + path(lists.front()) + "'" +
+                      (right.empty() ? ", which has none" : ", expected " + quoted_list(right)));
     }
   }
 
-  // Where a list has no keys, any leaf of it may tell its entries apart.
+  // Where a list has no keys, any leaf of it may identify its entries.
   std::vector<std::string_view> key_names(const lysc_node *list) const {
     std::vector<std::string_view> names = keys(list);
     if (names.empty()) {

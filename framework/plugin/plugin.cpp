@@ -17,21 +17,21 @@ constexpr uint16_t own_machine = EM_AARCH64;
 constexpr uint16_t own_machine = EM_X86_64;
 #endif
 
-// Refuses what the loader would run before anybody could ask for its version, would die of, or says nothing clear of.
+// Throws for a library of another machine or ABI version before the loader runs anything in it.
 void check_library(const std::filesystem::path &library) {
   const elf_file content = elf_file::read(library);
-  const auto refuse = [&](const std::string &text) { throw error(place{library.string()}, text); };
+  const auto fail = [&](const std::string &text) { throw error(place{library.string()}, text); };
   if (content.machine() != own_machine) {
-    refuse("is for " + std::string(machine_name(content.machine())) + ", and this program for " +
-           std::string(machine_name(own_machine)));
+    fail("is built for " + std::string(machine_name(content.machine())) + ", expected " +
+         std::string(machine_name(own_machine)));
   }
   const std::string own = std::to_string(YFW_ABI_VERSION);
   if (const std::string version = content.abi_version().value_or(own); version != own) {
-    refuse("built for record layout version " + in_quotes(version) + "; this framework has '" + own + "'");
+    fail("is built for record layout version " + in_quotes(version) + ", expected '" + own + "'");
   }
 }
 
-// The loader's own words carry the library's path in front and its search in between: keep what tells the cause.
+// The loader's message without the library's path in front of it.
 std::string loader_message(const std::filesystem::path &library) {
   const char *text = dlerror();
   std::string message = text != nullptr ? text : "unknown cause";

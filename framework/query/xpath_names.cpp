@@ -20,24 +20,24 @@ class resolver {
         tokens_(xpath_tokens(text)),
         single_(tokens_.size()) {
     if (tokens_.size() == 2 && tokens_.front().kind == xpath_kind::slash) {
-      tokens_.insert(tokens_.begin() + 1, {xpath_kind::star, "*"});  // the root is no data node; all below it are
+      tokens_.insert(tokens_.begin() + 1, {xpath_kind::star, "*"});  // the root is not a data node; all below it are
       single_.resize(tokens_.size());
     }
   }
 
   read_xpath run() {
     if (tokens_.front().kind != xpath_kind::slash && tokens_.front().kind != xpath_kind::slashes) {
-      refuse("begins with '/' when it is an absolute path", error_tag::invalid_value);
+      fail("is not an absolute path, expected '/' at the beginning", error_tag::invalid_value);
     }
     for (at_ = 0; tokens_[at_].kind != xpath_kind::end; ++at_) {
       resolve(tokens_[at_]);
     }
-    take_plain_steps();
+    read_plain_steps();
     return std::move(result_);
   }
 
  private:
-  [[noreturn]] void refuse(const std::string &why, error_tag tag, const std::string &element = {}) const {
+  [[noreturn]] void fail(const std::string &why, error_tag tag, const std::string &element = {}) const {
     throw client_error({}, in_quotes(text_) + " " + why, tag, element);
   }
 
@@ -113,7 +113,7 @@ class resolver {
 
   void end_predicate() {
     if (outer_.empty()) {
-      refuse("closes a bracket that is not open", error_tag::invalid_value);
+      fail("has ']' without '['", error_tag::invalid_value);
     }
     current_ = outer_.back();
     outer_.pop_back();
@@ -166,9 +166,9 @@ class resolver {
     }
     const std::string_view module = module_name(found.front());
     if (const auto other = others(); other != found.end()) {
-      refuse("may mean '" + std::string(module) + ":" + token.text + "' or '" + std::string(module_name(*other)) + ":" +
-                 token.text + "': say which",
-             error_tag::invalid_value);
+      fail("is ambiguous, expected '" + std::string(module) + ":" + token.text + "' or '" +
+               std::string(module_name(*other)) + ":" + token.text + "'",
+           error_tag::invalid_value);
     }
     emit(module);
     emit(":" + token.text);
@@ -197,7 +197,7 @@ class resolver {
   }
 
   // "/name", and "[name='x']" for keys of a list, as long as nothing else comes.
-  void take_plain_steps() {
+  void read_plain_steps() {
     size_t at = 0;
     while (tokens_[at].kind == xpath_kind::slash && single_.size() > at + 1 && single_[at + 1] != nullptr) {
       result_.steps.push_back({single_[at + 1], {}});

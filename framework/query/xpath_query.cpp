@@ -52,8 +52,7 @@ class lyd_copy {
   lyd_node *added(const data_node &node, lyd_node *parent) {
     lyd_node *copy = nullptr;
     if (make(node, parent, &copy) != LY_SUCCESS) {
-      throw client_error({"", 0, path(node)}, "cannot be searched: the value is not one of its type",
-                         error_tag::operation_failed);
+      throw client_error({"", 0, path(node)}, "cannot be searched: invalid value", error_tag::operation_failed);
     }
     copy->priv = const_cast<data_node *>(&node);
     if (parent == nullptr) {
@@ -75,7 +74,7 @@ class lyd_copy {
     }
     const std::string value = value_of(node);
     const LY_ERR made = lyd_new_term(parent, module, tag.c_str(), value.c_str(), 0, copy);
-    // A value that its type has not is still found by its name.
+    // A value that its type does not allow is still found by its name.
     return made == LY_SUCCESS
                ? made
                : lyd_new_opaq(parent, module->ctx, tag.c_str(), value.c_str(), nullptr, module->name, copy);
@@ -111,7 +110,7 @@ class lyd_copy {
   std::unique_ptr<lyd_node, tree_deleter> top_;
 };
 
-[[noreturn]] void refuse(const ly_ctx *context) {
+[[noreturn]] void fail(const ly_ctx *context) {
   const ly_err_item *fault = ly_err_last(context);
   throw client_error({},
                      "the XPath cannot be evaluated: " +
@@ -125,7 +124,7 @@ std::vector<const data_node *> selected_nodes(const data_tree &data, const std::
   const ly_ctx *context = data.modules().children(nullptr).front()->module->ctx;
   ly_set *raw = nullptr;
   if (lys_find_xpath(context, nullptr, qualified_xpath.c_str(), 0, &raw) != LY_SUCCESS) {
-    refuse(context);
+    fail(context);
   }
   std::unique_ptr<ly_set, set_deleter> set(std::exchange(raw, nullptr));
   const lyd_copy copy(data);
@@ -133,7 +132,7 @@ std::vector<const data_node *> selected_nodes(const data_tree &data, const std::
     return {};
   }
   if (lyd_find_xpath(copy.top(), qualified_xpath.c_str(), &raw) != LY_SUCCESS) {
-    refuse(context);
+    fail(context);
   }
   set.reset(raw);
   std::vector<const data_node *> found;

@@ -38,8 +38,8 @@ class tokenizer {
     }
   }
 
-  [[noreturn]] void refuse(const std::string &text) const {
-    throw client_error({}, in_quotes(all_) + " is not an XPath that is supported: " + text, error_tag::invalid_value);
+  [[noreturn]] void fail(const std::string &text) const {
+    throw client_error({}, "unsupported XPath " + in_quotes(all_) + ": " + text, error_tag::invalid_value);
   }
 
   void add(xpath_kind kind, size_t bytes) {
@@ -83,7 +83,7 @@ class tokenizer {
   void add_literal(char quote) {
     const size_t end = left_.find(quote, 1);
     if (end == std::string_view::npos) {
-      refuse("a quote is not closed");
+      fail("a quote is not closed");
     }
     left_.remove_prefix(1);
     add(xpath_kind::literal, end - 1);
@@ -106,14 +106,14 @@ class tokenizer {
     std::string prefix;
     std::string_view name = name_ahead();
     if (left_.substr(name.size()).starts_with("::")) {
-      refuse("the axis " + in_quotes(name) + "; '/', '//' and '..' are supported");
+      fail("axis " + in_quotes(name) + ", expected '/', '//' or '..'");
     }
     if (left_.substr(name.size()).starts_with(':')) {
       prefix = name;
       left_.remove_prefix(name.size() + 1);
       name = name_ahead();
       if (name.empty()) {
-        refuse("no name follows the prefix " + in_quotes(prefix));
+        fail("no name follows the prefix " + in_quotes(prefix));
       }
     }
     add(xpath_kind::name, name.size());
@@ -150,7 +150,7 @@ class tokenizer {
                                                   {"*", xpath_kind::star}}};
     const auto found = std::ranges::find_if(signs, [&](const known &each) { return left_.starts_with(each.text); });
     if (found == signs.end()) {
-      refuse(in_quotes(left_.substr(0, 1)) + " has no meaning there");
+      fail("unexpected " + in_quotes(left_.substr(0, 1)));
     }
     const bool is_product = found->kind == xpath_kind::star && is_after_operand();
     add(is_product ? xpath_kind::sign : found->kind, found->text.size());

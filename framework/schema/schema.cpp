@@ -71,11 +71,7 @@ std::string schema::unknown_name(const std::vector<const lysc_node *> &parents, 
   if (defining.empty()) {
     return text + did_you_mean(names, name);
   }
-  text += "; " + in_quotes(name) + " is defined in module ";
-  for (const std::string_view module : defining) {
-    text += (module == *defining.begin() ? "" : ", ") + in_quotes(module);
-  }
-  return text;
+  return text + "; " + in_quotes(name) + " is defined in module " + quoted_list(defining);
 }
 
 std::string_view schema::ns_of_module(std::string_view module) const {

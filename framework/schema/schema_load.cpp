@@ -72,7 +72,7 @@ std::map<std::string, module_file> module_files(const std::vector<fs::path> &dir
     }
   }
   if (newest.empty()) {
-    throw error({directories.empty() ? "" : directories.front().string()}, "no YANG module (*.yang) is there");
+    throw error({directories.empty() ? "" : directories.front().string()}, "has no YANG module (*.yang)");
   }
   return newest;
 }
@@ -114,7 +114,7 @@ std::unique_ptr<ly_ctx, context_deleter> new_context(const std::vector<fs::path>
   ly_ctx *context = nullptr;
   const uint16_t options = LY_CTX_NO_YANGLIBRARY | LY_CTX_DISABLE_SEARCHDIR_CWD | LY_CTX_EXPLICIT_COMPILE;
   if (ly_ctx_new(nullptr, options, &context) != LY_SUCCESS) {
-    throw error("libyang has no memory for a context");
+    throw error("out of memory");
   }
   for (const fs::path &directory : directories) {
     ly_ctx_set_searchdir(context, directory.c_str());

@@ -1,6 +1,7 @@
 #include <libyang/plugins_types.h>
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
 
 #include "yfw/error.hpp"
@@ -12,17 +13,21 @@ namespace yfw {
 
 namespace {
 
-// "is not one of its values, which are 'a', 'b'"; of many values only the nearest is named.
-std::string not_one_of(std::string_view text, const std::vector<std::string> &names) {
+// What would be accepted instead of a value: "'a', 'b' or a whole number in 1..5", or what is wrong with it.
+struct expectation {
+  std::string expected;
+  std::string detail;                      // "length must be 1..5"
+  std::vector<std::string> accepted = {};  // the values, where they can be listed
+};
+
+// Of many names only the nearest is given.
+expectation one_of(std::string_view text, std::vector<std::string> names) {
   constexpr size_t most = 24;
-  std::string why = "is not one of its values";
   if (names.size() > most) {
-    return why + did_you_mean({names.begin(), names.end()}, text);
+    return {"", did_you_mean({names.begin(), names.end()}, text), std::move(names)};
   }
-  for (size_t i = 0; i < names.size(); ++i) {
-    why += (i == 0 ? ", which are " : ", ") + in_quotes(names[i]);
-  }
-  return why;
+  std::string expected = quoted_list(names);
+  return {std::move(expected), "", std::move(names)};
 }
 
 // The parts of a range or length, "1..5 or 10", with `least` and `most` for a type without one.
@@ -82,33 +87,33 @@ std::string number_range(const lysc_type *type, width width) {
   return range_words(as<lysc_type_num>(type).range, type->basetype, least, most);
 }
 
-// Why libyang refused a value, in the framework's words where they can say more. It follows the value.
-std::string reason(const lysc_type *type, std::string_view text, const ly_err_item *fault) {
+// What libyang expects, in the framework's words where they can say more.
+expectation expected_by(const lysc_type *type, std::string_view text, const ly_err_item *fault) {
   const std::string_view message = fault != nullptr && fault->msg != nullptr ? fault->msg : "";
   const width number = width_of(type->basetype);
   if (number.bits != 0) {
-    return "is not a whole number in " + number_range(type, number);
+    return {"a whole number in " + number_range(type, number), ""};
   }
-  if (const auto names = value_names(type); !names.empty()) {
-    return not_one_of(text, names);
+  if (auto names = value_names(type); !names.empty()) {
+    return one_of(text, std::move(names));
   }
   constexpr std::string_view before_pattern = " does not conform to ";
   const size_t pattern = message.rfind(before_pattern);
   if (type->basetype == LY_TYPE_STRING && pattern != std::string_view::npos) {
     std::string expression = plain_words(message.substr(pattern + before_pattern.size()));
     expression = expression.size() < 2 ? expression : expression.substr(1, expression.size() - 2);
-    return "does not match the pattern '" + expression + "'";
+    return {"a string that matches '" + expression + "'", ""};
   }
   if (type->basetype == LY_TYPE_STRING && as<lysc_type_str>(type).length != nullptr) {
     const auto *length = as<lysc_type_str>(type).length;
-    return "has not the length that it must have, " + range_words(length, type->basetype, "", "");
+    return {"", ": length must be " + range_words(length, type->basetype, "", "")};
   }
-  return "is not a value of its type: " + plain_words(message);
+  return {"", ": " + plain_words(message)};
 }
 
-checked_value rejected(std::string_view text, std::string reason) {
-  std::string why = in_quotes(text) + " " + reason;
-  return {false, "", std::move(why), std::move(reason)};
+checked_value rejected(std::string_view text, expectation wanted) {
+  std::string reason = (wanted.expected.empty() ? "" : ", expected " + wanted.expected) + wanted.detail;
+  return {false, {}, {rejected_value::kind::invalid, std::string(text), std::move(reason), std::move(wanted.accepted)}};
 }
 
 checked_value stored(const ly_ctx *context, const lysc_node *leaf, const lysc_type *type, std::string_view text) {
@@ -121,10 +126,10 @@ checked_value stored(const ly_ctx *context, const lysc_node *leaf, const lysc_ty
   checked_value result;
   if (code == LY_SUCCESS || code == LY_EINCOMPLETE) {
     const char *canonical = lyd_value_get_canonical(context, &value);
-    result = {true, std::string(canonical != nullptr ? canonical : text), {}, {}};
+    result = {true, std::string(canonical != nullptr ? canonical : text), {}};
     type->plugin->free(context, &value);
   } else {
-    result = rejected(text, reason(type, text, fault));
+    result = rejected(text, expected_by(type, text, fault));
   }
   ly_err_free(fault);
   return result;
@@ -139,16 +144,16 @@ checked_value identity_value(const identity_table &identities, const lysc_type *
   if (!prefix.empty() && prefixes) {
     ns = prefixes(prefix);
     if (!ns) {
-      return rejected(text, "has a prefix that is not declared");
+      return rejected(text, {"", ": prefix " + in_quotes(prefix) + " is not declared"});
     }
   }
   for (const lysc_ident *identity : identities.at(type)) {
     const bool is_here = prefix.empty() || (ns ? *ns == identity->module->ns : prefix == identity->module->name);
     if (is_here && name == identity->name) {
-      return {true, identity->name, {}, {}};
+      return {true, identity->name, {}};
     }
   }
-  return rejected(text, not_one_of(text, value_names(type)));
+  return rejected(text, one_of(text, value_names(type)));
 }
 
 checked_value checked(const ly_ctx *context, const identity_table &identities, const lysc_node *leaf,
@@ -159,15 +164,19 @@ checked_value checked(const ly_ctx *context, const identity_table &identities, c
   if (type->basetype != LY_TYPE_UNION) {
     return stored(context, leaf, type, text);
   }
-  std::string reasons;
+  // The members' expectations one after the other.
+  rejected_value none{rejected_value::kind::invalid, std::string(text)};
   for (const lysc_type *member : members(type)) {
     checked_value result = checked(context, identities, leaf, member, text, prefixes);
     if (result.ok) {
       return result;
     }
-    reasons += reasons.empty() ? result.reason : ", and " + result.why;
+    const bool is_next = !none.reason.empty() && result.rejected.reason.starts_with(", expected ");
+    none.reason += is_next ? " or " + result.rejected.reason.substr(std::string_view(", expected ").size())
+                           : result.rejected.reason;
+    std::ranges::move(result.rejected.accepted, std::back_inserter(none.accepted));
   }
-  return rejected(text, reasons);
+  return {false, {}, std::move(none)};
 }
 
 }  // namespace
@@ -180,7 +189,7 @@ std::vector<std::string> schema::allowed_values(const lysc_node *leaf) const {
 checked_value schema::check_value(const lysc_node *leaf, std::string_view text, const prefix_resolver &prefixes) const {
   const lysc_type *type = type_of(leaf);
   if (type == nullptr) {
-    return {false, {}, "it is not a leaf and takes no value", "it is not a leaf and takes no value"};
+    return rejected(text, {"", ": the node is not a leaf"});
   }
   return checked(parts_->context.get(), parts_->identities, leaf, type, text, prefixes);
 }

@@ -65,13 +65,14 @@ class condition_reader {
 
 void require_edit(const document &request, const client_request &client) {
   if (client.is_read()) {
-    throw client_error({request.file()}, "reads and does not edit", error_tag::operation_not_supported);
+    throw client_error({request.file()}, "is a read, expected an edit", error_tag::operation_not_supported);
   }
   if (client.error_option == "continue-on-error") {
-    throw client_error({request.file()},
-                       "error-option 'continue-on-error' is not supported: an edit is done whole or not at all, as "
-                       "'rollback-on-error' says",
-                       error_tag::operation_not_supported);
+    throw client_error(
+        {request.file()},
+        "error-option 'continue-on-error' is not supported: an edit is applied as a whole or not at all, as "
+        "'rollback-on-error' says",
+        error_tag::operation_not_supported);
   }
 }
 
@@ -113,15 +114,15 @@ class edit_run {
     present_.read(device);
     for (const yfw_node_t *node : conditions_.absent) {
       if (present_.holds(*node)) {
-        throw client_error(request_.where(*node), "cannot be created: it is there already", error_tag::data_exists);
+        throw client_error(request_.where(*node), "cannot be created: it already exists", error_tag::data_exists);
       }
     }
     for (const yfw_node_t *node : conditions_.present) {
       if (!present_.holds(*node)) {
         const bool is_deleted = extra(*node).given_operation == YFW_OPERATION_DELETE;
         throw client_error(request_.where(*node),
-                           is_deleted ? "cannot be deleted: it is not there; 'remove' would not mind"
-                                      : "is not there, and default-operation 'none' does not make it",
+                           is_deleted ? "cannot be deleted: it does not exist; 'remove' accepts that"
+                                      : "does not exist, and operation 'none' does not create it",
                            error_tag::data_missing);
       }
     }
@@ -203,7 +204,7 @@ std::vector<note> notes_on(const document &request, const client_request &client
   if (client.error_option == "stop-on-error") {
     notes.push_back({{request.file()},
                      note_kind::error_option,
-                     "error-option 'stop-on-error': nothing is done when something fails",
+                     "error-option 'stop-on-error': nothing is changed if an operation fails",
                      client.error_option});
   }
   return notes;
@@ -233,11 +234,11 @@ edit_outcome mapping_service::edit_node(std::string_view path, const std::option
   const std::vector<path_step> steps = read_instance_path(path, modules, client_nodes(mapping_.description(), modules));
   const lysc_node *node = steps.back().node;
   if (is_key(node)) {
-    throw client_error({"", 0, std::string(path)}, "is a key, which comes and goes with its list entry",
+    throw client_error({"", 0, std::string(path)}, "is a key, which is created and deleted with its list entry",
                        error_tag::operation_not_supported);
   }
   if (value && !holds_value(node)) {
-    throw client_error({"", 0, std::string(path)}, "is no leaf and takes no value", error_tag::bad_element);
+    throw client_error({"", 0, std::string(path)}, "is not a leaf and has no value", error_tag::bad_element);
   }
   document request = request_for(steps, modules, operation, value);
   return edit(request, bare_request(request, client_operation::edit), use);

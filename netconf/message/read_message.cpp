@@ -7,7 +7,7 @@
 namespace yfw {
 namespace {
 
-// The words of one message, checked against what its place allows.
+// Reads one message and checks its parameters.
 class message_reader {
  public:
   explicit message_reader(document &request) : document_(request) {}
@@ -16,18 +16,19 @@ class message_reader {
     yfw_node_t *message = &root;
     if (is(root, "rpc")) {
       if (children(root).size() != 1) {
-        refuse(root, "an rpc holds one operation: 'get', 'get-config' or 'edit-config'");
+        fail(root, "an rpc must hold one operation, expected 'get', 'get-config', 'edit-config'");
       }
       message = &children(root).front();
     }
-    refuse_repeated(*message);
+    require_no_repetition(*message);
     if (is(*message, "get") || is(*message, "get-config")) {
       return read_get(*message);
     }
     if (is(*message, "edit-config")) {
       return read_edit(*message);
     }
-    refuse(*message, in_quotes(message->tag) + " is not supported, only 'get', 'get-config' and 'edit-config'");
+    fail(*message,
+         "unsupported operation " + in_quotes(message->tag) + ", expected 'get', 'get-config', 'edit-config'");
   }
 
  private:
@@ -35,16 +36,16 @@ class message_reader {
     return node.ns != nullptr && node.tag == tag && std::string_view(node.ns) == netconf_ns;
   }
 
-  [[noreturn]] void refuse(const yfw_node_t &node, const std::string &text,
-                           error_tag tag = error_tag::operation_not_supported, const std::string &element = {}) const {
+  [[noreturn]] void fail(const yfw_node_t &node, const std::string &text,
+                         error_tag tag = error_tag::operation_not_supported, const std::string &element = {}) const {
     throw client_error(document_.where(node), text, tag, element);
   }
 
-  void refuse_repeated(const yfw_node_t &message) const {
+  void require_no_repetition(const yfw_node_t &message) const {
     std::set<std::string_view> seen;
     for (const yfw_node_t &parameter : children(message)) {
       if (!seen.insert(parameter.tag).second) {
-        refuse(parameter, in_quotes(parameter.tag) + " appears twice", error_tag::bad_element);
+        fail(parameter, in_quotes(parameter.tag) + " appears twice", error_tag::bad_element);
       }
     }
   }
@@ -57,12 +58,12 @@ class message_reader {
       if (is(parameter, "filter")) {
         require_subtree(document_, parameter);
         result.everything = false;
-        take_data(parameter, result);
+        add_data(parameter, result);
       } else if (is(parameter, "source") && result.operation == client_operation::get_config) {
         result.source = datastore(parameter);
       } else {
-        refuse(parameter, in_quotes(parameter.tag) + " is not a supported parameter of '" + message.tag + "'",
-               error_tag::unknown_element, parameter.tag);
+        fail(parameter, "unsupported parameter " + in_quotes(parameter.tag) + " of '" + message.tag + "'",
+             error_tag::unknown_element, parameter.tag);
       }
     }
     return result;
@@ -75,7 +76,7 @@ class message_reader {
     for (yfw_node_t &parameter : children(message)) {
       if (is(parameter, "config")) {
         has_config = true;
-        take_data(parameter, result);
+        add_data(parameter, result);
       } else if (is(parameter, "target")) {
         result.target = datastore(parameter);
       } else if (is(parameter, "default-operation")) {
@@ -85,27 +86,27 @@ class message_reader {
       } else if (is(parameter, "error-option")) {
         result.error_option = one_of(parameter, {"stop-on-error", "continue-on-error", "rollback-on-error"});
       } else {
-        refuse(parameter, in_quotes(parameter.tag) + " is not a supported parameter of 'edit-config'",
-               error_tag::unknown_element, parameter.tag);
+        fail(parameter, "unsupported parameter " + in_quotes(parameter.tag) + " of 'edit-config'",
+             error_tag::unknown_element, parameter.tag);
       }
     }
     if (!has_config) {
-      refuse(message, "an edit-config needs a 'config'", error_tag::missing_element, "config");
+      fail(message, "'config' is missing", error_tag::missing_element, "config");
     }
     if (result.data.empty() && result.default_operation == YFW_OPERATION_REPLACE) {
-      refuse(message, "no plug-in can replace the whole configuration");
+      fail(message, "replacing the whole configuration is not supported");
     }
     return result;
   }
 
   std::string datastore(const yfw_node_t &parameter) const {
     if (children(parameter).size() != 1) {
-      refuse(parameter, in_quotes(parameter.tag) + " names one datastore", error_tag::invalid_value);
+      fail(parameter, in_quotes(parameter.tag) + " must name one datastore", error_tag::invalid_value);
     }
     const yfw_node_t &named = children(parameter).front();
     if (!is(named, "running") && !is(named, "candidate") && !is(named, "startup")) {
-      refuse(named, in_quotes(named.tag) + " is not a supported datastore; 'running', 'candidate' and 'startup' are",
-             error_tag::operation_not_supported);
+      fail(named, "unsupported datastore " + in_quotes(named.tag) + ", expected 'running', 'candidate', 'startup'",
+           error_tag::operation_not_supported);
     }
     return named.tag;
   }
@@ -118,16 +119,14 @@ class message_reader {
   std::string one_of(const yfw_node_t &parameter, std::initializer_list<std::string_view> words) const {
     const std::string_view value = parameter.value != nullptr ? parameter.value : "";
     if (std::find(words.begin(), words.end(), value) == words.end()) {
-      std::string known;
-      for (const std::string_view word : words) {
-        known += (known.empty() ? "'" : ", '") + std::string(word) + "'";
-      }
-      refuse(parameter, in_quotes(value) + " is not one of its values, which are " + known, error_tag::invalid_value);
+      throw client_error(document_.where(parameter),
+                         {rejected_value::kind::invalid, std::string(value), ", expected " + quoted_list(words),
+                          std::vector<std::string>(words.begin(), words.end())});
     }
     return std::string(value);
   }
 
-  static void take_data(yfw_node_t &holder, client_request &result) {
+  static void add_data(yfw_node_t &holder, client_request &result) {
     for (yfw_node_t &node : children(holder)) {
       result.data.push_back(&node);
     }
@@ -143,7 +142,7 @@ client_request read_client_request(document &request, std::optional<client_opera
     return bare_request(request, bare_operation.value_or(client_operation::get));
   }
   for (const yfw_node_t &root : request.roots()) {
-    refuse_operations(request, root);
+    require_no_operations(request, root);
   }
   client_request result = message_reader(request).read(request.roots().front());
   trim_filter(request, result);

@@ -67,7 +67,7 @@ error_fields fields_of(const error &fault, const schema &modules, const manifest
                       {}};
   const bool is_unknown = tag == error_tag::unknown_element || tag == error_tag::unknown_namespace;
   fields.path = instance_identifier(steps_of(fault.where().path, modules, description, is_unknown), format, fields);
-  // As the program tells it, less a path that has a place of its own.
+  // The message as the program prints it, without the path, which has a field of its own.
   place where = fault.where();
   where.path = fields.path.empty() ? where.path : "";
   fields.message = error(where, fault.text()).what();

@@ -405,11 +405,11 @@ INSTANTIATE_TEST_SUITE_P(
         TextRow{"Operation",
                 "<library xmlns=\"urn:test:library\" xmlns:nc=\"urn:ietf:params:xml:ns:netconf:base:1.0\" "
                 "nc:operation=\"merge\"/>",
-                "device:1: /library: a device's data has no operation"},
+                "device:1: /library: operations are not allowed in a device's data"},
         TextRow{"Message", "<get xmlns=\"urn:ietf:params:xml:ns:netconf:base:1.0\"/>",
                 "device:1: /get: 'get' is not native data; 'data' with native data is"},
         TextRow{"UnknownJson", R"({"library:library":{"pond":5}})",
-                "device:1: /library/pond: the modules do not know it, so that it could not be written back as it is"},
+                "device:1: /library/pond: is not defined in the modules and could not be written back unchanged"},
         TextRow{"UnknownPrefixedValue",
                 "<library xmlns=\"urn:test:library\" xmlns:s=\"urn:test:shop\"><pond>s:deep</pond></library>",
                 "device:1: /library/pond: 's:deep' could not be written back with its prefix"}),

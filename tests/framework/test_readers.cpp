@@ -68,61 +68,61 @@ INSTANTIATE_TEST_SUITE_P(
 INSTANTIATE_TEST_SUITE_P(
     RefusedXml, Read,
     testing::Values(
-        ReadRow{"NoText", " \n", "in:1: empty; it would be XML, which begins with '<', or JSON, which begins with '{'"},
-        ReadRow{"NoXml", "\nabc",
-                "in:2: 'a' begins neither XML, which begins with '<', nor a JSON object, which begins with '{'"},
+        ReadRow{"NoText", " \n", "in:1: is empty, expected '<' (XML) or '{' (JSON)"},
+        ReadRow{"NoXml", "\nabc", "in:2: begins with 'a', expected '<' (XML) or '{' (JSON)"},
         ReadRow{"DocumentType", "<!DOCTYPE a [<!ENTITY b 'c'>]>\n<a/>",
-                "in:1: document types and entity declarations are refused (RFC 6241, section 3)"},
+                "in:1: document types and entity declarations are not allowed (RFC 6241, section 3)"},
         ReadRow{
             "Entity", xml("\n<name>&b;</name>"),
-            "in:3: '&b;' is not a reference to a character that YANG has, nor one of &lt; &gt; &amp; &quot; &apos;"},
-        ReadRow{"BareAmpersand", xml("<name>a & b</name>"),
-                "in:2: '&' is not a reference to a character that YANG has, nor one of &lt; &gt; &amp; &quot; &apos;"},
+            "in:3: '&b;' is not a reference to a character that YANG allows, nor one of &lt; &gt; &amp; &quot; &apos;"},
         ReadRow{
-            "ZeroReference", xml("<name>&#0;</name>"),
-            "in:2: '&#0;' is not a reference to a character that YANG has, nor one of &lt; &gt; &amp; &quot; &apos;"},
-        ReadRow{"SurrogateReference", xml("<name>&#xD800;</name>"),
-                "in:2: '&#xD800;' is not a reference to a character that YANG has, nor one of &lt; &gt; &amp; &quot; "
+            "BareAmpersand", xml("<name>a & b</name>"),
+            "in:2: '&' is not a reference to a character that YANG allows, nor one of &lt; &gt; &amp; &quot; &apos;"},
+        ReadRow{"ZeroReference", xml("<name>&#0;</name>"),
+                "in:2: '&#0;' is not a reference to a character that YANG allows, nor one of &lt; &gt; &amp; &quot; "
                 "&apos;"},
         ReadRow{
+            "SurrogateReference", xml("<name>&#xD800;</name>"),
+            "in:2: '&#xD800;' is not a reference to a character that YANG allows, nor one of &lt; &gt; &amp; &quot; "
+            "&apos;"},
+        ReadRow{
             "EntityInAttribute", "<a b='&c;'/>",
-            "in:1: '&c;' is not a reference to a character that YANG has, nor one of &lt; &gt; &amp; &quot; &apos;"},
-        ReadRow{"ZeroByte", xml("\n<name>a") + std::string(1, '\0') + "</name>",
-                "in:3: a zero byte is a character that YANG has not"},
+            "in:1: '&c;' is not a reference to a character that YANG allows, nor one of &lt; &gt; &amp; &quot; &apos;"},
+        ReadRow{"ZeroByte", xml("\n<name>a") + std::string(1, '\0') + "</name>", "in:3: a zero byte is not allowed"},
         ReadRow{"TwoRoots", xml("") + "\n<b/>", "in:3: '<b>' is a second root element"},
-        ReadRow{"TextBehind", xml("") + "\n text", "in:2: text 'text' stands outside the root element"},
-        ReadRow{"OnlyComment", "<!-- -->", "in:1: there is no element"},
+        ReadRow{"TextBehind", xml("") + "\n text", "in:2: text 'text' outside the root element"},
+        ReadRow{"OnlyComment", "<!-- -->", "in:1: the document has no element"},
         ReadRow{"Truncated", "<library xmlns='urn:test:library'>\n<name>North</name>\n",
                 "in:2: the text ends inside an element"},
         ReadRow{"TruncatedTag", "<library\n xmlns='a", "in:2: attribute value holds '<' or is not closed by \"'\""},
-        ReadRow{"Mismatch", xml("<name>\n</nam>"), "in:3: '</nam>' does not close the element that is open there"},
+        ReadRow{"Mismatch", xml("<name>\n</nam>"), "in:3: '</nam>' does not close the open element"},
         ReadRow{"CommentUnclosed", xml("<!-- a"), "in:2: comment is not closed by '--'"},
-        ReadRow{"SectionEnd", xml("<motto>a]b]]></motto>"), "in:2: ']]>' stands outside a CDATA section"},
+        ReadRow{"SectionEnd", xml("<motto>a]b]]></motto>"), "in:2: ']]>' is not allowed outside a CDATA section"},
         ReadRow{"AngleInAttribute", "<a b='<'/>", "in:1: attribute value holds '<' or is not closed by \"'\""},
         ReadRow{"RepeatedAttribute", "<a xmlns='x' b='1' b='2'/>", "in:1: attribute 'b' is given twice"},
         ReadRow{"LateDeclaration", "\n<?xml version='1.0'?>" + xml(""),
-                "in:2: an XML declaration stands at the very beginning"},
+                "in:2: an XML declaration is allowed only at the beginning"},
         ReadRow{"DeclarationAfterComment", "<!-- a --><?xml version='1.0'?>" + xml(""),
-                "in:1: an XML declaration stands at the very beginning"},
+                "in:1: an XML declaration is allowed only at the beginning"},
         ReadRow{"TwoDeclarations", "<?xml version='1.0'?><?xml version='1.0'?>" + xml(""),
-                "in:1: an XML declaration stands at the very beginning"},
-        ReadRow{"Version", "<?xml version='1.1'?>" + xml(""), "in:1: XML version '1.1' is not '1.0'"},
+                "in:1: an XML declaration is allowed only at the beginning"},
+        ReadRow{"Version", "<?xml version='1.1'?>" + xml(""), "in:1: invalid XML version '1.1', expected '1.0'"},
         ReadRow{"Encoding", "<?xml version='1.0' encoding='ISO-8859-1'?>" + xml(""),
-                "in:1: encoding 'ISO-8859-1' is not 'UTF-8'"},
+                "in:1: invalid encoding 'ISO-8859-1', expected 'UTF-8'"},
         ReadRow{"UndeclaredPrefix", xml("<b:name/>"), "in:2: /library: prefix 'b' is not declared"},
-        ReadRow{"TwoColons", xml("<a:b:c/>"), "in:2: /library: 'a:b:c' is not a name"},
-        ReadRow{"NoNamespace", "<till/>", "in:1: 'till' is in no namespace"},
-        ReadRow{"NamespaceTakenBack", xml("<name xmlns=''/>"), "in:2: /library: 'name' is in no namespace"},
+        ReadRow{"TwoColons", xml("<a:b:c/>"), "in:2: /library: invalid name 'a:b:c'"},
+        ReadRow{"NoNamespace", "<till/>", "in:1: 'till' has no namespace"},
+        ReadRow{"NamespaceTakenBack", xml("<name xmlns=''/>"), "in:2: /library: 'name' has no namespace"},
         ReadRow{"TextBesideElements", xml("<book>\n<title>Emma</title><edition>1</edition>lost</book>"),
-                "in:3: /library/book[title=\"Emma\"][edition=\"1\"]: text 'lost' stands beside elements"},
+                "in:3: /library/book[title=\"Emma\"][edition=\"1\"]: text 'lost' between elements"},
         ReadRow{"PlainOperation", xml("<name operation='delete'/>"),
-                "in:2: /library/name: attribute 'operation' is in no namespace; it would be nc:operation with "
+                "in:2: /library/name: attribute 'operation' has no namespace, expected nc:operation with "
                 "xmlns:nc=\"urn:ietf:params:xml:ns:netconf:base:1.0\""},
         ReadRow{"UnknownOperation", xml("<name xmlns:n='urn:ietf:params:xml:ns:netconf:base:1.0' n:operation='drop'/>"),
-                "in:2: /library/name: 'drop' is not an operation, which are 'merge', 'replace', 'create', 'delete', "
+                "in:2: /library/name: invalid operation 'drop', expected 'merge', 'replace', 'create', 'delete', "
                 "'remove'"},
         ReadRow{"UnknownAttribute", xml("<name color='red'/>"),
-                "in:2: /library/name: attribute 'color' is not one of data, which is nc:operation only"}),
+                "in:2: /library/name: unknown attribute 'color', expected nc:operation"}),
     row_name);
 
 INSTANTIATE_TEST_SUITE_P(
@@ -136,9 +136,10 @@ INSTANTIATE_TEST_SUITE_P(
         ReadRow{"Latin1", json("\"motto\": \"caf\xe9\""), "in:2: the text is not UTF-8"},
         ReadRow{"CutOff", "<a>\n\xe2\x82", "in:2: the text is not UTF-8"},
         ReadRow{"NoncharacterOfAPlane", xml("<motto>\xf0\x9f\xbf\xbe</motto>"),
-                "in:2: the text is a character that YANG has not"},
-        ReadRow{"Noncharacter", xml("<motto>\xef\xbf\xbf</motto>"), "in:2: the text is a character that YANG has not"},
-        ReadRow{"Control", xml("<motto>\x1b</motto>"), "in:2: the text is a character that YANG has not"}),
+                "in:2: the text has a character that YANG does not allow"},
+        ReadRow{"Noncharacter", xml("<motto>\xef\xbf\xbf</motto>"),
+                "in:2: the text has a character that YANG does not allow"},
+        ReadRow{"Control", xml("<motto>\x1b</motto>"), "in:2: the text has a character that YANG does not allow"}),
     row_name);
 
 INSTANTIATE_TEST_SUITE_P(
@@ -175,37 +176,36 @@ INSTANTIATE_TEST_SUITE_P(
         ReadRow{"TwoRoots", json("") + "\n{}", "in:3: the document root must not be followed by other values at '{'"},
         ReadRow{"Comment", json("// a\n"), "in:2: missing a name for object member at '//'"},
         ReadRow{"NotANumber", json("\"shelf\": [NaN]"), "in:2: invalid value at 'NaN'"},
-        ReadRow{"UnknownModule", R"({"libary:library": {}})",
-                "in:1: module 'libary' is not known; did you mean 'library'?"},
-        ReadRow{"NoModule", R"({"name": {}})", "in:1: 'name' is without its module"},
+        ReadRow{"UnknownModule", R"({"libary:library": {}})", "in:1: unknown module 'libary'; did you mean 'library'?"},
+        ReadRow{"NoModule", R"({"name": {}})", "in:1: 'name' has no module name"},
         ReadRow{"RepeatedMember", json("\"name\": \"A\",\n\"library:name\": \"B\""),
                 "in:3: /library: 'name' is given twice"},
         ReadRow{"RepeatedTop", R"({"library:library": {}, "library:library": {}})", "in:1: 'library' is given twice"},
         ReadRow{"ArrayInArray", json("\"shelf\": [[1]]"),
-                "in:2: /library: an array does not stand in an array or an annotation"},
-        ReadRow{"MixedArray", json("\"book\": [{}, 1]"), "in:2: /library: an array holds objects or values, not both"},
+                "in:2: /library: an array is not allowed in an array or an annotation"},
+        ReadRow{"MixedArray", json("\"book\": [{}, 1]"),
+                "in:2: /library: an array must hold objects or values, not both"},
         ReadRow{"NullInArray", json("\"shelf\": [1, null]"),
-                "in:2: /library: null does not stand in the array of 'shelf'"},
+                "in:2: /library: null is not allowed in the array of 'shelf'"},
         ReadRow{"EscapedZero", json(R"("motto": "\u0000")"),
-                "in:2: /library: an escape in a string is a character that YANG has not"},
+                "in:2: /library: an escape in a string has a character that YANG does not allow"},
         ReadRow{"HighSurrogate", json(R"("motto": "\ud800")"),
                 "in:2: the surrogate pair in string is invalid at '\"\\ud800\"'"},
         ReadRow{"LowSurrogate", json(R"("motto": "\udc00")"), "in:2: /library: an escape in a string is not UTF-8"},
         ReadRow{"RawControl", json("\"motto\": \"a\nb\""),
                 "in:2: a string holds an unknown escape or a control character at '\"a'"},
-        ReadRow{
-            "UnknownOperation", json(R"("@": {"ietf-netconf:operation": "drop"})"),
-            "in:2: /library: 'drop' is not an operation, which are 'merge', 'replace', 'create', 'delete', 'remove'"},
+        ReadRow{"UnknownOperation", json(R"("@": {"ietf-netconf:operation": "drop"})"),
+                "in:2: /library: invalid operation 'drop', expected 'merge', 'replace', 'create', 'delete', 'remove'"},
         ReadRow{"OperationWithoutModule", json(R"("@": {"operation": "delete"})"),
-                "in:2: /library: annotation 'operation' is without its module"},
+                "in:2: /library: annotation 'operation' has no module name"},
         ReadRow{"OperationNoString", json(R"("@": {"ietf-netconf:operation": 3})"),
-                "in:2: /library: the value of 'ietf-netconf:operation' is a string"},
+                "in:2: /library: the value of 'ietf-netconf:operation' must be a string"},
         ReadRow{"AnnotationOutside", json("\"@book\": {\"ietf-netconf:operation\": \"delete\"}"),
-                "in:2: /library: the annotation of 'book' stands inside it, as '@'"},
-        ReadRow{"AnnotationAtTop", R"({"@": {}})", "in:1: '@' stands inside the data that it is about"},
-        ReadRow{"AnnotationNoObject", json(R"("@name": 1)"), "in:2: /library: an annotation is an object"},
+                "in:2: /library: the annotation of 'book' must be inside it, as '@'"},
+        ReadRow{"AnnotationAtTop", R"({"@": {}})", "in:1: '@' must be inside the object that it annotates"},
+        ReadRow{"AnnotationNoObject", json(R"("@name": 1)"), "in:2: /library: an annotation must be an object"},
         ReadRow{"TooManyAnnotations", json(R"("shelf": [1], "@shelf": [null, null])"),
-                "in:2: /library: more annotations than there are values of 'shelf'"}),
+                "in:2: /library: more annotations than values of 'shelf'"}),
     row_name);
 
 std::string repeated(const std::string &text, size_t count) {
@@ -220,7 +220,7 @@ TEST(Limits, HoldAgainstHostileDocuments) {
   EXPECT_EQ(outcome(repeated("<a xmlns='x'>", 100000)), "in:1: the text ends inside an element");
   EXPECT_TRUE(outcome(repeated("<a xmlns='x'>", 129) + repeated("</a>", 129)).ends_with(": nested more than 128 deep"));
   EXPECT_TRUE(outcome(repeated("{\"library:a\":", 100000)).ends_with(": nested more than 128 deep"));
-  EXPECT_TRUE(outcome("{\"library:a\":" + repeated("[", 100000)).starts_with("in:1: an array does not stand in"));
+  EXPECT_TRUE(outcome("{\"library:a\":" + repeated("[", 100000)).starts_with("in:1: an array is not allowed in"));
   std::string attributes;
   for (int i = 0; i < 65; ++i) {
     attributes += " a" + std::to_string(i) + "=''";
@@ -285,11 +285,12 @@ TEST(Document, IsSearchedAtEachPlaceOfABlock) {
     const std::string motto = "library:library{motto=" + before + " '>\"]]b}";
     EXPECT_EQ(outcome(xml("<motto xml:lang='" + before + ">'>" + before + " '>\"]]b</motto>")), motto);
     EXPECT_EQ(outcome(json("\"motto\": \"" + before + " '>\\\"]]b\"")), motto);
-    EXPECT_EQ(outcome(xml("<motto>\n" + before + "]]></motto>")), "in:3: ']]>' stands outside a CDATA section");
+    EXPECT_EQ(outcome(xml("<motto>\n" + before + "]]></motto>")), "in:3: ']]>' is not allowed outside a CDATA section");
     EXPECT_EQ(outcome(xml("<motto \n" + before + "<")), "in:2: tag is not closed by '>'");
     EXPECT_EQ(outcome(xml("<motto>\n" + before + "<!A>")),
-              "in:3: document types and entity declarations are refused (RFC 6241, section 3)");
-    EXPECT_EQ(outcome(xml("<motto>\n" + before + "\x7f\x1f")), "in:3: the text is a character that YANG has not");
+              "in:3: document types and entity declarations are not allowed (RFC 6241, section 3)");
+    EXPECT_EQ(outcome(xml("<motto>\n" + before + "\x7f\x1f")),
+              "in:3: the text has a character that YANG does not allow");
     EXPECT_EQ(outcome("<a>\n" + before + "\xff"), "in:2: the text is not UTF-8");
   }
 }

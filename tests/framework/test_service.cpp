@@ -124,34 +124,34 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         ServiceEditRow{"CreatePresent",
                        message("", config_of("Gi1", "<duplex-mode nc:operation='create'>FULL</duplex-mode>")),
-                       "data-exists |cannot be created: it is there already"},
+                       "data-exists |cannot be created: it already exists"},
         // The device has no item for it, and reads as "false".
         ServiceEditRow{"CreateOfWhatReadsAsPresent",
                        message("", config_of("Gi1", "<auto-negotiate nc:operation='create'>true</auto-negotiate>")),
-                       "data-exists |cannot be created: it is there already"},
+                       "data-exists |cannot be created: it already exists"},
         ServiceEditRow{"CreateInterfacePresent",
                        message("", "<interface nc:operation='create'><name>Gi1</name></interface>"),
-                       "data-exists |cannot be created: it is there already"},
+                       "data-exists |cannot be created: it already exists"},
         ServiceEditRow{"DeleteAbsent", message("", config_of("Gi1", "<enable-flow-control nc:operation='delete'/>")),
-                       "data-missing |cannot be deleted: it is not there; 'remove' would not mind"},
+                       "data-missing |cannot be deleted: it does not exist; 'remove' accepts that"},
         // The item "override" reads as the leaf's default, which is its absence.
         ServiceEditRow{"DeleteOfWhatReadsAsAbsent",
                        message("", config_of("Gi2", "<auto-negotiate nc:operation='delete'/>")),
-                       "data-missing |cannot be deleted: it is not there; 'remove' would not mind"},
+                       "data-missing |cannot be deleted: it does not exist; 'remove' accepts that"},
         ServiceEditRow{"NoneInAbsentInterface",
                        message(none, config_of("Gi9", "<port-speed nc:operation='merge'>SPEED_1GB</port-speed>")),
-                       "data-missing |is not there, and default-operation 'none' does not make it"},
+                       "data-missing |does not exist, and operation 'none' does not create it"},
         // The first leaf is good: the edit is whole or nothing.
         ServiceEditRow{
             "NotInYang",
             message("", config_of("Gi1", "<duplex-mode>HALF</duplex-mode><port-speed>SPEED_3MB</port-speed>")),
-            "invalid-value |'SPEED_3MB' is not one of its values, which are 'SPEED_10MB', 'SPEED_100MB', "
+            "invalid-value |invalid value 'SPEED_3MB', expected 'SPEED_10MB', 'SPEED_100MB', "
             "'SPEED_1GB', 'SPEED_2500MB', 'SPEED_5GB', 'SPEED_10GB', 'SPEED_25GB', 'SPEED_40GB', "
             "'SPEED_50GB', 'SPEED_100GB', 'SPEED_200GB', 'SPEED_400GB', 'SPEED_UNKNOWN'"},
         ServiceEditRow{
             "NotInMapping",
             message("", config_of("Gi1", "<duplex-mode>HALF</duplex-mode><port-speed>SPEED_5GB</port-speed>")),
-            "invalid-value |'SPEED_5GB' has no native counterpart; mapped are 'SPEED_10MB', 'SPEED_100MB', "
+            "invalid-value |unmapped value 'SPEED_5GB', expected 'SPEED_10MB', 'SPEED_100MB', "
             "'SPEED_1GB'"},
         ServiceEditRow{
             "UnknownElement", message("", config_of("Gi1", "<duplex>HALF</duplex>")),
@@ -159,8 +159,7 @@ INSTANTIATE_TEST_SUITE_P(
             "not a child of '/interfaces/interface/ethernet/config'"},
         ServiceEditRow{"UnknownNamespace", message("", "<interface><name>Gi1</name><x xmlns='urn:x'/></interface>"),
                        "unknown-namespace x|'x' of namespace 'urn:x' is not a child of '/interfaces/interface'"},
-        ServiceEditRow{"MissingKey", message("", "<interface/>"),
-                       "missing-element name|has no key 'name', which an edit needs"},
+        ServiceEditRow{"MissingKey", message("", "<interface/>"), "missing-element name|key 'name' is missing"},
         ServiceEditRow{"Twice",
                        message("", config_of("Gi1", "<duplex-mode>HALF</duplex-mode><duplex-mode>FULL</duplex-mode>")),
                        "bad-element duplex-mode|'duplex-mode' appears twice"},
@@ -168,27 +167,27 @@ INSTANTIATE_TEST_SUITE_P(
                        message("", config_of("Gi1",
                                              "<aggregate-id xmlns='http://openconfig.net/yang/"
                                              "interfaces/aggregate'>Ae1</aggregate-id>")),
-                       "operation-not-supported |is not mapped: it has no native counterpart"},
+                       "operation-not-supported |is not mapped"},
         ServiceEditRow{"DeleteInterface", message("", "<interface nc:operation='delete'><name>Gi1</name></interface>"),
-                       "operation-not-supported |no plug-in can carry out operation 'delete' on it; give the operation "
-                       "on a mapped node below it"},
+                       "operation-not-supported |operation 'delete' is not supported here; put it on a mapped node "
+                       "below"},
         ServiceEditRow{"CreateAboveInterface",
                        "<interfaces xmlns='http://openconfig.net/yang/interfaces' "
                        "xmlns:nc='urn:ietf:params:xml:ns:netconf:base:1.0' nc:operation='create'/>",
-                       "operation-not-supported |no plug-in can carry out operation 'create' on it; give the operation "
-                       "on a mapped node below it"},
+                       "operation-not-supported |operation 'create' is not supported here; put it on a mapped node "
+                       "below"},
         ServiceEditRow{"CreateDeepInDeleted",
                        message("",
                                "<interface><name>Gi1</name><ethernet "
                                "xmlns='http://openconfig.net/yang/interfaces/ethernet' nc:operation='remove'><config>"
                                "<duplex-mode nc:operation='create'>HALF</duplex-mode></config></ethernet></interface>"),
-                       "bad-element duplex-mode|operation 'create' stands inside what is deleted"},
+                       "bad-element duplex-mode|operation 'create' is not allowed inside a deleted node"},
         ServiceEditRow{"CreateKey", message("", "<interface><name nc:operation='create'>Gi1</name></interface>"),
-                       "bad-element name|is a key; operation 'create' is given on its list entry"},
+                       "bad-element name|is a key; put operation 'create' on its list entry"},
         ServiceEditRow{"ContinueOnError",
                        message("<error-option>continue-on-error</error-option>", config_of("Gi1", "")),
-                       "operation-not-supported |error-option 'continue-on-error' is not supported: an edit is done "
-                       "whole or not at all, as 'rollback-on-error' says"}),
+                       "operation-not-supported |error-option 'continue-on-error' is not supported: an edit is "
+                       "applied as a whole or not at all, as 'rollback-on-error' says"}),
     [](const auto &each) { return std::string(each.param.name); });
 
 TEST(ServiceEdit, ChangesNothingWithTestOnly) {
@@ -258,7 +257,7 @@ TEST(Reply, WalksAgainWithoutARefusedValueButNotForever) {
     return reply.notes.size();
   };
   EXPECT_EQ(1U, notes_on(256));  // one line says all of them
-  EXPECT_EQ("device:1: /library/shelf: the plug-in refuses it", thrown_by([&] { (void)notes_on(257); }));
+  EXPECT_EQ("device:1: /library/shelf: rejected by the plug-in", thrown_by([&] { (void)notes_on(257); }));
 }
 
 TEST(Reply, TellsEntriesApartByEachKey) {
@@ -348,7 +347,7 @@ TEST(ServiceGet, LeavesOutWhatTheMappingCannotTell) {
   EXPECT_EQ(
       to_string(answer.notes[0]),
       "ports: /interface-configurations/interface-configuration[interface-name=\"Gi2\"]/ethernet/flow-control: is "
-      "left out: Unmappable input value 'ingress'");
+      "omitted: Unmappable input value 'ingress'");
 }
 
 struct XpathRow {
@@ -399,13 +398,13 @@ INSTANTIATE_TEST_SUITE_P(
         XpathRow{"UnknownPrefix", "/x:interfaces",
                  "unknown-element|'x:interfaces' is not a top-level node of the modules; 'interfaces' is defined in "
                  "module 'openconfig-interfaces'"},
-        XpathRow{"Relative", "interfaces", "invalid-value|'interfaces' begins with '/' when it is an absolute path"},
+        XpathRow{"Relative", "interfaces",
+                 "invalid-value|'interfaces' is not an absolute path, expected '/' at the beginning"},
         XpathRow{"Axis", "/interfaces/child::interface",
-                 "invalid-value|'/interfaces/child::interface' is not an XPath that is supported: the axis 'child'; "
-                 "'/', '//' and '..' are supported"},
+                 "invalid-value|unsupported XPath '/interfaces/child::interface': axis 'child', expected "
+                 "'/', '//' or '..'"},
         XpathRow{"OpenQuote", "/interfaces/interface[name='x]",
-                 "invalid-value|'/interfaces/interface[name='x]' is not an XPath that is supported: a quote is not "
-                 "closed"}),
+                 "invalid-value|unsupported XPath '/interfaces/interface[name='x]': a quote is not closed"}),
     [](const auto &each) { return std::string(each.param.name); });
 
 }  // namespace

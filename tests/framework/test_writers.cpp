@@ -134,12 +134,13 @@ TEST(Writers, RefuseWhatTheFormatsCannotCarry) {
   yfw::data_tree tree(library());
   yfw::data_node &motto = tree.at(&tree.at(nullptr, lib, "library"), lib, "motto");
   tree.set_value(motto, "a\x01");
-  EXPECT_EQ(thrown_by([&] { as_xml(tree); }), "/library/motto: the value is a character that YANG has not at byte 2");
+  EXPECT_EQ(thrown_by([&] { as_xml(tree); }),
+            "/library/motto: the value has a character that YANG does not allow at byte 2");
   tree.set_value(motto, "\xff");
   EXPECT_EQ(thrown_by([&] { as_json(tree); }), "/library/motto: the value is not UTF-8 at byte 1");
   tree.clear();
   tree.at(nullptr, "urn:unknown", "a");
-  EXPECT_EQ(thrown_by([&] { as_json(tree); }), "/a: no module is known for the namespace 'urn:unknown'");
+  EXPECT_EQ(thrown_by([&] { as_json(tree); }), "/a: unknown namespace 'urn:unknown'");
   std::ostringstream out;
   out.setstate(std::ios::badbit);
   EXPECT_EQ(thrown_by([&] { yfw::write_xml(out, tree); }), "the output cannot be written");

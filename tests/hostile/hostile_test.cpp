@@ -113,10 +113,10 @@ TEST_P(HostileLeaf, TakesMemoryInProportion) {
 INSTANTIATE_TEST_SUITE_P(
     All, HostileLeaf,
     testing::Values(
-        LongLeaf{"XmlRequest", "request --operation edit -", hostile::client_xml, 1, "x...' does not match"},
-        LongLeaf{"JsonRequest", "request --operation edit -", hostile::client_json, 1, "x...' does not match"},
-        LongLeaf{"XmlReply", "reply -", hostile::native_xml, 0, "/speed: is left out: "},
-        LongLeaf{"JsonReply", "reply -", hostile::native_json, 0, "/speed: is left out: "}),
+        LongLeaf{"XmlRequest", "request --operation edit -", hostile::client_xml, 1, "x...', expected a string"},
+        LongLeaf{"JsonRequest", "request --operation edit -", hostile::client_json, 1, "x...', expected a string"},
+        LongLeaf{"XmlReply", "reply -", hostile::native_xml, 0, "/speed: is omitted: "},
+        LongLeaf{"JsonReply", "reply -", hostile::native_json, 0, "/speed: is omitted: "}),
     [](const auto &row) { return std::string(row.param.name); });
 
 }  // namespace

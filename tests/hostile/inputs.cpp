@@ -63,18 +63,18 @@ std::string billion_laughs() {
 // What does not depend on the model: each reader must refuse it.
 std::vector<input> any_inputs() {
   return {
-      {"Nothing", "", ":1: empty; it would be XML, which begins with '<', or JSON, which begins with '{'"},
+      {"Nothing", "", ":1: is empty, expected '<' (XML) or '{' (JSON)"},
       {"EntityExpansion", billion_laughs(),
-       ":1: document types and entity declarations are refused (RFC 6241, section 3)"},
+       ":1: document types and entity declarations are not allowed (RFC 6241, section 3)"},
       {"UnknownNamespaceOfARoot", "<a xmlns='urn:nowhere' xmlns:b='urn:b' b:c=''/>",
-       ":1: /a: attribute 'b:c' is not one of data, which is nc:operation only"},
-      {"UnknownModule", R"({"nowhere:a": 1})", ":1: module 'nowhere' is not known"},
+       ":1: /a: unknown attribute 'b:c', expected nc:operation"},
+      {"UnknownModule", R"({"nowhere:a": 1})", ":1: unknown module 'nowhere'"},
       {"UnknownPrefix", "<x:a/>", ":1: prefix 'x' is not declared"},
-      {"NoNamespace", "<a/>", ":1: 'a' is in no namespace"},
+      {"NoNamespace", "<a/>", ":1: 'a' has no namespace"},
       {"ManyAttributes", "<a xmlns='urn:a' " + times(many, "b='' ") + "/>", ":1: attribute 'b' is given twice"},
       {"Unclosed", "<a xmlns='urn:a'>" + times(many, "<a>"), ":1: the text ends inside an element"},
       {"ArraysInside", R"({"openconfig-interfaces:interfaces": )" + times(many, "[") + times(many, "]") + "}",
-       ":1: an array does not stand in an array or an annotation"},
+       ":1: an array is not allowed in an array or an annotation"},
   };
 }
 
@@ -110,14 +110,13 @@ std::vector<input> client_inputs() {
       {"NestedJson", "{\"openconfig-interfaces:interfaces\":\n" + times(many, R"({"a":)") + "1" + times(many + 1, "}"),
        ":2: " + deep + ": nested more than 128 deep"},
       {"NotUtf8", client("\n" + client_entry("Eth\xff")), ":2: the text is not UTF-8"},
-      {"ZeroByte", client("\n" + client_entry(std::string("Eth\0x", 5))),
-       ":2: a zero byte is a character that YANG has not"},
+      {"ZeroByte", client("\n" + client_entry(std::string("Eth\0x", 5))), ":2: a zero byte is not allowed"},
       {"ZeroReference", client("\n" + client_entry("Eth&#0;")),
-       ":2: '&#0;' is not a reference to a character that YANG has, nor one of &lt; &gt; &amp; &quot; &apos;"},
+       ":2: '&#0;' is not a reference to a character that YANG allows, nor one of &lt; &gt; &amp; &quot; &apos;"},
       {"ZeroEscape", client_json("\n" + client_json_entry(R"(Eth\u0000)")),
-       ":2: /interfaces/interface: an escape in a string is a character that YANG has not"},
+       ":2: /interfaces/interface: an escape in a string has a character that YANG does not allow"},
       {"UnknownEntity", client("\n" + client_entry("&laugh;")),
-       ":2: '&laugh;' is not a reference to a character that YANG has, nor one of &lt; &gt; &amp; &quot; &apos;"},
+       ":2: '&laugh;' is not a reference to a character that YANG allows, nor one of &lt; &gt; &amp; &quot; &apos;"},
       {"EntryTwice", client(client_entry("Eth0") + "\n" + client_entry("Eth0")),
        R"(:2: /interfaces/interface[name="Eth0"]: 'interface' appears twice)"},
       {"EntryTwiceInJson", client_json(client_json_entry("Eth0") + ",\n" + client_json_entry("Eth0")),
@@ -135,16 +134,15 @@ std::vector<input> client_inputs() {
        config + ": 'config' of namespace 'urn:nowhere' is not a child of '/interfaces/interface/ethernet'; " +
            "'config' is defined in module 'openconfig-if-ethernet'"},
       {"PrefixOfAValue", client(client_entry("Eth0", "\n<config><port-speed>x:SPEED_10MB</port-speed></config>")),
-       config + "/port-speed: 'x:SPEED_10MB' has a prefix that is not declared"},
+       config + "/port-speed: invalid value 'x:SPEED_10MB': prefix 'x' is not declared"},
       {"OperationWithoutNamespace", client(client_entry("Eth0", "\n<config operation='delete'/>")),
-       config + ": attribute 'operation' is in no namespace; it would be nc:operation with " +
+       config + ": attribute 'operation' has no namespace, expected nc:operation with " +
            R"(xmlns:nc="urn:ietf:params:xml:ns:netconf:base:1.0")"},
       {"NegativeZero", client_json(client_json_entry("Eth0", "\"config\": {\n\"enable-flow-control\": -0}")),
-       config + "/enable-flow-control: '-0' is not one of its values, which are 'true', 'false'"},
+       config + "/enable-flow-control: invalid value '-0', expected 'true', 'false'"},
       {"LongNumber",
        client_json(client_json_entry("Eth0", "\"config\": {\n\"enable-flow-control\": \"" + times(many, "9") + "\"}")),
-       config + "/enable-flow-control: '" + times(80, "9") +
-           "...' is not one of its values, which are 'true', 'false'"},
+       config + "/enable-flow-control: invalid value '" + times(80, "9") + "...', expected 'true', 'false'"},
       {"LongName", client("\n<" + times(10 * many, "a") + "/>"),
        ":2: /interfaces/" + times(488, "a") + "..." + times(500, "a") + ": '" + times(80, "a") + "...' of namespace '" +
            oc + "' is not a child of '/interfaces'"},
@@ -166,10 +164,10 @@ std::vector<input> native_inputs() {
            times(many + 1, "}"),
        ":2: " + deep + ": nested more than 128 deep"},
       {"NotUtf8", native_data("\n" + native_entry("Eth\xff")), ":2: the text is not UTF-8"},
-      {"ZeroByte", native_data("\n" + native_entry(std::string("Eth\0x", 5))),
-       ":2: a zero byte is a character that YANG has not"},
+      {"ZeroByte", native_data("\n" + native_entry(std::string("Eth\0x", 5))), ":2: a zero byte is not allowed"},
       {"ZeroEscape", native_json("\n" + native_json_entry(R"(Eth\u0000)")),
-       ":2: /interface-configurations/interface-configuration: an escape in a string is a character that YANG has not"},
+       ":2: /interface-configurations/interface-configuration: an escape in a string has a character that YANG does "
+       "not allow"},
       {"MemberTwice", native_json(native_json_entry("Eth0", "\"speed\": \"100\",\n\"speed\": \"10\"")),
        ethernet + ": 'speed' is given twice"},
       {"EntryTwice", native_data(native_entry("Eth0") + "\n" + native_entry("Eth0")),
@@ -178,7 +176,7 @@ std::vector<input> native_inputs() {
       {"LeafTwice", native_data(native_entry("Eth0", "<speed>100</speed>\n<speed>10</speed>")),
        ethernet + "/speed: 'speed' appears twice"},
       {"OperationWithoutNamespace", native_data(native_entry("Eth0", "\n<speed operation='delete'/>")),
-       ethernet + "/speed: attribute 'operation' is in no namespace; it would be nc:operation with " +
+       ethernet + "/speed: attribute 'operation' has no namespace, expected nc:operation with " +
            R"(xmlns:nc="urn:ietf:params:xml:ns:netconf:base:1.0")"},
   };
   inputs.insert(inputs.end(), more.begin(), more.end());

@@ -171,7 +171,10 @@ class request_explainer {
         result.results.push_back(call.value ? *call.value : "no " + name);
       }
     } catch (const client_error &refused) {
-      result.rejection = refused.rejected() ? refused.rejected()->reason : refused.text();
+      const rejected_value *rejected = refused.rejected();
+      result.rejection = rejected == nullptr                                 ? refused.text()
+                         : rejected->fault == rejected_value::kind::unmapped ? "unmapped"
+                                                                             : rejected->without_value();
     } catch (const error &refused) {
       result.rejection = refused.text();
     }

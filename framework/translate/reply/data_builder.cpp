@@ -15,7 +15,7 @@ static bool is_any_uint64(const lysc_node *leaf) {
          reinterpret_cast<const lysc_type_num *>(type)->range == nullptr;
 }
 
-// Whether this is, without a question to libyang, the canonical text of a leaf of type uint64: most of a reply is.
+// Whether this is the canonical text of a leaf of type uint64, as most of a reply is, found without libyang.
 static bool is_counter_value(const lysc_node *leaf, std::string_view text) {
   constexpr size_t always_fits = 19;
   const bool is_number = !text.empty() && text.size() <= always_fits && (text[0] != '0' || text.size() == 1) &&
@@ -72,7 +72,7 @@ uint32_t data_builder::add_path(context &ctx, std::string_view path, const char 
   return YMAP_OK;
 }
 
-// A value that the high model does not take is worth more to a client than none, but it is told.
+// A value that the client model does not allow is worth more to a client than none, so it is kept with a note.
 void data_builder::set_value(context &ctx, data_node &leaf, std::string_view value) {
   if (!checks_values_ || is_counter_value(leaf.schema, value)) {
     tree_.set_value(leaf, value);
@@ -81,7 +81,8 @@ void data_builder::set_value(context &ctx, data_node &leaf, std::string_view val
   const checked_value checked = tree_.modules().check_value(leaf.schema, value);
   tree_.set_value(leaf, checked.ok ? std::string_view(checked.canonical) : value);
   if (!checked.ok) {
-    ctx.report_passed_on("is passed on, but '" + yfw::path(leaf.schema) + "' does not take it: " + checked.why);
+    ctx.report_kept("is kept, although '" + yfw::path(leaf.schema) +
+                    "' does not allow it: " + to_string(checked.rejected));
   }
 }
 
@@ -91,7 +92,7 @@ uint32_t data_builder::enter_list(context &ctx, yfw_node_t **current_list, std::
     if (std::find(wanted_.begin(), wanted_.end(), key_text) == wanted_.end()) {
       return YMAP_ERR_NO_MATCH;
     }
-    met_.insert(key_text);
+    entered_names_.insert(key_text);
   }
   const schema_steps &steps = paths_.steps(path, ctx.description);
   if (steps.empty() || !is_list(steps.back())) {

@@ -1,4 +1,4 @@
-// The output of native data: each emitted path becomes a leaf of the high model's tree.
+// The output of native data: each emitted path becomes a leaf of the client model's tree.
 #pragma once
 
 #include <deque>
@@ -25,9 +25,9 @@ class data_builder : public output_sink {
   uint32_t enter_list(context &ctx, yfw_node_t **current_list, std::string_view path, const char *key_value,
                       const char *key_name) override;
 
-  // Those of the wanted names that were met.
-  const std::set<std::string> &met() const {
-    return met_;
+  // The wanted names that were entered.
+  const std::set<std::string> &entered_names() const {
+    return entered_names_;
   }
 
  private:
@@ -44,7 +44,7 @@ class data_builder : public output_sink {
   const std::vector<std::string> &wanted_;
   const bool checks_values_;
   path_table paths_;
-  std::set<std::string> met_;
+  std::set<std::string> entered_names_;
   std::deque<entered> entered_;
   std::unordered_map<const data_node *, entered *> known_;
 };

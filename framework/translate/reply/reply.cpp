@@ -19,21 +19,21 @@
 namespace yfw {
 namespace {
 
-constexpr const char *not_known = "is left out: the modules do not know it";
+constexpr const char *not_known = "is omitted: not defined in the modules";
 
 uint32_t request_operation(content wanted) {
   return wanted == content::config ? YFW_REQUEST_READ_CONFIG : YFW_REQUEST_READ_ALL;
 }
 
-// Takes a node out of a walk as long as it lives: plug-ins pass over tags that they do not know.
-class set_aside {
+// Hides a node from walks as long as it lives: plug-ins ignore unknown tags, so it has an empty one meanwhile.
+class hidden_node {
  public:
-  explicit set_aside(yfw_node_t &node) : node_(node), tag_(std::exchange(node.tag, "")) {}
-  ~set_aside() {
+  explicit hidden_node(yfw_node_t &node) : node_(node), tag_(std::exchange(node.tag, "")) {}
+  ~hidden_node() {
     node_.tag = tag_;
   }
-  set_aside(const set_aside &) = delete;
-  set_aside &operator=(const set_aside &) = delete;
+  hidden_node(const hidden_node &) = delete;
+  hidden_node &operator=(const hidden_node &) = delete;
 
  private:
   yfw_node_t &node_;
@@ -56,11 +56,11 @@ class reply_translation {
   }
 
   void run() {
-    refuse_repeated(document_.roots(), false);
+    require_no_repetition(document_.roots(), false);
     for (yfw_node_t &root : document_.roots()) {
       visit_envelope(root);
     }
-    result_.met.insert(builder_.met().begin(), builder_.met().end());
+    result_.met.insert(builder_.entered_names().begin(), builder_.entered_names().end());
   }
 
  private:
@@ -78,28 +78,28 @@ class reply_translation {
                                              : "the device reports an error");
     }
     if (tag != "rpc-reply" && tag != "data" && tag != "ok") {
-      throw error(document_.where(node), in_quotes(tag) + " is not a reply; 'rpc-reply', 'data' or native data is");
+      throw error(document_.where(node),
+                  in_quotes(tag) + " is not a reply, expected 'rpc-reply', 'data' or native data");
     }
     for (yfw_node_t &below : children(node)) {
       visit_envelope(below);
     }
   }
 
-  // Entries that are in no other one are compared with those of the documents before, too: the whole text has them
-  // once.
-  void refuse_repeated(std::span<const yfw_node_t> level, bool is_in_entry) {
+  // Entries that are in no other entry are compared with those of earlier documents, too: the whole text has them once.
+  void require_no_repetition(std::span<const yfw_node_t> level, bool is_in_entry) {
     if (!is_module_sequence(level)) {
-      refuse_repeated_siblings(level, is_in_entry);
+      require_no_repeated_siblings(level, is_in_entry);
     }
     for (const yfw_node_t &node : level) {
       if (!children(node).empty()) {
-        refuse_repeated(children(node), is_in_entry || is_list(extra(node).schema));
+        require_no_repetition(children(node), is_in_entry || is_list(extra(node).schema));
       }
     }
   }
 
-  // Whether these are no list entries and each is the one that follows in the module, so that no two are the same. Most
-  // of what devices send is: then there is nothing to remember.
+  // Whether these are no list entries and in the order of the module, so that no two are the same. Most data of devices
+  // is: then there is nothing to remember.
   static bool is_module_sequence(std::span<const yfw_node_t> level) {
     const lysc_node *following = level.empty() ? nullptr : extra(level.front()).schema;
     for (const yfw_node_t &node : level) {
@@ -112,7 +112,7 @@ class reply_translation {
     return true;
   }
 
-  void refuse_repeated_siblings(std::span<const yfw_node_t> level, bool is_in_entry) {
+  void require_no_repeated_siblings(std::span<const yfw_node_t> level, bool is_in_entry) {
     ++level_;
     for (const yfw_node_t &node : level) {
       const lysc_node *schema = extra(node).schema;
@@ -124,7 +124,7 @@ class reply_translation {
   }
 
   bool is_new_node(const lysc_node *schema) {
-    size_t &last = met_in_[schema];
+    size_t &last = last_level_of_[schema];
     return std::exchange(last, level_) != level_;
   }
 
@@ -147,56 +147,56 @@ class reply_translation {
     }
   }
 
-  // Hands `node` to the entry point that serves its module there, or goes below it.
+  // Translates `node` by the entry point for its module, goes below it, or notes that it is unmapped.
   void place_node(yfw_node_t &node, const lysc_node *above) {
     const lysc_node *schema = extra(node).schema;
     if (const entry_point *entry = entry_for(above, node.ns); entry != nullptr) {
-      std::deque<set_aside> unknown;
+      std::deque<hidden_node> unknown;
       note_unknown(node, above, unknown);
-      hand_over(node, *entry);
+      translate_node(node, *entry);
     } else if (is_key(schema)) {
       return;  // read when its entry is entered
     } else if (schema != nullptr && is_on_the_way(mapping_.description(), direction::xo, schema, document_.modules())) {
       enter(node, schema);
     } else {
       if (schema != nullptr) {
-        note_first(node, above, note_kind::unmapped, "is not mapped: no plug-in serves it");
+        note_first(node, above, note_kind::unmapped, "is not mapped: no entry point serves it");
       } else {
         note_first(node, above, note_kind::unknown_node, not_known);
       }
     }
   }
 
-  // A value that the plug-in cannot map ends its walk: that leaf is set aside, with a note, and the rest walked again.
-  // With very many of them, which would take as many walks, the next one is an error.
-  void hand_over(yfw_node_t &node, const entry_point &entry) {
+  // An unmapped value ends the plug-in's walk: that leaf is hidden, with a note, and the rest walked again. After very
+  // many of them, each of which costs a walk, the next one is an error.
+  void translate_node(yfw_node_t &node, const entry_point &entry) {
     constexpr size_t most = 256;
-    std::deque<set_aside> unmapped;
+    std::deque<hidden_node> unmapped;
     for (;;) {
       const uint32_t status = call_plugin(context_, mapping_, call_form::entry, entry.function, &node);
       const bool is_value = status == YMAP_ERR_INVALID_VALUE && unmapped.size() < most;
       yfw_node_t *leaf = is_value ? leaf_compared(node) : nullptr;
       if (leaf == nullptr) {
-        settle(node, status);
+        report_outcome(node, status);
         return;
       }
-      add_note(*leaf, note_kind::omitted_value, "is left out: " + reason(status), {});
+      add_note(*leaf, note_kind::omitted_value, "is omitted: " + reason(status), {});
       context_.problems.clear();
-      context_.passed_on.clear();
+      context_.kept.clear();
       unmapped.emplace_back(*leaf);
     }
   }
 
-  // The leaf with a value that the plug-in was at; null when it is not known.
+  // The leaf with a value that the plug-in was processing; null when it is not known.
   yfw_node_t *leaf_compared(yfw_node_t &node) {
     const yfw_node_t *found = node_compared(node, context_.compared);
     const bool is_leaf = found != nullptr && found->value != nullptr && *found->tag != '\0';
     return is_leaf ? const_cast<yfw_node_t *>(found) : nullptr;  // of the document, which is ours to change
   }
 
-  // A plug-in passes over tags that it does not know without a word. It takes a node for the one that it knows by that
-  // tag, whatever its namespace: such a node is set aside.
-  void note_unknown(yfw_node_t &node, const lysc_node *above, std::deque<set_aside> &unknown) {
+  // A plug-in ignores unknown tags silently, and compares tags without their namespace: an unknown node with a known
+  // tag is hidden.
+  void note_unknown(yfw_node_t &node, const lysc_node *above, std::deque<hidden_node> &unknown) {
     const lysc_node *schema = extra(node).schema;
     if (schema == nullptr) {
       note_first(node, above, note_kind::unknown_node, not_known);
@@ -244,7 +244,7 @@ class reply_translation {
     }
   }
 
-  // Makes the matching entry of the high model current. False when it is not wanted.
+  // Makes the matching entry of the client model current. False when it is not wanted.
   bool enter_entry(const yfw_node_t &node, const list_pair &pair) {
     const yfw_node_t *key = child(node, pair.low_key);
     if (key == nullptr || key->value == nullptr) {
@@ -266,27 +266,27 @@ class reply_translation {
       context_.native_entry = &node;
       const uint32_t status = call_plugin(context_, mapping_, call_form::report_defaults, defaults.function, nullptr);
       context_.native_entry = nullptr;
-      settle(node, status);
+      report_outcome(node, status);
     }
   }
 
-  // Turns what the plug-in reported into notes and a failure into an error.
-  void settle(const yfw_node_t &node, uint32_t status) {
+  // Adds the reported problems as notes; throws `error` for a failure.
+  void report_outcome(const yfw_node_t &node, uint32_t status) {
     if (status != YMAP_OK) {
       const yfw_node_t *source_node = node_compared(node, context_.compared);
       throw error(document_.where(source_node != nullptr ? *source_node : node), reason(status));
     }
     for (const reported_problem &problem : std::exchange(context_.problems, {})) {
-      add_note(culprit_of(problem, node), note_kind::omitted_value, "is left out: " + problem.text, {});
+      add_note(source_node_of(problem, node), note_kind::omitted_value, "is omitted: " + problem.text, {});
     }
-    // Nothing is lost of these: of one leaf the first is enough.
-    for (const reported_problem &problem : std::exchange(context_.passed_on, {})) {
-      const yfw_node_t &source_node = culprit_of(problem, node);
-      add_note(source_node, note_kind::invalid_value, problem.text, path(extra(source_node).schema) + " is passed on");
+    // Nothing is lost: of one leaf the first note is enough.
+    for (const reported_problem &problem : std::exchange(context_.kept, {})) {
+      const yfw_node_t &source_node = source_node_of(problem, node);
+      add_note(source_node, note_kind::invalid_value, problem.text, path(extra(source_node).schema) + " is kept");
     }
   }
 
-  static const yfw_node_t &culprit_of(const reported_problem &problem, const yfw_node_t &walked) {
+  static const yfw_node_t &source_node_of(const reported_problem &problem, const yfw_node_t &walked) {
     const yfw_node_t *inside = problem.inside != nullptr ? problem.inside : &walked;
     const yfw_node_t *source_node = node_compared(*inside, problem.compared);
     return source_node != nullptr ? *source_node : *inside;
@@ -296,7 +296,7 @@ class reply_translation {
     if (status == status_framework_failure && !context_.failure.empty()) {
       return context_.failure;
     }
-    return context_.problems.empty() ? "the plug-in refuses it" : context_.problems.back().text;
+    return context_.problems.empty() ? "rejected by the plug-in" : context_.problems.back().text;
   }
 
   const entry_point *entry_for(const lysc_node *above, const char *ns) const {
@@ -312,9 +312,9 @@ class reply_translation {
   document &document_;
   const plugin &mapping_;
   reply_part &result_;
-  size_t level_ = 0;                                      // number of the siblings that are looked at
-  std::unordered_map<const lysc_node *, size_t> met_in_;  // the last such number
-  std::set<std::string> nested_;                          // entries of this document that are in other ones
+  size_t level_ = 0;                                             // number of the current siblings
+  std::unordered_map<const lysc_node *, size_t> last_level_of_;  // the last such number
+  std::set<std::string> nested_;                                 // entries of this document that are in other ones
   data_builder builder_;
   context context_;
 };

@@ -1,4 +1,4 @@
-// Where the text of a reply tells of which entry, so that all that it tells of one can be translated together.
+// Where the data of each entry is in the text of a reply, so that all data of one entry can be translated together.
 #pragma once
 
 #include <cstdint>

@@ -12,7 +12,7 @@ namespace yfw {
 
 struct reply_note {
   note what;
-  std::string once;  // of the notes with the same word here only the first one counts; empty: all do
+  std::string once;  // of the notes with the same text here only the first is kept; empty: all are
 };
 
 // Notes of a document or of all its pieces.
@@ -32,16 +32,15 @@ class reply_notes {
   std::unordered_set<std::string> once_;
 };
 
-// What has been translated so far.
+// The data translated so far.
 struct reply_part {
   data_tree data;
   reply_notes notes;
-  std::set<std::string> met;      // those of the wanted entries that were met
-  std::set<std::string> entries;  // list entries of the text, to refuse one that comes again
+  std::set<std::string> met;      // the wanted entries that were found
+  std::set<std::string> entries;  // list entries of the text, to reject one that is repeated
 };
 
-// `translate_reply` without the notes about entries that the whole document lacks, which are the second function's.
-// Adds to `part`.
+// `translate_reply` without the notes on missing entries, which the second function adds, to `part`.
 void translate_part(document &native, const plugin &mapping, const reply_options &options, trace_log &log,
                     reply_part &part);
 void note_missing_entries(reply_part &part, const reply_options &options, const std::string &file);

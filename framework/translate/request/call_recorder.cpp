@@ -12,7 +12,7 @@ bool deletes(uint32_t operation) {
 }
 
 // The operation that the mapping wrote on the output node, which holds for the next path only. Where the client's node
-// is merely to be gone ("remove" never fails, RFC 6241, section 7.2), what stands for it must not fail either, so that
+// is removed ("remove" never fails, RFC 6241, section 7.2), its native operation must not fail either, so that
 // "create" becomes "merge".
 uint32_t output_operation(context &ctx, uint32_t operation) {
   yfw_node_t &out = ctx.output_root;
@@ -36,27 +36,27 @@ uint32_t call_recorder::add_path(context &ctx, std::string_view path, const char
   const bool is_read = request == YFW_REQUEST_READ_CONFIG || request == YFW_REQUEST_READ_ALL;
   const uint32_t operation = output_operation(ctx, source != nullptr ? source->operation : YFW_OPERATION_MERGE);
 
-  recorded_call &made = recorded_.emplace_back();
-  made.call.steps = steps_with_keys(ctx, steps);
-  made.call.flag = flag;
-  made.compared = ctx.compared;
-  made.node.tag = name(steps.back()).data();
-  made.node.ns = yfw::ns(steps.back()).data();
-  made.node.operation = operation;
+  recorded_call &recorded = recorded_.emplace_back();
+  recorded.call.steps = steps_with_keys(ctx, steps);
+  recorded.call.flag = flag;
+  recorded.compared = ctx.compared;
+  recorded.node.tag = name(steps.back()).data();
+  recorded.node.ns = yfw::ns(steps.back()).data();
+  recorded.node.operation = operation;
   if (value != nullptr) {
-    made.call.value = value;
+    recorded.call.value = value;
   }
   if (is_read) {
-    made.call.kind = operation_kind::read;
+    recorded.call.kind = operation_kind::read;
   } else if (value != nullptr) {
-    made.call.kind = operation_kind::set;
-    made.node.operation = deletes(operation) ? YFW_OPERATION_MERGE : operation;
+    recorded.call.kind = operation_kind::set;
+    recorded.node.operation = deletes(operation) ? YFW_OPERATION_MERGE : operation;
   } else {
-    made.call.kind = operation_kind::remove;
-    made.value_lost = source == nullptr || !deletes(source->operation);
+    recorded.call.kind = operation_kind::remove;
+    recorded.value_lost = source == nullptr || !deletes(source->operation);
   }
   if (created != nullptr) {
-    *created = &made.node;
+    *created = &recorded.node;
   }
   return 0;
 }

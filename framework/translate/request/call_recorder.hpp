@@ -1,4 +1,4 @@
-// The output of a client request: each emitted native path becomes a call.
+// The output of a client request: each emitted native path becomes a native operation.
 #pragma once
 
 #include <deque>
@@ -11,12 +11,12 @@
 
 namespace yfw {
 
-// A call as it was made. The mapping may still change the operation of `node` after it.
+// A native operation as the plug-in emitted it. The plug-in may still change the operation of `node` afterwards.
 struct recorded_call {
   yfw_node_t node;  // the output node that the plug-in may get hold of
   native_operation call;
-  compared_texts compared;  // tells which request node caused it
-  bool value_lost;          // neither a set nor a delete: the value has no native counterpart
+  compared_texts compared;  // from which the source node is found
+  bool value_lost;          // neither a set nor a delete: the value is not mapped
 };
 
 class call_recorder : public output_sink {

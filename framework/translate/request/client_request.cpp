@@ -7,14 +7,14 @@
 namespace yfw {
 namespace {
 
-// An envelope that holds nothing but data: its operation is said elsewhere.
+// An envelope that holds only data, without an operation.
 bool is_data_holder(const yfw_node_t &node) {
   const std::string_view tag = node.tag;
   return is_envelope(node) && (tag == "data" || tag == "config" || tag == "filter");
 }
 
-// Blanks around what a filter's leaf is to be equal to do not count; a leaf with nothing else is a selection (RFC 6241,
-// sections 6.2.4 and 6.2.5).
+// Whitespace around the value of a content match node is ignored; a leaf with nothing else is a selection node (RFC
+// 6241, sections 6.2.4 and 6.2.5).
 void trim_values(yfw_node_t &node) {
   if (node.value != nullptr) {
     const std::string_view text = trimmed(node.value);
@@ -33,25 +33,25 @@ void trim_values(yfw_node_t &node) {
 void require_subtree(const document &request, const yfw_node_t &filter) {
   for (const std::string_view ns : {std::string_view(), std::string_view(netconf_ns)}) {
     if (const auto type = request.attribute(filter, ns, "type"); type && *type != "subtree") {
-      throw client_error(request.where(filter), "filter type " + in_quotes(*type) + " is not supported, only 'subtree'",
+      throw client_error(request.where(filter), "unsupported filter type " + in_quotes(*type) + ", expected 'subtree'",
                          error_tag::operation_not_supported);
     }
   }
 }
 
-// Operations are of data: on a message they would be lost.
-void refuse_operations(const document &request, const yfw_node_t &node) {
+// Operations are allowed on data only: on a message they would be lost.
+void require_no_operations(const document &request, const yfw_node_t &node) {
   if (!is_envelope(node)) {
     return;
   }
   if (const uint8_t operation = extra(node).given_operation; operation != no_operation) {
     throw client_error(request.where(node),
-                       "operation " + in_quotes(operation_word(operation)) + " stands on " + in_quotes(node.tag) +
-                           ", where it means nothing; give it on the data",
+                       "operation " + in_quotes(operation_word(operation)) + " is not allowed on " +
+                           in_quotes(node.tag) + "; put it on the data",
                        error_tag::bad_element);
   }
   for (const yfw_node_t &below : children(node)) {
-    refuse_operations(request, below);
+    require_no_operations(request, below);
   }
 }
 
@@ -72,7 +72,7 @@ client_request bare_request(document &request, client_operation operation) {
   client_request result;
   result.operation = operation;
   for (yfw_node_t &root : request.roots()) {
-    refuse_operations(request, root);
+    require_no_operations(request, root);
     if (is_data_holder(root)) {
       require_subtree(request, root);
       for (yfw_node_t &node : children(root)) {

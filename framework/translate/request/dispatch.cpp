@@ -1,6 +1,7 @@
 #include "yfw/internal/dispatch.hpp"
 
 #include <algorithm>
+#include <utility>
 
 #include "yfw/internal/manifest_nodes.hpp"
 
@@ -25,7 +26,7 @@ class planner {
       read_below(nullptr, "everything");
     }
     if (!client_.is_read()) {
-      refuse_repeated({client_.data.begin(), client_.data.end()}, errors_);
+      check_not_repeated({client_.data.begin(), client_.data.end()}, errors_);
     }
     for (yfw_node_t *node : client_.data) {
       if (!errors_.contains(*node) && is_known_node(document_, *node, errors_)) {
@@ -36,7 +37,7 @@ class planner {
   }
 
  private:
-  // Hands `node` over, goes below it, or finds nobody to serve it. `above` is its schema parent.
+  // Dispatches `node`, goes below it, or reports it as unmapped. `above` is its schema parent.
   void place_node(yfw_node_t &node, const lysc_node *above, uint32_t inherited) {
     const lysc_node *schema = extra(node).schema;
     if (const entry_point *entry = entry_for(above, module_name(schema)); entry != nullptr) {
@@ -55,7 +56,7 @@ class planner {
     }
     yfw_node_t *const outer_key = key_;
     if (!client_.is_read()) {
-      refuse_repeated_children(node, errors_);
+      check_children_not_repeated(node, errors_);
     }
     if (is_list(schema)) {
       key_ = check_keys(node, schema);
@@ -74,7 +75,7 @@ class planner {
         place_node(below, schema, operation);
       } else if (client_.is_read() && below.value == nullptr) {
         ++selections;
-        add_note(below, note_kind::key_read, "is a key: it comes with whatever else is read");
+        add_note(below, note_kind::key_read, "is a key, which every read returns");
       }
     }
     if (selections == 0 && client_.is_read()) {
@@ -84,7 +85,7 @@ class planner {
     key_ = outer_key;
   }
 
-  // Reads all that the entry points below `above` serve.
+  // Dispatches whole reads to all entry points below `above`.
   void read_below(const lysc_node *above, const std::string &asked) {
     bool found = false;
     for (const lysc_node *below : document_.modules().children(above)) {
@@ -114,10 +115,10 @@ class planner {
                            std::find(std::begin(tolerated_above_entry), std::end(tolerated_above_entry), operation) !=
                                std::end(tolerated_above_entry);
     if (!tolerated || (operation == YFW_OPERATION_CREATE && !is_list(extra(node).schema))) {
-      errors_.add(node,
-                  "no plug-in can carry out operation " + in_quotes(operation_word(operation)) +
-                      " on it; give the operation on a mapped node below it",
-                  error_tag::operation_not_supported);
+      errors_.add(
+          node,
+          "operation " + in_quotes(operation_word(operation)) + " is not supported here; put it on a mapped node below",
+          error_tag::operation_not_supported);
     }
     return operation;
   }
@@ -127,15 +128,14 @@ class planner {
     for (const std::string_view name : keys(list)) {
       yfw_node_t *key = child(entry, name);
       if (!client_.is_read() && (key == nullptr || key->value == nullptr)) {
-        errors_.add(entry, "has no key " + in_quotes(name) + ", which an edit needs", error_tag::missing_element,
-                    std::string(name));
+        errors_.add(entry, "key " + in_quotes(name) + " is missing", error_tag::missing_element, std::string(name));
       }
       if (key != nullptr && !client_.is_read()) {
-        refuse_operation_on_key(*key, errors_);
+        check_key_operation(*key, errors_);
       }
       if (key != nullptr && key->value != nullptr) {
-        if (const checked_value checked = document_.check(*key); !checked.ok) {
-          errors_.add(*key, checked.why, error_tag::invalid_value, rejected_value{key->value, checked.reason});
+        if (checked_value checked = document_.check(*key); !checked.ok) {
+          errors_.add(*key, std::move(checked.rejected));
         }
         first = first == nullptr ? key : first;
       }
@@ -153,7 +153,7 @@ class planner {
 
   void report_unmapped(const yfw_node_t &node) {
     const std::string text =
-        "is not mapped: no plug-in serves " + in_quotes(module_name(extra(node).schema)) + " there";
+        "is not mapped: no entry point serves module " + in_quotes(module_name(extra(node).schema)) + " here";
     if (client_.is_read()) {
       add_note(node, note_kind::unmapped, text);
     } else {

@@ -7,14 +7,15 @@
 namespace yfw {
 
 void error_collector::add(const yfw_node_t &node, const std::string &text, error_tag tag, std::string bad_element) {
-  add(node, client_error(document_.where(node), text, tag, std::move(bad_element)));
+  add(node, client_error({}, text, tag, std::move(bad_element)));
 }
 
-void error_collector::add(const yfw_node_t &node, const std::string &text, error_tag tag, rejected_value rejected) {
-  add(node, client_error(document_.where(node), text, tag, std::move(rejected)));
+void error_collector::add(const yfw_node_t &node, rejected_value rejected) {
+  add(node, client_error({}, std::move(rejected)));
 }
 
-void error_collector::add(const yfw_node_t &node, client_error problem) {
+void error_collector::add(const yfw_node_t &node, const client_error &found) {
+  client_error problem = found.at(document_.where(node));
   if (mode_ == mode::fail_fast) {
     throw problem;
   }

@@ -3,8 +3,8 @@
 namespace yfw {
 namespace {
 
-// The node for a step: the entry with the known keys, or one that stands for all entries and asks for their keys, since
-// nobody could tell them apart otherwise.
+// The node for a step: the entry with the known keys, or one for all entries that selects their keys, which identify
+// them.
 data_node &descend(data_tree &tree, data_node *parent, const path_step &step) {
   if (!is_list(step.node)) {
     return tree.at(parent, step.node);

@@ -10,16 +10,16 @@
 namespace yfw {
 namespace {
 
-class silence_finder {
+class no_effect_finder {
  public:
-  silence_finder(const native_request &request, error_collector &errors)
+  no_effect_finder(const native_request &request, error_collector &errors)
       : default_(request.client.default_operation), errors_(errors) {
     for (const native_operation &call : request.calls) {
       causes_.insert(call.source_node);
     }
   }
 
-  // A key alone asks for nothing but its entry.
+  // A key alone stands for its entry.
   void visit(const yfw_node_t &node) {
     if (errors_.contains(node) || causes_.contains(&node)) {
       return;
@@ -31,13 +31,13 @@ class silence_finder {
         visit(below);
       }
     }
-    if (is_end && !has_refused_key(node) && operation_in_force(node, default_) != no_operation) {
-      errors_.add(node, "would cause no native edit", error_tag::operation_not_supported);
+    if (is_end && !has_key_error(node) && operation_in_force(node, default_) != no_operation) {
+      errors_.add(node, "is not mapped: no native edit results", error_tag::operation_not_supported);
     }
   }
 
  private:
-  bool has_refused_key(const yfw_node_t &node) const {
+  bool has_key_error(const yfw_node_t &node) const {
     return std::ranges::any_of(children(node), [&](const yfw_node_t &key) { return errors_.contains(key); });
   }
 
@@ -85,7 +85,7 @@ class condition_reads {
         }
       }
     } catch (const error &) {
-      // What cannot be read is among the problems, since it cannot be edited either.
+      // What cannot be read cannot be edited either, so it is among the problems.
     }
   }
 
@@ -120,7 +120,7 @@ void add_condition_reads(edit_plan &plan, const schema &modules, const plugin &m
 }
 
 void refuse_silent_ends(const native_request &request, error_collector &errors) {
-  silence_finder finder(request, errors);
+  no_effect_finder finder(request, errors);
   for (const yfw_node_t *node : request.client.data) {
     finder.visit(*node);
   }

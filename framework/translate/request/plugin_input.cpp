@@ -1,6 +1,7 @@
 #include "yfw/internal/plugin_input.hpp"
 
 #include <algorithm>
+#include <utility>
 
 #include "yfw/internal/text.hpp"
 
@@ -16,8 +17,7 @@ bool is_value_leaf(const yfw_node_t &node) {
   return is_leaf(schema) || is_leaf_list(schema);
 }
 
-// Within a replaced or created parent, what is given is merged into what is left of it: nothing. A leaf that is created
-// with its parent is created itself.
+// Below a replaced node nothing is left, so that children are merged. A leaf below a created node is created itself.
 uint32_t inherited_by_children(uint32_t operation) {
   return operation == YFW_OPERATION_REPLACE ? YFW_OPERATION_MERGE : operation;
 }
@@ -28,7 +28,7 @@ void set_children(yfw_node_t &node, yfw_node_t *array, size_t count) {
   node.flags |= YFW_NODE_HAS_CHILDREN;
 }
 
-// What tells an entry of a list or leaf-list from its siblings: its keys or its value. Other nodes have just a name.
+// What distinguishes a node from its siblings: its name, the keys of a list entry, the value of a leaf-list entry.
 std::string identity(const yfw_node_t &node) {
   std::string text = std::string(node.ns) + ' ' + node.tag;
   const lysc_node *schema = extra(node).schema;
@@ -46,7 +46,7 @@ bool is_fit_for_its_kind(const yfw_node_t &node, error_collector &errors) {
   const lysc_node *schema = extra(node).schema;
   const bool is_inner = is_container(schema) || is_list(schema);
   if (is_inner && node.value != nullptr && !is_blank(std::string_view(node.value))) {
-    errors.add(node, "is no leaf and holds no text like " + in_quotes(node.value), error_tag::bad_element);
+    errors.add(node, "is not a leaf, but has the value " + in_quotes(node.value), error_tag::bad_element);
     return false;
   }
   return true;
@@ -68,15 +68,15 @@ bool is_known_node(const document &request, const yfw_node_t &node, error_collec
   return false;
 }
 
-void refuse_operation_on_key(const yfw_node_t &key, error_collector &errors) {
+void check_key_operation(const yfw_node_t &key, error_collector &errors) {
   const uint8_t given = extra(key).given_operation;
   if (deletes(given) || given == YFW_OPERATION_CREATE) {
-    errors.add(key, "is a key; operation " + in_quotes(operation_word(given)) + " is given on its list entry",
+    errors.add(key, "is a key; put operation " + in_quotes(operation_word(given)) + " on its list entry",
                error_tag::bad_element);
   }
 }
 
-void refuse_repeated(const std::vector<const yfw_node_t *> &siblings, error_collector &errors) {
+void check_not_repeated(const std::vector<const yfw_node_t *> &siblings, error_collector &errors) {
   std::set<std::string> seen;
   for (const yfw_node_t *node : siblings) {
     if (!seen.insert(identity(*node)).second) {
@@ -85,17 +85,17 @@ void refuse_repeated(const std::vector<const yfw_node_t *> &siblings, error_coll
   }
 }
 
-void refuse_repeated_children(const yfw_node_t &parent, error_collector &errors) {
+void check_children_not_repeated(const yfw_node_t &parent, error_collector &errors) {
   std::vector<const yfw_node_t *> siblings;
   for (const yfw_node_t &node : children(parent)) {
     siblings.push_back(&node);
   }
-  refuse_repeated(siblings, errors);
+  check_not_repeated(siblings, errors);
 }
 
 yfw_node_t *plugin_input::copy(const yfw_node_t &from, uint32_t inherited,
-                               const std::set<const yfw_node_t *> &left_out) {
-  left_out_ = left_out;
+                               const std::set<const yfw_node_t *> &omitted) {
+  omitted_ = omitted;
   yfw_node_t *to = arena_.nodes(1);
   return fill(*to, from, inherited) ? to : nullptr;
 }
@@ -109,7 +109,7 @@ yfw_node_t *plugin_input::placeholder(const lysc_node *schema) {
 }
 
 bool plugin_input::fill(yfw_node_t &to, const yfw_node_t &from, uint32_t inherited) {
-  if (left_out_.contains(&from) || errors_.contains(from) || !is_known_node(document_, from, errors_) ||
+  if (omitted_.contains(&from) || errors_.contains(from) || !is_known_node(document_, from, errors_) ||
       !is_readable(from)) {
     return false;
   }
@@ -127,7 +127,7 @@ bool plugin_input::fill_leaf(yfw_node_t &to, const yfw_node_t &from, uint32_t op
     return true;
   }
   if (is_checked_ && is_key(extra(from).schema)) {
-    refuse_operation_on_key(from, errors_);
+    check_key_operation(from, errors_);
   }
   if (deletes(operation) || operation == no_operation) {
     return operation != no_operation;
@@ -136,10 +136,9 @@ bool plugin_input::fill_leaf(yfw_node_t &to, const yfw_node_t &from, uint32_t op
     to.value = from.value != nullptr ? arena_.text(from.value) : nullptr;
     return true;
   }
-  const checked_value checked = document_.check(from);
+  checked_value checked = document_.check(from);
   if (!checked.ok) {
-    errors_.add(from, checked.why, error_tag::invalid_value,
-                rejected_value{from.value != nullptr ? from.value : "", checked.reason});
+    errors_.add(from, std::move(checked.rejected));
     return false;
   }
   to.value = arena_.text(checked.canonical);
@@ -153,10 +152,10 @@ bool plugin_input::fill_children(yfw_node_t &to, const yfw_node_t &from, uint32_
   }
   if (!client_.is_read() && deletes(operation)) {
     check_deleted(from);
-    return true;  // whatever is given below goes with it
+    return true;  // with all nodes below
   }
   if (!client_.is_read()) {
-    refuse_repeated_children(from, errors_);
+    check_children_not_repeated(from, errors_);
   }
   const bool only_values = client_.is_read() && std::all_of(given.begin(), given.end(), [](const yfw_node_t &node) {
                              return is_value_leaf(node) && node.value != nullptr;
@@ -179,7 +178,7 @@ bool plugin_input::fill_children(yfw_node_t &to, const yfw_node_t &from, uint32_
   return kept > 0;
 }
 
-// What stands below a deleted node says nothing more, so it may not seem to.
+// Nodes below a deleted one have no effect, so operations on them are errors.
 void plugin_input::check_deleted(const yfw_node_t &deleted) {
   for (const yfw_node_t &below : children(deleted)) {
     const uint8_t given = extra(below).given_operation;
@@ -187,7 +186,7 @@ void plugin_input::check_deleted(const yfw_node_t &deleted) {
       continue;
     }
     if (given != no_operation && !deletes(given)) {
-      errors_.add(below, "operation " + in_quotes(operation_word(given)) + " stands inside what is deleted",
+      errors_.add(below, "operation " + in_quotes(operation_word(given)) + " is not allowed inside a deleted node",
                   error_tag::bad_element);
     }
     check_deleted(below);

@@ -1,4 +1,4 @@
-// Runs a plug-in over a client's request and judges what came of it.
+// Runs a plug-in over a client's request and checks the resulting operations.
 #include <algorithm>
 #include <map>
 #include <set>
@@ -39,12 +39,12 @@ std::string in_hex(uint32_t status) {
 class translation {
  public:
   translation(document &request, client_request client, const plugin &mapping, trace_log &log, bool is_checked,
-              error_collector::mode habit = error_collector::mode::fail_fast)
+              error_collector::mode error_mode = error_collector::mode::fail_fast)
       : document_(request),
         mapping_(mapping),
         recorder_(request.modules()),
         context_(mapping.description(), log, recorder_, request_operation(client)),
-        errors_(request, habit),
+        errors_(request, error_mode),
         nodes_(request, result_.client, is_checked, errors_) {
     result_.client = std::move(client);
   }
@@ -52,12 +52,12 @@ class translation {
   native_request run() {
     dispatch_plan plan = dispatches();
     result_.notes = std::move(plan.notes);
-    for (const dispatch &each : plan.dispatches) {
-      translate(each);
+    for (const dispatch &part : plan.dispatches) {
+      translate(part);
     }
     for (const yfw_node_t *leaf : nodes_.content_matches()) {
       add_note(*leaf, note_kind::content_match,
-               "selects by value, which the native request does not: more is read than asked for");
+               "selects by value, which the native request cannot: more is read than requested");
     }
     return std::move(result_);
   }
@@ -72,20 +72,20 @@ class translation {
 
   probe_outcome probe() {
     probe_outcome outcome;
-    for (const dispatch &each : dispatches().dispatches) {
-      yfw_node_t *copy = copy_of(each, {});
+    for (const dispatch &part : dispatches().dispatches) {
+      yfw_node_t *copy = copy_of(part, {});
       if (copy == nullptr || outcome.status != YMAP_OK) {
         continue;
       }
-      outcome.status = walk(each, *copy);
+      outcome.status = walk(part, *copy);
       outcome.error_tag = context_.record.error_tag != nullptr ? context_.record.error_tag : "";
       for (const reported_problem &problem : context_.problems) {
         outcome.problems.push_back(problem.text);
       }
-      for (const recorded_call &made : recorder_.recorded()) {
-        outcome.value_lost = outcome.value_lost || (!result_.client.is_read() && made.value_lost);
+      for (const recorded_call &recorded : recorder_.recorded()) {
+        outcome.value_lost = outcome.value_lost || (!result_.client.is_read() && recorded.value_lost);
       }
-      take_calls(each, *copy, outcome.calls);
+      append_operations(part, *copy, outcome.calls);
     }
     return outcome;
   }
@@ -95,107 +95,106 @@ class translation {
     return plan_dispatch(document_, result_.client, mapping_.description(), nodes_, errors_);
   }
 
-  // Ends a walk of `copy`: its calls go to the end of `calls`.
-  void take_calls(const dispatch &each, const yfw_node_t &copy, std::vector<native_operation> &calls) {
-    for (recorded_call &made : recorder_.recorded()) {
-      made.call.operation = made.node.operation;
-      // Defaults are made for the whole entry.
-      made.call.source_node = each.defaults != nullptr ? each.node : node_at(copy, made.compared);
-      calls.push_back(std::move(made.call));
+  // Ends a walk of `copy`: appends its operations to `calls`.
+  void append_operations(const dispatch &part, const yfw_node_t &copy, std::vector<native_operation> &calls) {
+    for (recorded_call &recorded : recorder_.recorded()) {
+      recorded.call.operation = recorded.node.operation;
+      // Defaults are of the whole entry.
+      recorded.call.source_node = part.defaults != nullptr ? part.node : node_at(copy, recorded.compared);
+      calls.push_back(std::move(recorded.call));
     }
     recorder_.clear();
   }
 
-  void translate(const dispatch &each) {
-    std::set<const yfw_node_t *> left_out;
+  void translate(const dispatch &part) {
+    std::set<const yfw_node_t *> omitted;
     for (;;) {
-      yfw_node_t *copy = copy_of(each, left_out);
+      yfw_node_t *copy = copy_of(part, omitted);
       if (copy == nullptr) {
         return;
       }
-      const uint32_t status = walk(each, *copy);
-      if (status == YMAP_OK && is_in_order(each, *copy)) {
-        take_calls(each, *copy, result_.calls);
+      const uint32_t status = walk(part, *copy);
+      if (status == YMAP_OK && is_in_order(part, *copy)) {
+        append_operations(part, *copy, result_.calls);
         return;
       }
       if (status == YMAP_OK) {
         continue;
       }
       const yfw_node_t *source_node = node_at(*copy, context_.compared);
-      if (can_do_without(source_node, status) && left_out.insert(source_node).second) {
-        add_note(*source_node, note_kind::unmapped, "is not mapped: it has no native counterpart");
+      if (may_be_omitted(source_node, status) && omitted.insert(source_node).second) {
+        add_note(*source_node, note_kind::unmapped, "is not mapped");
       } else {
-        refuse(each, source_node, reason(source_node, status), tag_of(status));
+        reject(part, source_node, client_error({}, reason(source_node, status), tag_of(status)));
       }
     }
   }
 
-  // Rejects the source node or, when none is known, all that was handed over; the next walk goes without it.
-  template <typename... detail_t>
-  void refuse(const dispatch &each, const yfw_node_t *source_node, const std::string &text, error_tag tag,
-              const detail_t &...rejected) {
-    const yfw_node_t *node = source_node != nullptr ? source_node : each.node;
+  // Reports the problem at the source node or, when that is not known, at the whole dispatched node. The next walk
+  // omits it.
+  void reject(const dispatch &part, const yfw_node_t *source_node, const client_error &problem) {
+    const yfw_node_t *node = source_node != nullptr ? source_node : part.node;
     if (node == nullptr || errors_.contains(*node)) {
-      throw client_error(place{document_.file(), 0, path(each.schema)}, text, tag, rejected...);
+      throw problem.at({document_.file(), 0, path(part.schema)});
     }
-    errors_.add(*node, text, tag, rejected...);
+    errors_.add(*node, problem);
     if (!children(*node).empty()) {
-      add_note(*node, note_kind::not_translated, "is set aside with all that is below it");
+      add_note(*node, note_kind::not_translated, "is skipped with all nodes below it");
     }
   }
 
-  yfw_node_t *copy_of(const dispatch &each, const std::set<const yfw_node_t *> &left_out) {
-    return each.node != nullptr ? nodes_.copy(*each.node, each.inherited, left_out) : nodes_.placeholder(each.schema);
+  yfw_node_t *copy_of(const dispatch &part, const std::set<const yfw_node_t *> &omitted) {
+    return part.node != nullptr ? nodes_.copy(*part.node, part.inherited, omitted) : nodes_.placeholder(part.schema);
   }
 
-  // One walk of a fresh copy. The calls of an earlier one are forgotten.
-  uint32_t walk(const dispatch &each, yfw_node_t &copy) {
+  // One walk of a fresh copy. Operations of earlier walks are discarded.
+  uint32_t walk(const dispatch &part, yfw_node_t &copy) {
     recorder_.clear();
     context_.reset();
-    context_.hierarchy = each.ancestors;
-    context_.tree_stack = {yfw_itree_entry_t{&copy}, yfw_itree_entry_t{each.key}};
-    if (each.defaults != nullptr) {
-      return call_plugin(context_, mapping_, call_form::create_defaults, each.defaults->function, &copy);
+    context_.hierarchy = part.ancestors;
+    context_.tree_stack = {yfw_itree_entry_t{&copy}, yfw_itree_entry_t{part.key}};
+    if (part.defaults != nullptr) {
+      return call_plugin(context_, mapping_, call_form::create_defaults, part.defaults->function, &copy);
     }
-    return call_plugin(context_, mapping_, call_form::entry, each.entry->function, &copy);
+    return call_plugin(context_, mapping_, call_form::entry, part.entry->function, &copy);
   }
 
-  // A read does without leaves that are not mapped. An unnamed node, part of a whole container, stops no walk.
-  bool can_do_without(const yfw_node_t *source_node, uint32_t status) const {
+  // A read omits leaves that are not mapped, when they are known.
+  bool may_be_omitted(const yfw_node_t *source_node, uint32_t status) const {
     return status == YMAP_NOT_MAPPED && result_.client.is_read() && source_node != nullptr;
   }
 
-  // A walk that succeeded may still not do what the client said: a value without native counterpart becomes a call
-  // without value, and a leaf may cause no call at all. False when something is errors.
-  bool is_in_order(const dispatch &each, const yfw_node_t &copy) {
-    if (each.node == nullptr || each.defaults != nullptr) {
+  // A walk that succeeds may still differ from the request: an unmapped value results in an operation without value,
+  // and a leaf may result in no operation. Returns false after such a problem is reported.
+  bool is_in_order(const dispatch &part, const yfw_node_t &copy) {
+    if (part.node == nullptr || part.defaults != nullptr) {
       return true;
     }
-    for (const recorded_call &made : recorder_.recorded()) {
-      if (!result_.client.is_read() && made.value_lost) {
-        refuse_lost_value(each, copy, made);
+    for (const recorded_call &recorded : recorder_.recorded()) {
+      if (!result_.client.is_read() && recorded.value_lost) {
+        reject_lost_value(part, copy, recorded);
         return false;
       }
     }
     std::set<const yfw_node_t *> causes;
-    for (const recorded_call &made : recorder_.recorded()) {
-      causes.insert(node_at(copy, made.compared));
+    for (const recorded_call &recorded : recorder_.recorded()) {
+      causes.insert(node_at(copy, recorded.compared));
     }
     const size_t errors_before = errors_.count();
-    require_cause(copy, causes);
+    check_operations(copy, causes);
     return errors_.count() == errors_before;
   }
 
-  void require_cause(const yfw_node_t &copy, const std::set<const yfw_node_t *> &causes) {
+  void check_operations(const yfw_node_t &copy, const std::set<const yfw_node_t *> &causes) {
     const yfw_node_t *given = plugin_input::source_node(copy);
-    const bool is_mute = is_value_leaf(copy) && given != nullptr && !causes.contains(given);
-    if (is_mute && !result_.client.is_read()) {
-      errors_.add(*given, "is not mapped: it would cause no native edit", error_tag::operation_not_supported);
-    } else if (is_mute) {
-      add_note(*given, note_kind::unmapped, "is not mapped: nothing is read for it");
+    const bool has_no_operation = is_value_leaf(copy) && given != nullptr && !causes.contains(given);
+    if (has_no_operation && !result_.client.is_read()) {
+      errors_.add(*given, "is not mapped: no native edit results", error_tag::operation_not_supported);
+    } else if (has_no_operation) {
+      add_note(*given, note_kind::unmapped, "is not mapped: no native read results");
     }
     for (const yfw_node_t &below : children(copy)) {
-      require_cause(below, causes);
+      check_operations(below, causes);
     }
   }
 
@@ -203,58 +202,55 @@ class translation {
     return is_leaf(extra(node).schema) || is_leaf_list(extra(node).schema);
   }
 
-  void refuse_lost_value(const dispatch &each, const yfw_node_t &copy, const recorded_call &made) {
-    const yfw_node_t *source_node = node_at(copy, made.compared);
-    rejected_value lost{{}, "has no native counterpart", {}};
+  void reject_lost_value(const dispatch &part, const yfw_node_t &copy, const recorded_call &lost) {
+    const yfw_node_t *source_node = node_at(copy, lost.compared);
     if (source_node == nullptr || source_node->value == nullptr) {
-      refuse(each, source_node, lost.reason + ": '" + made.call.path() + "' would be asked for or deleted instead",
-             error_tag::invalid_value);
+      const std::string text = "is not mapped: '" + lost.call.path() + "' would be read or deleted instead";
+      reject(part, source_node, client_error({}, text, error_tag::invalid_value));
       return;
     }
-    lost.value = source_node->value;
-    lost.accepted = mapped_values(each, *node_compared(copy, made.compared));
-    std::string text = in_quotes(lost.value) + " " + lost.reason;
-    for (size_t i = 0; i < lost.accepted.size(); ++i) {
-      text += (i == 0 ? "; mapped are " : ", ") + in_quotes(lost.accepted[i]);
-    }
-    refuse(each, source_node, text, error_tag::invalid_value, lost);
+    rejected_value unmapped{rejected_value::kind::unmapped, source_node->value};
+    unmapped.accepted = mapped_values(part, *node_compared(copy, lost.compared));
+    unmapped.reason = unmapped.accepted.empty() ? "" : ", expected " + quoted_list(unmapped.accepted);
+    reject(part, source_node, client_error({}, std::move(unmapped)));
   }
 
-  // Which values of a leaf the mapping takes, found out by trying each one alone.
-  std::vector<std::string> mapped_values(const dispatch &each, const yfw_node_t &leaf) {
+  // The values of a leaf that are mapped, found by translating one value after the other.
+  std::vector<std::string> mapped_values(const dispatch &part, const yfw_node_t &leaf) {
     std::vector<std::string> mapped;
     for (const std::string &candidate : document_.modules().allowed_values(extra(leaf).schema)) {
-      yfw_node_t *trial = copy_of(each, {});
-      yfw_node_t *place = find_origin(*trial, plugin_input::source_node(leaf));
-      if (place == nullptr) {
+      yfw_node_t *trial = copy_of(part, {});
+      yfw_node_t *tried = copy_with_source(*trial, plugin_input::source_node(leaf));
+      if (tried == nullptr) {
         break;
       }
-      place->value = candidate.c_str();
-      const bool walked = walk(each, *trial) == YMAP_OK;
+      tried->value = candidate.c_str();
+      const bool is_walked = walk(part, *trial) == YMAP_OK;
       const auto &calls = recorder_.recorded();
-      const bool lost = std::any_of(calls.begin(), calls.end(), [&](const recorded_call &made) {
-        return made.value_lost && node_compared(*trial, made.compared) == place;
+      const bool is_lost = std::any_of(calls.begin(), calls.end(), [&](const recorded_call &recorded) {
+        return recorded.value_lost && node_compared(*trial, recorded.compared) == tried;
       });
-      if (walked && !lost) {
+      if (is_walked && !is_lost) {
         mapped.push_back(candidate);
       }
     }
     return mapped;
   }
 
-  static yfw_node_t *find_origin(yfw_node_t &copy, const yfw_node_t *origin) {
-    if (plugin_input::source_node(copy) == origin) {
+  // The copy of a client's node, at or below `copy`, or null.
+  static yfw_node_t *copy_with_source(yfw_node_t &copy, const yfw_node_t *source) {
+    if (plugin_input::source_node(copy) == source) {
       return &copy;
     }
     for (yfw_node_t &below : children(copy)) {
-      if (yfw_node_t *found = find_origin(below, origin); found != nullptr) {
+      if (yfw_node_t *found = copy_with_source(below, source); found != nullptr) {
         return found;
       }
     }
     return nullptr;
   }
 
-  // The client's node that the plug-in was at, or null.
+  // The client's node that the plug-in was processing, or null.
   static const yfw_node_t *node_at(const yfw_node_t &copy, const compared_texts &compared) {
     const yfw_node_t *found = node_compared(copy, compared);
     return found != nullptr ? plugin_input::source_node(*found) : nullptr;
@@ -269,16 +265,16 @@ class translation {
       return "is not mapped";
     }
     if (status == YMAP_NOT_MAPPED) {
-      return "is not mapped: it has no native counterpart";
+      return "is not mapped";
     }
     if (status == status_framework_failure && !context_.failure.empty()) {
       return context_.failure;
     }
-    const std::string said = context_.problems.empty() ? "" : ": " + context_.problems.back().text;
-    return "the plug-in refuses it with status " + in_hex(status) + said;
+    const std::string detail = context_.problems.empty() ? "" : ": " + context_.problems.back().text;
+    return "rejected by the plug-in with status " + in_hex(status) + detail;
   }
 
-  // What the reason is in NETCONF's words. A tag that is not mapped has the status of a value that is not.
+  // The error tag of a status. An unmapped tag has the same status as an unmapped value.
   error_tag tag_of(uint32_t status) const {
     if (context_.record.error_tag != nullptr || status == YMAP_NOT_MAPPED) {
       return error_tag::operation_not_supported;
@@ -307,8 +303,7 @@ native_request translate_request(document &request, client_request client, const
 
 edit_plan plan_request(document &request, client_request client, const plugin &mapping, trace_log &log) {
   if (client.is_read()) {
-    throw error(place{request.file(), 0, {}},
-                "is no edit, which alone can be planned; 'ymap request' translates reads");
+    throw error(place{request.file(), 0, {}}, "is not an edit; 'ymap request' translates reads");
   }
   edit_plan result =
       translation(request, std::move(client), mapping, log, true, error_collector::mode::collect_all).plan();

@@ -1,7 +1,7 @@
 // The one error type of the framework, thrown where a fault is found and caught once by the program.
 #pragma once
 
-#include <optional>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -40,7 +40,7 @@ class error : public std::runtime_error {
   std::string text_;
 };
 
-// What a NETCONF server says of a fault in one word (RFC 6241, appendix A).
+// The error-tag of RFC 6241, appendix A.
 enum class error_tag {
   bad_element,
   data_exists,
@@ -57,22 +57,33 @@ enum class error_tag {
 // "data-exists"
 std::string_view to_string(error_tag tag);
 
-// A value that is not taken, and why.
+// A value that is not accepted, and why: "invalid value 'x', expected 'a', 'b'".
 struct rejected_value {
-  std::string value;
-  std::string reason;                      // without the value: "has no native counterpart"
-  std::vector<std::string> accepted = {};  // the values that would be taken instead, as far as known
+  enum class kind {
+    invalid,   // not of its type
+    unmapped,  // without native counterpart
+  };
+
+  kind fault;
+  std::string value;                       // "x"
+  std::string reason = {};                 // ", expected 'a', 'b'", or ": length must be 1..5"
+  std::vector<std::string> accepted = {};  // "a", "b", where the accepted values can be listed
+
+  // Without the value: "invalid value, expected 'a', 'b'".
+  std::string without_value() const;
 };
 
-// A fault in what a client asks for, or in carrying it out: an rpc-error in all but form. The place's path is of the
-// client's model, where the fault has one.
+std::string to_string(const rejected_value &rejected);
+
+// An error in a client's request or in carrying it out, with the fields of an rpc-error. The place's path is of the
+// client model, where there is one.
 class client_error : public error {
  public:
-  // `bad_element` is the name that the tag is about; empty: the last one of the path.
+  // `bad_element` is the name of the element of those tags that name one; empty: the last one of the path.
   client_error(place where, const std::string &text, error_tag tag, std::string bad_element = {});
 
-  // Of a value: `text` says what `rejected` holds in one sentence.
-  client_error(place where, const std::string &text, error_tag tag, rejected_value rejected);
+  // With the text of `rejected` and tag invalid-value.
+  client_error(place where, rejected_value rejected);
 
   // The same fault at another place.
   client_error at(place where) const;
@@ -84,20 +95,30 @@ class client_error : public error {
   const std::string &bad_element() const noexcept {
     return bad_element_;
   }
-  // The value that the fault is about; none when it is not about one.
-  const std::optional<rejected_value> &rejected() const noexcept {
-    return rejected_;
+  // The rejected value, owned by the error; null when the error is not of a value.
+  const rejected_value *rejected() const noexcept {
+    return rejected_.get();
   }
 
  private:
   error_tag tag_;
   std::string bad_element_;
-  std::optional<rejected_value> rejected_;
+  std::shared_ptr<const rejected_value> rejected_;  // a value may be large, and errors are copied
 };
 
 // `text` in single quotes, shortened to about its first 80 bytes and with control characters replaced by '?', fit for a
-// message of one line. With a std::string it is called as yfw::quoted, since std::quoted would be found as well.
+// message of one line.
 std::string in_quotes(std::string_view text);
+
+// All of them in single quotes, with commas between: "'a', 'b'".
+template <typename texts_t>
+std::string quoted_list(const texts_t &texts) {
+  std::string list;
+  for (const auto &text : texts) {
+    list += (list.empty() ? "" : ", ") + in_quotes(text);
+  }
+  return list;
+}
 
 // `text` fit for a message of one line: with control characters replaced by '?', and without the middle of a long one.
 std::string one_line(std::string_view text);

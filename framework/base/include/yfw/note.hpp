@@ -25,7 +25,7 @@ struct note {
   place where;
   note_kind kind;
   std::string text;        // without the place
-  std::string value = {};  // the offending value, if it is about one
+  std::string value = {};  // the value that is omitted or invalid, or the parameter's; or empty
 
   bool operator==(const note &) const = default;
 };

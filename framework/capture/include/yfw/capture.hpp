@@ -40,7 +40,7 @@ struct plugin_event {
 
 class capture {
  public:
-  // Throws `error`, with the line, for text that is no capture. `file` is for messages.
+  // Throws `error`, with the line, for text that is not a capture. `file` is for messages.
   static capture read(const std::string &text, const std::string &file);
 
   capture(capture &&) noexcept;

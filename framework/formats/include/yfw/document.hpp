@@ -40,10 +40,10 @@ class document {
  public:
   // Tells XML from JSON by the first character that is not blank. `file` is for messages, and so is `first_line`, the
   // line of the file where the text begins. The schema must outlive the document. Throws `error`, with file and line,
-  // for text that is not well-formed or not safe: invalid UTF-8, characters that YANG has not (RFC 7950, section 9.4),
-  // document types and entities (RFC 6241, section 3), undeclared prefixes, elements without namespace, unknown
-  // attributes of data, unknown modules, repeated attributes or members, an `operation` without namespace or with an
-  // unknown word, and whatever exceeds a limit.
+  // for text that is not well-formed or not safe: invalid UTF-8, characters that YANG does not allow (RFC 7950,
+  // section 9.4), document types and entities (RFC 6241, section 3), undeclared prefixes, elements without namespace,
+  // unknown attributes of data, unknown modules, repeated attributes or members, an `operation` without namespace or
+  // with an unknown word, and whatever exceeds a limit.
   static document read(std::string text, std::string file, const schema &schema, const read_limits &limits = {},
                        unsigned first_line = 1);
 

@@ -21,15 +21,15 @@ struct wrapper {
 };
 
 struct write_options {
-  bool pretty = true;                  // two spaces a level and a newline at the end; else no blank at all
-  std::vector<wrapper> wrappers = {};  // XML only, outermost first
+  bool pretty = true;                                // two spaces a level and a newline at the end; else no whitespace
+  std::vector<wrapper> wrappers = {};                // XML only, outermost first
   uint32_t default_operation = YFW_OPERATION_MERGE;  // in force at the top; no_operation: none
 };
 
 // Both write the tree's groups in order. A node's operation is written where it differs from the one in force, which is
 // that of the options at the top: in XML as the attribute nc:operation, in JSON as the annotation
 // ietf-netconf:operation. Identities of other modules than their leaf's get a prefix. Both throw `error` with the path
-// of a value that holds a character which the format or YANG has not, and when the stream fails.
+// of a value that holds a character that the format or YANG does not allow, and when the stream fails.
 
 // A namespace is declared as the default one where it changes.
 void write_xml(std::ostream &out, const data_tree &tree, const write_options &options = {});

@@ -9,7 +9,7 @@ namespace yfw {
 
 class schema;
 
-// `ox` takes a tree of the high model (a client's request), `xo` a tree of a low model (native data).
+// `ox` takes a tree of the client model (a request), `xo` a tree of the native model.
 enum class direction { ox, xo };
 
 // Serves the nodes of `module` that stand below the schema node `at` ("/": at the top).
@@ -20,7 +20,7 @@ struct entry_point {
   std::string function;
 };
 
-// A native list whose entries stand for entries of a list of the high model, by one key each.
+// A native list whose entries stand for entries of a list of the client model, by one key each.
 struct list_pair {
   std::string high;
   std::string high_key;

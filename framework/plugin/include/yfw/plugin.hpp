@@ -18,8 +18,9 @@ using create_defaults_function = uint32_t (*)(void *, yfw_ctx_t *, yfw_node_t *,
 class plugin {
  public:
   // Loads the library and the manifest beside it, `NAME.manifest.json` for `NAME.so`. Every function that the manifest
-  // names must be there. Throws `error` otherwise, and when the library needs a name that nothing defines. What is cut
-  // off, is for another machine or was built for another version of the ABI is refused before anything in it runs.
+  // names must be there. Throws `error` otherwise, and when the library needs a name that nothing defines. A
+  // library that is truncated, for another machine or built for another ABI version is rejected before anything in it
+  // runs.
   static plugin load(const std::filesystem::path &library);
 
   // Loads the library alone in the same way, for callers that know the names of its functions. The description is

@@ -24,7 +24,7 @@ class trace_log {
   void write_short(const std::string &line);
   void write_long(const char *line);
 
-  // Writes the ring to `stream`, oldest line first, after a line that says how many older ones were lost, if any.
+  // Writes the ring to `stream`, oldest line first, after a line with the number of older ones that were lost, if any.
   void print_ring(std::ostream &stream) const;
 
  private:

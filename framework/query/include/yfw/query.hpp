@@ -37,7 +37,7 @@ data_tree selected_content(const data_tree &data, content wanted);
 // What a client's subtree filter, top-level nodes of `request`, selects of the data.
 data_tree filtered(const data_tree &data, const document &request, std::span<yfw_node_t *const> filter, content wanted);
 
-// An XPath expression, understood as far as the way to the data goes.
+// An XPath expression, with the steps that lead to its data.
 struct read_xpath {
   std::string qualified;         // with the module's name before each name, as libyang wants it
   std::vector<path_step> steps;  // the plain steps and keys that it begins with; all that it selects is below

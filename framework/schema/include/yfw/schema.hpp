@@ -9,6 +9,8 @@
 #include <string_view>
 #include <vector>
 
+#include "yfw/error.hpp"
+
 struct lysc_ident;
 struct lysc_node;
 struct lysc_type;
@@ -19,9 +21,8 @@ enum class json_kind { string, number, boolean, empty };
 
 struct checked_value {
   bool ok = false;
-  std::string canonical;  // RFC 7950, section 9; identities without prefix
-  std::string why;        // when not ok: "'x' is not one of its values, which are 'a', 'b'"
-  std::string reason;     // the same without the value at the beginning
+  std::string canonical;      // RFC 7950, section 9; identities without prefix
+  rejected_value rejected{};  // when not ok: "invalid value 'x', expected 'a', 'b'"
 };
 
 // Namespaces by prefix, for identities in values; none when the prefix is not known.

@@ -45,7 +45,7 @@ std::string key_literal(const std::string &text);
 std::vector<path_step> steps_to(const yfw_node_t &node);
 
 // The path of a node of a document with plain names and the keys that it has: /library/book[title="Emma"]/price.
-// Envelopes around data are left out.
+// Envelopes around data are omitted.
 std::string path(const yfw_node_t &node);
 
 // One step of such a path, "/book[title="Emma"]"; keys are looked for among `children`.

@@ -10,9 +10,8 @@
 
 namespace yfw {
 
-// Takes an rpc, its operation or a bare data tree apart. `bare_operation` says what is asked with a bare data tree and
-// is not looked at otherwise. The result points into the document. Throws `error` for messages, filters and parameters
-// that are not supported.
+// The request of an rpc, of its operation or of a bare data tree, whose operation is `bare_operation`. The result
+// points into the document. Throws `client_error` for unsupported messages, filters and parameters.
 client_request read_client_request(document &request, std::optional<client_operation> bare_operation);
 
 // The error as `rpc-error` in an `rpc-reply` (RFC 6241, section 4.3), or in JSON as `errors` of RFC 8040, section 7.1.

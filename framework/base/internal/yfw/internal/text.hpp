@@ -1,4 +1,4 @@
-// Characters: UTF-8 (RFC 3629) restricted to what YANG has (RFC 7950, section 9.4).
+// Characters: UTF-8 (RFC 3629) restricted to what YANG allows (RFC 7950, section 9.4).
 #pragma once
 
 #include <cstddef>
@@ -9,7 +9,7 @@
 
 namespace yfw {
 
-// No control characters but tab, line feed and carriage return, no surrogates, no noncharacters.
+// No control characters but tab, newline and carriage return, no surrogates, no noncharacters.
 bool is_yang_char(uint32_t code_point);
 
 enum class bad_text { none, not_utf8, not_yang };
@@ -19,10 +19,10 @@ struct text_fault {
   size_t offset = 0;  // of the first byte at fault
 };
 
-// The first fault of a text. The offsets of its line feeds up to there are appended to `newlines`, if given.
+// The first fault of a text. The offsets of its newlines up to there are appended to `newlines`, if given.
 text_fault first_fault(std::string_view text, std::vector<uint32_t> *newlines = nullptr);
 
-// A fault in words: "is not UTF-8", "is a character that YANG has not".
+// A fault in words: "is not UTF-8", "has a character that YANG does not allow".
 std::string_view fault_words(bad_text kind);
 
 bool is_blank(char c);

@@ -31,8 +31,8 @@ class output_sink {
                               const char *key_name) = 0;
 };
 
-// The addresses of the texts that a plug-in compared last, latest first. A text of an input node tells which node it is
-// at; the others are its own, such as the namespaces that it compares when no tag matches.
+// The addresses of the texts that a plug-in compared last, latest first. A text of an input node identifies the node
+// that it is at; the others are its own, such as the namespaces that it compares when no tag matches.
 using compared_texts = std::array<const char *, 4>;
 
 // An error point that was reached, where, and the innermost node that was open then.
@@ -58,9 +58,10 @@ class context : public yfw_ctx_t {
   // Remembers why a framework call fails and returns the status for it.
   uint32_t fail(std::string reason);
 
-  // Remembers what is wrong with the input node that the plug-in is at: it is left out, or passed on all the same.
+  // Remembers what is wrong with the input node that the plug-in is at: its value is omitted, or kept although it is
+  // not valid.
   void report(std::string_view text);
-  void report_passed_on(std::string_view text);
+  void report_kept(std::string_view text);
 
   // The entry of the list with schema path `path` that is open in the node hierarchy, or null.
   const yfw_node_t *open_entry(std::string_view path) const;
@@ -77,7 +78,7 @@ class context : public yfw_ctx_t {
 
   compared_texts compared{};
   std::vector<reported_problem> problems;
-  std::vector<reported_problem> passed_on;
+  std::vector<reported_problem> kept;
   std::string failure;
 
   call_observer *observer = nullptr;  // sees the plug-in's calls and may answer them
@@ -86,12 +87,13 @@ class context : public yfw_ctx_t {
   yfw_request_t request_{};
 };
 
-// The context of a call from the plug-in.
+// The context of a plug-in's call.
 inline context &context_of(yfw_ctx_t *ctx) {
   return *static_cast<context *>(ctx);
 }
 
-// Does a call of the ABI: `answer` does it, unless somebody watches, to whom `describe` tells the call.
+// Carries out a call of the ABI by `answer`, or, with an observer, by the observer, which gets the call from
+// `describe`.
 template <typename answer_t, typename describe_t>
 uint32_t observed(context &ctx, const answer_t &answer, const describe_t &describe) {
   return ctx.observer == nullptr ? answer() : ctx.observer->pass(describe(), answer);

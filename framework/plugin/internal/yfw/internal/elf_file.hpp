@@ -1,5 +1,5 @@
-// What an ELF shared library says of itself, read without loading it: nothing in it runs. Every offset in the file is
-// taken for a lie until it is checked.
+// The headers, sections and symbols of an ELF shared library, read without loading it: nothing in it runs. Every offset
+// in the file is checked before it is used.
 #pragma once
 
 #include <elf.h>
@@ -41,8 +41,8 @@ std::string_view machine_name(uint16_t machine);
 
 class elf_file {
  public:
-  // `bytes` is the content of `file`, which is for messages. Throws `error` for what is no 64-bit little-endian shared
-  // library for x86-64 or AArch64, and for one that is cut off or contradicts itself.
+  // `bytes` is the content of `file`, which is for messages. Throws `error` for what is not a 64-bit little-endian
+  // shared library for x86-64 or AArch64, and for a truncated or inconsistent one.
   elf_file(std::string bytes, std::string file);
 
   // Reads the file. Throws `error` when that is impossible, too.
@@ -56,8 +56,8 @@ class elf_file {
   }
   const elf_section *section(std::string_view name) const;
 
-  // The version of the ABI that a plug-in says it was built for, in a section of its own; none when it does not. Where
-  // its parts were built for several, one that is not this framework's.
+  // The version of the ABI that a plug-in was built for, from a section of its own; none without that section. When its
+  // objects were built for several, one that is not this framework's.
   std::optional<std::string> abi_version() const;
 
   // Of a section, empty for one without bytes in the file.
@@ -71,7 +71,7 @@ class elf_file {
   // The libraries that it wants loaded.
   std::vector<std::string> needed() const;
 
-  // The names that its relocations tell.
+  // The names in its relocations.
   std::set<std::string> relocated_names() const;
 
   // The addresses in it that its own code calls, jumps to or takes, each with the places where it does so.

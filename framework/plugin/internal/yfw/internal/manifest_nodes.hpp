@@ -1,5 +1,5 @@
 // Where in the modules the paths of a manifest are. Its plain names may mean nodes of several modules: there is more
-// than one '/interfaces/interface' in the world. What the entry points serve tells which of them is meant.
+// than one '/interfaces/interface' in the world. The entry points determine which of them is meant.
 #pragma once
 
 #include <functional>
@@ -16,7 +16,7 @@ const lysc_node *served_parent(const entry_point &entry, const schema &modules);
 // Whether an entry point of that direction serves the node, or something below it.
 bool is_on_the_way(const manifest &description, direction dir, const lysc_node *node, const schema &modules);
 
-// The test whether a node is of the client's model and leads to what is mapped: whether an entry point for requests
+// The test whether a node is of the client model and leads to mapped nodes: whether an entry point for requests
 // serves it, or something below it. Manifest and modules must outlive the result.
 std::function<bool(const lysc_node *)> client_nodes(const manifest &description, const schema &modules);
 

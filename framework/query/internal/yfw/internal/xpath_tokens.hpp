@@ -1,4 +1,4 @@
-// The words of an XPath 1.0 expression.
+// The tokens of an XPath 1.0 expression.
 #pragma once
 
 #include <string>
@@ -31,7 +31,7 @@ struct xpath_token {
   std::string prefix = {};
 };
 
-// The words, ended by one of kind `end`. Throws `client_error` for what is none, for axes, attributes and variables.
+// The tokens, ended by one of kind `end`. Throws `client_error` for other text, for axes, attributes and variables.
 std::vector<xpath_token> xpath_tokens(std::string_view text);
 
 }  // namespace yfw

@@ -1,4 +1,4 @@
-// Native data translated into data of the high model.
+// Native data translated into data of the client model.
 #pragma once
 
 #include <functional>
@@ -16,19 +16,19 @@ namespace yfw {
 
 struct reply_options {
   content wanted = content::all;
-  std::vector<std::string> entries = {};  // keys of the list entries that are wanted; empty: all
-  bool checks_values = true;              // makes values canonical, and notes those that the client's model lacks
+  std::vector<std::string> entries = {};  // keys of the wanted list entries; empty: all
+  bool checks_values = true;              // makes values canonical, with a note on invalid ones
 };
 
 struct reply {
   data_tree data;
-  std::vector<note> notes;  // what is left out and why
+  std::vector<note> notes;  // omitted nodes and invalid values
 };
 
-// Lets the plug-in translate native data, with or without `rpc-reply` and `data` around. The data of a value that has
-// no counterpart is left out with a note; a value that the client's model does not take is passed on, with a note on
-// the first one of its leaf. Throws `error`, with the place in the document, for top-level data that the modules do not
-// have, for a list entry without its key, for an rpc-error and for whatever the plug-in refuses.
+// Translates native data, with or without `rpc-reply` and `data` around. A leaf with an unmapped value is omitted with
+// a note; a value that the client model does not allow is kept, with a note on the first one of its leaf. Throws
+// `error`, with the place in the document, for top-level data that the modules do not have, for a list entry without
+// its key, for an rpc-error and for what the plug-in rejects.
 reply translate_reply(document &native, const plugin &mapping, const reply_options &options, trace_log &log);
 
 }  // namespace yfw

@@ -39,10 +39,10 @@ struct stream_options {
 // together in order. XML gets a `data` element around it.
 //
 // Results wait for the last one in a temporary file, so that nothing is written to `out` when the text turns out to be
-// bad; so does the text itself when it cannot be read twice. Where entries of the high model come from several places
+// bad; so does the text itself when it cannot be read twice. Where entries of the client model come from several places
 // of the text, as from two native lists, it is read again, and a piece is put together from all that tells of its
 // entries: that takes some 100 bytes of memory an entry. What cannot be translated in pieces is translated as a whole,
-// in memory: data that makes more than one list of the high model, one entry given twice in one list under two
+// in memory: data that makes more than one list of the client model, one entry given twice in one list under two
 // spellings of its key, and every text while calls are traced or captured.
 //
 // Notes are handed over before anything is written. Of several faults that of the first piece that has one is reported.

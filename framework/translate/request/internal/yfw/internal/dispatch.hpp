@@ -1,4 +1,4 @@
-// Which nodes of a client's request are handed to which entry point of a plug-in.
+// Entry-point dispatch: which nodes of a client's request go to which entry point of a plug-in.
 #pragma once
 
 #include <string>
@@ -10,7 +10,7 @@
 
 namespace yfw {
 
-// A node for an entry point, or, with `defaults`, a list entry that is created.
+// A node for an entry point, or, with `defaults`, a created list entry.
 struct dispatch {
   std::vector<yfw_node_t *> ancestors;  // open above it, outermost first
   yfw_node_t *key = nullptr;            // first key leaf of the innermost list entry above, or null
@@ -26,9 +26,9 @@ struct dispatch_plan {
   std::vector<note> notes;
 };
 
-// Finds the entry points for all that the request names; for a read that ends above an entry point, for all that is
-// below. In a read, what no entry point serves becomes a note. Refuses unknown data, and in a write whatever no entry
-// point serves and operations on nodes above the entry points, which no plug-in could carry out.
+// Finds the entry points for all nodes of the request; for a read that ends above entry points, all entry points below.
+// In a read, an unmapped node becomes a note. Reports as errors unknown data, and in a write unmapped nodes and
+// operations on nodes above the entry points, which no plug-in could carry out.
 dispatch_plan plan_dispatch(document &request, const client_request &client, const manifest &description,
                             plugin_input &nodes, error_collector &errors);
 

@@ -1,4 +1,4 @@
-// What is wrong with the nodes of a client's request.
+// The errors of a client's request.
 #pragma once
 
 #include <set>
@@ -10,19 +10,19 @@
 
 namespace yfw {
 
-// Either the first problem ends the work, or all of them are collected: a node that has one is then set aside, and the
-// work goes on without it.
+// Either throws the first error, or collects all: a node with an error is then skipped.
 class error_collector {
  public:
   enum class mode { fail_fast, collect_all };
 
   error_collector(const document &request, mode what) : document_(request), mode_(what) {}
 
-  // Throws the problem as `client_error`, or keeps it. Of one node only the first is kept.
+  // Throws a `client_error` at the node's place, or keeps it. Of one node only the first is kept.
   void add(const yfw_node_t &node, const std::string &text, error_tag tag, std::string bad_element = {});
-  void add(const yfw_node_t &node, const std::string &text, error_tag tag, rejected_value rejected);
+  void add(const yfw_node_t &node, rejected_value rejected);
+  void add(const yfw_node_t &node, const client_error &problem);  // wherever its own place is
 
-  // Whether the node is set aside.
+  // Whether the node has an error.
   bool contains(const yfw_node_t &node) const {
     return nodes_.contains(&node);
   }
@@ -30,16 +30,14 @@ class error_collector {
     return nodes_.size();
   }
 
-  // All that were kept, in the order of the document.
+  // Returns and forgets the kept errors, in the order of the document.
   std::vector<client_error> take();
 
  private:
-  void add(const yfw_node_t &node, client_error problem);
-
   const document &document_;
   const mode mode_;
   std::set<const yfw_node_t *> nodes_;
-  std::vector<std::pair<uint32_t, client_error>> kept_;  // behind the node's place in the text
+  std::vector<std::pair<uint32_t, client_error>> kept_;  // with the node's offset in the text
 };
 
 }  // namespace yfw

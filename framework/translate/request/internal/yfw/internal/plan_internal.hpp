@@ -1,4 +1,4 @@
-// What a plan looks at beside the calls.
+// The reads that an edit depends on.
 #pragma once
 
 #include <string>
@@ -11,7 +11,7 @@
 
 namespace yfw {
 
-// Sees what the plug-in asks of the device's data.
+// Records the lookups of a plug-in in the device's data.
 class lookup_observer : public call_observer {
  public:
   uint32_t pass(const abi_call &call, const std::function<uint32_t()> &answer) override;
@@ -25,10 +25,10 @@ class lookup_observer : public call_observer {
   std::unordered_set<std::string> paths_;  // of these
 };
 
-// Adds the reads that tell whether a client's nodes are there, as far as the client's operations depend on it.
+// Adds the reads of the client's nodes on whose presence the client's operations depend.
 void add_condition_reads(edit_plan &plan, const schema &modules, const plugin &mapping);
 
-// Refuses the ends of the client's tree that no call was made for.
+// Reports the leaves and empty nodes of the client's tree without a native operation as errors.
 void refuse_silent_ends(const native_request &request, error_collector &errors);
 
 }  // namespace yfw
