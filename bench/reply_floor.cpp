@@ -16,7 +16,7 @@
 
 namespace {
 
-constexpr size_t block_bytes = 262'144;  // a piece of a reply
+constexpr size_t block_bytes = 262'144;  // a chunk of a reply
 constexpr std::string_view entry_end = "</statistic>";
 
 std::string contents(const char *file) {
@@ -37,8 +37,8 @@ void read_blocks(const char *file) {
   }
 }
 
-// Entries of the text, some in each piece, as elements side by side.
-std::vector<std::string_view> pieces(std::string_view text) {
+// Entries of the text, some in each chunk, as elements side by side.
+std::vector<std::string_view> chunks(std::string_view text) {
   std::vector<std::string_view> result;
   text.remove_prefix(std::min(text.find("<statistic>"), text.size()));
   while (!text.empty()) {
@@ -60,7 +60,7 @@ void parse(const std::vector<std::string_view> &all) {
     constexpr unsigned options =
         pugi::parse_escapes | pugi::parse_eol | pugi::parse_fragment | pugi::parse_embed_pcdata;
     if (!document.load_buffer_inplace(text.data(), text.size() + 1, options, pugi::encoding_utf8)) {
-      std::fputs("reply_floor: a piece is not well-formed\n", stderr);
+      std::fputs("reply_floor: a chunk is not well-formed\n", stderr);
       std::exit(1);
     }
   }
@@ -95,7 +95,7 @@ int main(int argc, char **argv) {
   const int runs = argc > 3 ? std::max(1, std::atoi(argv[3])) : 10;
   const std::string native = contents(argv[1]);
   const std::string result = contents(argv[2]);
-  const std::vector<std::string_view> all = pieces(native);
+  const std::vector<std::string_view> all = chunks(native);
   measure("read", runs, [&] { read_blocks(argv[1]); });
   measure("copy and parse in place", runs, [&] { parse(all); });
   measure("copy the result", runs, [&] { copy_blocks(result); });

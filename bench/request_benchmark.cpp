@@ -5,7 +5,9 @@
 
 #include "yfw/mapping_service.hpp"
 #include "yfw/memory_device.hpp"
+#include "yfw/plugin.hpp"
 #include "yfw/schema.hpp"
+#include "yfw/trace.hpp"
 
 namespace {
 

@@ -5,6 +5,7 @@
 #include "yfw/message.hpp"
 #include "yfw/native_request.hpp"
 #include "yfw/reply.hpp"
+#include "yfw/trace.hpp"
 
 namespace {
 

@@ -4,6 +4,7 @@
 #include "yfw/explain.hpp"
 #include "yfw/mapping_service.hpp"
 #include "yfw/memory_device.hpp"
+#include "yfw/trace.hpp"
 
 namespace {
 

@@ -1,6 +1,7 @@
 // A native reply, read and translated whole and in part, and what comes of it written.
 #include "yfw/reply.hpp"
 #include "fuzz.hpp"
+#include "yfw/trace.hpp"
 
 namespace {
 

@@ -3,6 +3,7 @@
 #include "yfw/message.hpp"
 #include "yfw/native_request.hpp"
 #include "yfw/plan.hpp"
+#include "yfw/trace.hpp"
 
 namespace {
 

@@ -15,7 +15,7 @@ install_packages build fuzz
 # Executions of a target in a short run: about two seconds' worth.
 executions() {
   case "$1" in
-    path | pieces) echo 200 ;;
+    path | chunks) echo 200 ;;
     manifest) echo 20000 ;;
     *) echo 3000 ;;
   esac
@@ -23,7 +23,7 @@ executions() {
 
 dictionary() {
   case "$1" in
-    *_xml | device | formats | pieces) echo -dict=fuzz/dictionaries/xml.dict ;;
+    *_xml | device | formats | chunks) echo -dict=fuzz/dictionaries/xml.dict ;;
     *_json) echo -dict=fuzz/dictionaries/json.dict ;;
     plugin) ;;
     *) echo "-dict=fuzz/dictionaries/$1.dict" ;;

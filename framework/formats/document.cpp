@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "document_internal.hpp"
+#include "yfw/instance_path.hpp"
 #include "yfw/internal/text.hpp"
 
 namespace yfw {

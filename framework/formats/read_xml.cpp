@@ -106,18 +106,18 @@ class xml_reader {
            (is_leaf(node.schema) && parts_.modules->check_value(node.schema, text).ok);
   }
 
-  // Text in several pieces (around CDATA sections and comments) is joined; there is none around elements.
-  void add_text(const char *piece) {
+  // Text in several parts (around CDATA sections and comments) is joined; there is none around elements.
+  void add_text(const char *part) {
     open_element &element = open_.back();
     if (element.has_elements) {
-      fail_on_text(piece);
+      fail_on_text(part);
     } else if (element.text == nullptr) {
-      element.text = piece;
+      element.text = part;
     } else {
       if (element.text != joined_.data()) {
         joined_ = element.text;
       }
-      joined_ += piece;
+      joined_ += part;
       element.text = joined_.data();
     }
   }
@@ -259,7 +259,7 @@ class xml_reader {
   std::vector<open_element> open_;
   std::vector<declaration> declarations_;
   std::vector<std::string_view> names_;  // of the attributes of one element
-  std::string joined_;                   // text in pieces of the innermost open element
+  std::string joined_;                   // text in parts of the innermost open element
 };
 
 // pugixml's reason in the framework's words; `text` is what stands at its place.
@@ -278,7 +278,7 @@ std::string words(pugi::xml_parse_status status, std::string_view text) {
   return in_quotes(found) + " is not well-formed XML";
 }
 
-// Blanks between elements are layout, but where a text is in several pieces one of them may be blank.
+// Blanks between elements are layout, but where a text is in several parts one of them may be blank.
 void parse(document::parts &parts, size_t begin, bool may_split_text) {
   const unsigned blanks = may_split_text ? pugi::parse_ws_pcdata : pugi::parse_ws_pcdata_single;
   const unsigned options = pugi::parse_cdata | pugi::parse_escapes | pugi::parse_eol | pugi::parse_wconv_attribute |

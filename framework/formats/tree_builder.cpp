@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include "yfw/instance_path.hpp"
 
 namespace yfw {
 

@@ -7,6 +7,7 @@
 #include "commands.hpp"
 #include "coverage_reports.hpp"
 #include "input.hpp"
+#include "measurement.hpp"
 #include "setup.hpp"
 #include "yfw/error.hpp"
 

@@ -6,6 +6,7 @@
 
 #include "commands.hpp"
 #include "input.hpp"
+#include "measurement.hpp"
 #include "setup.hpp"
 #include "yfw/deviations.hpp"
 #include "yfw/error.hpp"

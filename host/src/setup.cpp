@@ -1,5 +1,7 @@
 #include "setup.hpp"
 
+#include "measurement.hpp"
+
 #include <filesystem>
 #include <functional>
 #include <iostream>

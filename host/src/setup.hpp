@@ -6,7 +6,6 @@
 #include <string>
 #include <vector>
 
-#include "yfw/coverage.hpp"
 #include "yfw/plugin.hpp"
 #include "yfw/schema.hpp"
 #include "yfw/trace.hpp"
@@ -53,8 +52,4 @@ class setup {
   yfw::schema schema_;
   yfw::plugin plugin_;
 };
-
-// Measures the mapping, and shows the progress.
-yfw::coverage measure(setup &with);
-
 }  // namespace ymap

@@ -11,6 +11,7 @@
 #include "yfw/deviations.hpp"
 #include "yfw/error.hpp"
 #include "yfw/internal/coverage_values.hpp"
+#include "yfw/trace.hpp"
 
 namespace {
 

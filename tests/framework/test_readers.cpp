@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "library.hpp"
+#include "yfw/instance_path.hpp"
 
 namespace {
 

@@ -1,4 +1,4 @@
-// A reply translated in pieces must give what it gives as a whole: data, notes and errors.
+// A reply translated in chunks must give what it gives as a whole: data, notes and errors.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -8,6 +8,7 @@
 #include "ethernet.hpp"
 #include "yfw/node.hpp"
 #include "yfw/reply_stream.hpp"
+#include "yfw/trace.hpp"
 #include "yfw/writer.hpp"
 
 namespace {
@@ -50,7 +51,7 @@ std::string told(const std::string &output, const std::vector<yfw::note> &notes)
   return text;
 }
 
-std::string in_one_piece(const std::string &text, const yfw::stream_options &options) {
+std::string in_one_chunk(const std::string &text, const yfw::stream_options &options) {
   try {
     yfw::document document = yfw::document::read(text, "reply", labelled_modules());
     yfw::trace_log silent;
@@ -67,7 +68,7 @@ std::string in_one_piece(const std::string &text, const yfw::stream_options &opt
   }
 }
 
-std::string in_pieces(const std::string &text, const yfw::stream_options &options, bool can_seek) {
+std::string in_chunks(const std::string &text, const yfw::stream_options &options, bool can_seek) {
   std::ostringstream out;
   try {
     text_in_parts source(text, can_seek);
@@ -85,16 +86,16 @@ std::string in_pieces(const std::string &text, const yfw::stream_options &option
   }
 }
 
-// Each piece size, job count and kind of source gives the same as the whole.
+// Each chunk size, job count and kind of source gives the same as the whole.
 void expect_same(const std::string &text, yfw::stream_options options = {}) {
-  const std::string whole = in_one_piece(text, options);
+  const std::string whole = in_one_chunk(text, options);
   for (const size_t bytes : {0, 1, 60, 200, 100'000}) {
     for (const unsigned jobs : {1U, 3U}) {
       for (const bool can_seek : {true, false}) {
-        options.piece_bytes = bytes;
+        options.chunk_bytes = bytes;
         options.jobs = jobs;
-        EXPECT_EQ(in_pieces(text, options, can_seek), whole)
-            << "pieces of " << bytes << " bytes, " << jobs << " jobs, " << (can_seek ? "a file" : "a pipe");
+        EXPECT_EQ(in_chunks(text, options, can_seek), whole)
+            << "chunks of " << bytes << " bytes, " << jobs << " jobs, " << (can_seek ? "a file" : "a pipe");
       }
     }
   }
@@ -269,11 +270,11 @@ TEST(ReplyStream, ComparesEntriesInsideOthersWithinTheirs) {
   const std::string label_twice = envelope(statistics(first + statistic("Gi2", label("b") + label("b"))));
   expect_same(same_labels);
   expect_same(label_twice);
-  EXPECT_NE(in_one_piece(same_labels, {}).find("<name>Gi2</name>"), std::string::npos);
-  EXPECT_NE(in_one_piece(label_twice, {}).find("'label' appears twice"), std::string::npos);
+  EXPECT_NE(in_one_chunk(same_labels, {}).find("<name>Gi2</name>"), std::string::npos);
+  EXPECT_NE(in_one_chunk(label_twice, {}).find("'label' appears twice"), std::string::npos);
 }
 
-// More entries than pieces in work, so that results must wait for each other.
+// More entries than chunks in work, so that results must wait for each other.
 TEST(ReplyStream, KeepsTheOrderOfManyPieces) {
   std::string entries;
   for (int i = 0; i < 500; ++i) {

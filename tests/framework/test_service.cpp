@@ -9,6 +9,7 @@
 #include "yfw/mapping_service.hpp"
 #include "yfw/memory_device.hpp"
 #include "yfw/message.hpp"
+#include "yfw/trace.hpp"
 #include "yfw/writer.hpp"
 
 namespace {

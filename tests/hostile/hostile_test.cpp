@@ -98,10 +98,10 @@ TEST_P(HostileLeaf, TakesMemoryInProportion) {
   const hostile::frame around = GetParam().frame();
   const outcome result = run_ymap(GetParam().arguments, megabytes + 8 * leaf_megabytes(),
                                   seconds + static_cast<unsigned>(leaf_megabytes()), [&](std::FILE *to) {
-                                    const std::string piece(1 << 20, 'x');
+                                    const std::string chunk(1 << 20, 'x');
                                     (void)std::fputs(around.before.c_str(), to);
                                     for (size_t i = 0; i < leaf_megabytes(); ++i) {
-                                      (void)std::fwrite(piece.data(), 1, piece.size(), to);
+                                      (void)std::fwrite(chunk.data(), 1, chunk.size(), to);
                                     }
                                     (void)std::fputs(around.after.c_str(), to);
                                   });

@@ -4,7 +4,9 @@
 
 #include "yfw/internal/coverage_probes.hpp"
 #include "yfw/internal/manifest_nodes.hpp"
+#include "yfw/manifest.hpp"
 #include "yfw/node.hpp"
+#include "yfw/plugin.hpp"
 
 namespace yfw {
 namespace {

@@ -9,6 +9,8 @@
 #include "yfw/internal/manifest_nodes.hpp"
 #include "yfw/mapping_service.hpp"
 #include "yfw/memory_device.hpp"
+#include "yfw/plugin.hpp"
+#include "yfw/trace.hpp"
 
 namespace yfw {
 namespace {

@@ -3,6 +3,7 @@
 
 #include "yfw/internal/coverage_values.hpp"
 #include "yfw/internal/explain_internal.hpp"
+#include "yfw/manifest.hpp"
 
 namespace yfw {
 namespace {

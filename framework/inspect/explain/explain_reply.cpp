@@ -1,5 +1,6 @@
 #include "yfw/internal/explain_internal.hpp"
 #include "yfw/path_document.hpp"
+#include "yfw/plugin.hpp"
 #include "yfw/reply.hpp"
 
 namespace yfw {

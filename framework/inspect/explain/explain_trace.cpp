@@ -3,6 +3,7 @@
 #include <charconv>
 
 #include "yfw/internal/explain_internal.hpp"
+#include "yfw/trace.hpp"
 
 namespace yfw {
 namespace {

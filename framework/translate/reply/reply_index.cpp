@@ -27,15 +27,15 @@ std::string_view spelled_value(std::string_view entry, std::string_view key) {
 
 }  // namespace
 
-reply_index::reply_index(piece_source &source, const std::vector<list_pair> &lists) {
+reply_index::reply_index(chunk_reader &source, const std::vector<list_pair> &lists) {
   std::unordered_map<std::string, uint32_t> known;
   source.restart();
-  while (const std::optional<piece> found = source.next(1)) {
+  while (const std::optional<chunk> found = source.next(1)) {
     add(*found, lists, known);
   }
 }
 
-void reply_index::add(const piece &found, const std::vector<list_pair> &lists,
+void reply_index::add(const chunk &found, const std::vector<list_pair> &lists,
                       std::unordered_map<std::string, uint32_t> &known) {
   std::string_view value;
   for (const list_pair &list : lists) {
@@ -61,7 +61,7 @@ uint32_t reply_index::number_of(const std::string &around) {
   return found->second;
 }
 
-whole_entries reply_index::next(piece_source &source, size_t least) {
+whole_entries reply_index::next(chunk_reader &source, size_t least) {
   std::vector<const part *> taken;
   size_t bytes = 0;
   const size_t first_group = group_;

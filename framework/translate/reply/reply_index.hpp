@@ -7,27 +7,27 @@
 #include <unordered_map>
 #include <vector>
 
-#include "reply_pieces.hpp"
+#include "reply_chunks.hpp"
 #include "yfw/manifest.hpp"
 
 namespace yfw {
 
 // A part of the text as a document of its own.
-struct piece_document {
+struct chunk_document {
   std::string text;
   unsigned first_line;
 };
 
 // Documents that together have all of their entries.
 struct whole_entries {
-  std::vector<piece_document> documents;
+  std::vector<chunk_document> documents;
   size_t most;  // how many entries there are at most, unless keys are not what they seem to be
 };
 
 class reply_index {
  public:
   // Reads all of the source, from its beginning. What is between entries goes with the entry before.
-  reply_index(piece_source &source, const std::vector<list_pair> &lists);
+  reply_index(chunk_reader &source, const std::vector<list_pair> &lists);
 
   bool is_at_end() const {
     return group_ == groups_.size();
@@ -35,7 +35,7 @@ class reply_index {
 
   // The next entries, as many as have `least` bytes together: each with all that the text has of it, in the order in
   // which their keys appear first.
-  whole_entries next(piece_source &source, size_t least);
+  whole_entries next(chunk_reader &source, size_t least);
 
  private:
   struct part {
@@ -48,7 +48,7 @@ class reply_index {
     uint32_t first, last;  // in `parts_`
   };
   uint32_t number_of(const std::string &around);
-  void add(const piece &found, const std::vector<list_pair> &lists, std::unordered_map<std::string, uint32_t> &known);
+  void add(const chunk &found, const std::vector<list_pair> &lists, std::unordered_map<std::string, uint32_t> &known);
 
   std::vector<part> parts_;
   std::vector<group> groups_;

@@ -15,7 +15,7 @@ struct reply_note {
   std::string once;  // of the notes with the same text here only the first is kept; empty: all are
 };
 
-// Notes of a document or of all its pieces.
+// Notes of a document or of all its chunks.
 class reply_notes {
  public:
   bool has(const std::string &once) const {

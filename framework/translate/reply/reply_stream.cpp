@@ -9,19 +9,21 @@
 #include <utility>
 
 #include "ordered_work.hpp"
+#include "reply_chunks.hpp"
 #include "reply_index.hpp"
 #include "reply_part.hpp"
-#include "reply_pieces.hpp"
 #include "yfw/internal/call_tap.hpp"
 #include "yfw/internal/temporary_file.hpp"
 #include "yfw/node.hpp"
+#include "yfw/plugin.hpp"
+#include "yfw/trace.hpp"
 #include "yfw/writer.hpp"
 
 namespace yfw {
 namespace {
 
-// What a piece becomes: lines around, which should be the same for all pieces, and the entries between them.
-struct translated_piece {
+// What a chunk becomes: lines around, which should be the same for all chunks, and the entries between them.
+struct translated_chunk {
   bool is_empty = true;
   bool is_regular = true;  // holds nothing but entries of one list
   std::string before, entries, after;
@@ -73,8 +75,9 @@ size_t last_lines_begin(std::string_view text, size_t count) {
   return at;
 }
 
-// Whether the pieces stand for the whole: `scattered` when none has all of its entries, `unfit` when none can.
-enum class pieces_end { good, scattered, unfit };
+// Whether the chunks stand for the whole: `out_of_order` when none has all of its entries, `not_splittable` when none
+// can.
+enum class chunks_end { good, out_of_order, not_splittable };
 
 class reply_stream {
  public:
@@ -85,7 +88,7 @@ class reply_stream {
         modules_(modules),
         mapping_(mapping),
         options_(options),
-        piece_bytes_(std::max<size_t>(options.piece_bytes, 1)),
+        chunk_bytes_(std::max<size_t>(options.chunk_bytes, 1)),
         jobs_(options.jobs != 0 ? options.jobs : std::max(1U, std::thread::hardware_concurrency())),
         log_(log),
         out_(out),
@@ -94,12 +97,12 @@ class reply_stream {
 
   void run() {
     const bool is_watched = log_.wants_short_form() || log_.wants_long_form() || installed_call_tap() != nullptr;
-    pieces_end end = is_watched ? pieces_end::unfit : translate_in_order();
-    if (end == pieces_end::scattered) {
+    chunks_end end = is_watched ? chunks_end::not_splittable : translate_in_order();
+    if (end == chunks_end::out_of_order) {
       forget();
       end = translate_by_entry();
     }
-    if (end != pieces_end::good) {
+    if (end != chunks_end::good) {
       forget();
       translate_whole(source_.whole());
     } else {
@@ -139,11 +142,11 @@ class reply_stream {
     }
   }
 
-  // Translates the pieces as they come.
-  pieces_end translate_in_order() {
+  // Translates the chunks as they come.
+  chunks_end translate_in_order() {
     bool is_fit = true;
-    const auto next_piece = [&]() -> std::optional<whole_entries> {
-      const std::optional<piece> next = source_.next(piece_bytes_);
+    const auto next_chunk = [&]() -> std::optional<whole_entries> {
+      const std::optional<chunk> next = source_.next(chunk_bytes_);
       is_fit = !next || (!next->is_whole() && source_.is_good());
       if (!next || !is_fit) {
         return std::nullopt;
@@ -152,49 +155,49 @@ class reply_stream {
       entries.documents.push_back({next->whole_text(), next->first_line});
       return entries;
     };
-    const pieces_end end = translate_all(next_piece);
-    return is_fit ? end : pieces_end::unfit;
+    const chunks_end end = translate_all(next_chunk);
+    return is_fit ? end : chunks_end::not_splittable;
   }
 
-  // Translates pieces that have all that the text tells of their entries.
-  pieces_end translate_by_entry() {
+  // Translates chunks that have all that the text tells of their entries.
+  chunks_end translate_by_entry() {
     reply_index index(source_, mapping_.description().lists);
     if (!source_.is_good()) {
-      return pieces_end::unfit;
+      return chunks_end::not_splittable;
     }
     const auto next_entries = [&] {
-      return index.is_at_end() ? std::nullopt : std::optional(index.next(source_, piece_bytes_));
+      return index.is_at_end() ? std::nullopt : std::optional(index.next(source_, chunk_bytes_));
     };
-    return translate_all(next_entries) == pieces_end::good ? pieces_end::good : pieces_end::unfit;
+    return translate_all(next_entries) == chunks_end::good ? chunks_end::good : chunks_end::not_splittable;
   }
 
   static constexpr size_t no_limit = std::numeric_limits<size_t>::max();
 
   // Translates what `next` returns until it returns nothing or a result does not fit to the others.
   template <typename next_t>
-  pieces_end translate_all(const next_t &next) {
-    pieces_end end = pieces_end::good;
-    ordered_work pieces(
+  chunks_end translate_all(const next_t &next) {
+    chunks_end end = chunks_end::good;
+    ordered_work chunks(
         next, [this](whole_entries entries) { return translate(std::move(entries)); },
-        [&](translated_piece result) {
+        [&](translated_chunk result) {
           end = add(std::move(result));
-          return end == pieces_end::good;
+          return end == chunks_end::good;
         });
-    pieces.run(jobs_);
+    chunks.run(jobs_);
     return end;
   }
 
   // Runs on several threads at once: all that is shared here is only read.
-  translated_piece translate(whole_entries entries) const {
+  translated_chunk translate(whole_entries entries) const {
     reply_part part{data_tree(modules_), {}, {}, {}};
     data_format format = data_format::xml;
-    for (piece_document &each : entries.documents) {
+    for (chunk_document &each : entries.documents) {
       document native = document::read(std::move(each.text), file_, modules_, {}, each.first_line);
       format = native.format();
       trace_log silent;
       translate_part(native, mapping_, options_.reply, silent, part);
     }
-    translated_piece result;
+    translated_chunk result;
     result.notes = std::move(part.notes);
     result.met = std::move(part.met);
     result.is_empty = part.data.first() == nullptr;
@@ -205,7 +208,7 @@ class reply_stream {
     return result;
   }
 
-  static void take_apart(const data_tree &tree, data_format format, translated_piece &result) {
+  static void take_apart(const data_tree &tree, data_format format, translated_chunk &result) {
     const auto [list, depth] = only_list(tree);
     result.is_regular = list != nullptr;
     if (list == nullptr) {
@@ -226,11 +229,11 @@ class reply_stream {
     result.separator = format == data_format::json ? ",\n" : "\n";
   }
 
-  pieces_end add(translated_piece next) {
+  chunks_end add(translated_chunk next) {
     around_.notes.add(std::move(next.notes));
     around_.met.merge(next.met);
     if (next.is_empty) {
-      return pieces_end::good;
+      return chunks_end::good;
     }
     const bool is_first = before_.empty();
     if (is_first) {
@@ -238,14 +241,14 @@ class reply_stream {
       after_ = next.after;
     }
     if (!next.is_regular || next.before != before_ || next.after != after_) {
-      return pieces_end::unfit;
+      return chunks_end::not_splittable;
     }
     if (!std::ranges::all_of(next.keys, [&](size_t key) { return keys_.insert(key).second; })) {
-      return pieces_end::scattered;
+      return chunks_end::out_of_order;
     }
     entries_->append(is_first ? next.before : next.separator);
     entries_->append(next.entries);
-    return pieces_end::good;
+    return chunks_end::good;
   }
 
   // Drops what was translated so far, to begin again.
@@ -267,12 +270,12 @@ class reply_stream {
     entries_->read_all([&](std::string_view block) { put(block); });
   }
 
-  piece_source source_;
+  chunk_reader source_;
   const std::string &file_;
   const schema &modules_;
   const plugin &mapping_;
   const stream_options &options_;
-  size_t piece_bytes_;
+  size_t chunk_bytes_;
   unsigned jobs_;
   trace_log &log_;
   std::ostream &out_;

@@ -6,6 +6,7 @@
 #include "yfw/internal/plan_internal.hpp"
 #include "yfw/node.hpp"
 #include "yfw/path_document.hpp"
+#include "yfw/trace.hpp"
 
 namespace yfw {
 namespace {

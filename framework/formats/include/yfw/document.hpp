@@ -9,12 +9,12 @@
 #include <string_view>
 
 #include "yfw.h"
-#include "yfw/data_tree.hpp"
 #include "yfw/error.hpp"
-#include "yfw/instance_path.hpp"
 #include "yfw/schema.hpp"
 
 namespace yfw {
+
+class data_tree;
 
 enum class data_format { xml, json };
 

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "yfw/data_tree.hpp"
 #include "yfw/document.hpp"
 #include "yfw/instance_path.hpp"
 #include "yfw/node.hpp"

@@ -9,11 +9,12 @@
 
 #include "yfw/client_request.hpp"
 #include "yfw/native_device.hpp"
-#include "yfw/plugin.hpp"
 #include "yfw/reply.hpp"
-#include "yfw/trace.hpp"
 
 namespace yfw {
+
+class plugin;
+class trace_log;
 
 struct edit_outcome {
   std::vector<device_change> changes;  // empty when the device cannot report its effects, too

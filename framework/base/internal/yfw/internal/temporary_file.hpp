@@ -14,7 +14,7 @@ class temporary_file {
   // Throws `error` when the file cannot be made or written.
   void append(std::string_view text);
 
-  // Hands all that was appended, in pieces, to `take`.
+  // Hands all that was appended, in chunks, to `take`.
   void read_all(const std::function<void(std::string_view)> &take);
 
   // Part of what was appended.

@@ -8,12 +8,13 @@
 #include <vector>
 
 #include "yfw/native_request.hpp"
-#include "yfw/plugin.hpp"
 #include "yfw/progress.hpp"
 #include "yfw/schema.hpp"
-#include "yfw/trace.hpp"
 
 namespace yfw {
+
+class plugin;
+class trace_log;
 
 // For a leaf of the client model all four. For a native leaf `get` is a reply with all data and `get_config` one with
 // configuration only; there is no `set` and no `remove`.

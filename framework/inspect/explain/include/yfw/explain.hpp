@@ -7,11 +7,12 @@
 #include <vector>
 
 #include "yfw/native_request.hpp"
-#include "yfw/plugin.hpp"
 #include "yfw/schema.hpp"
-#include "yfw/trace.hpp"
 
 namespace yfw {
+
+class plugin;
+class trace_log;
 
 // The role of a plug-in's function, by its name: `walker` calls the function of the next tag, `generated` and `custom`
 // map a node, `no_op` does nothing, `helper` is any other, such as a translator of values.

@@ -9,10 +9,11 @@
 #include "yfw/data_tree.hpp"
 #include "yfw/document.hpp"
 #include "yfw/note.hpp"
-#include "yfw/plugin.hpp"
-#include "yfw/trace.hpp"
 
 namespace yfw {
+
+class plugin;
+class trace_log;
 
 struct reply_options {
   content wanted = content::all;

@@ -12,11 +12,12 @@
 #include "yfw/data_tree.hpp"
 #include "yfw/native_operation.hpp"
 #include "yfw/note.hpp"
-#include "yfw/plugin.hpp"
 #include "yfw/schema.hpp"
-#include "yfw/trace.hpp"
 
 namespace yfw {
+
+class plugin;
+class trace_log;
 
 struct native_request {
   client_request client;

@@ -9,6 +9,7 @@
 
 #include "yfw/data_tree.hpp"
 #include "yfw/explain.hpp"
+#include "yfw/manifest.hpp"
 
 namespace yfw {
 

@@ -1,4 +1,4 @@
-// The text of a reply, cut into pieces that are documents of their own.
+// The text of a reply, cut into chunks that are documents of their own.
 #pragma once
 
 #include <memory>
@@ -7,17 +7,17 @@
 #include <string_view>
 #include <vector>
 
-#include "yfw/internal/document_cutter.hpp"
+#include "yfw/internal/document_splitter.hpp"
 #include "yfw/internal/temporary_file.hpp"
 #include "yfw/reply_stream.hpp"
 
 namespace yfw {
 
 // A part of the text, and what makes it whole.
-struct piece {
+struct chunk {
   size_t begin;  // of the part, counted from the beginning of the text
   size_t end;
-  size_t next;  // where the next piece begins
+  size_t next;  // where the next chunk begins
   unsigned first_line;
   std::string opening;
   std::string closing;
@@ -36,36 +36,36 @@ struct piece {
   }
 };
 
-class piece_source {
+class chunk_reader {
  public:
   // Cuts before entries of `lists`.
-  piece_source(text_source &text, std::vector<std::string> lists)
+  chunk_reader(text_source &text, std::vector<std::string> lists)
       : text_(text), lists_(std::move(lists)), can_seek_(text.seek(0)) {}
 
-  // The next piece, of `least` bytes or more unless it is the last one; none after that.
-  std::optional<piece> next(size_t least);
+  // The next chunk, of `least` bytes or more unless it is the last one; none after that.
+  std::optional<chunk> next(size_t least);
 
-  // Begins again at the first piece.
+  // Begins again at the first chunk.
   void restart();
 
-  // Part of the text. Ends the pieces.
+  // Part of the text. Ends the chunks.
   std::string read(size_t begin, size_t end);
 
-  // The whole text, whatever of it was given out already. Ends the pieces.
+  // The whole text, whatever of it was given out already. Ends the chunks.
   std::string whole();
 
-  // See `document_cutter::is_good`.
+  // See `document_splitter::is_good`.
   bool is_good() const {
-    return cutter_ == nullptr || cutter_->is_good();
+    return splitter_ == nullptr || splitter_->is_good();
   }
 
-  // Known after the first piece.
+  // Known after the first chunk.
   data_format format() const {
-    return cutter_ == nullptr ? data_format::xml : cutter_->format();
+    return splitter_ == nullptr ? data_format::xml : splitter_->format();
   }
 
  private:
-  piece cut_off(const cut &at);
+  chunk split_off(const split_point &at);
   bool read_more(size_t least);
   size_t fill(std::span<char> room);
   void keep(std::string_view text);
@@ -88,7 +88,7 @@ class piece_source {
   std::string opening_;
   unsigned first_line_ = 1;
   bool is_at_end_ = false;
-  std::unique_ptr<document_cutter> cutter_;
+  std::unique_ptr<document_splitter> splitter_;
 };
 
 }  // namespace yfw

@@ -1,5 +1,5 @@
-// A reply translated in pieces must give what it gives as a whole: data and notes, or a refusal. The first byte says
-// how large pieces are.
+// A reply translated in chunks must give what it gives as a whole: data and notes, or a refusal. The first byte says
+// how large chunks are.
 #include <algorithm>
 #include <cstring>
 #include <set>
@@ -7,6 +7,7 @@
 
 #include "fuzz.hpp"
 #include "yfw/reply_stream.hpp"
+#include "yfw/trace.hpp"
 #include "yfw/writer.hpp"
 
 namespace {
@@ -31,7 +32,7 @@ class text_in_memory : public yfw::text_source {
   size_t at_ = 0;
 };
 
-// Notes come in the order of the pieces, and one that is said twice of one path may be said once.
+// Notes come in the order of the chunks, and one that is said twice of one path may be said once.
 std::string told(const std::string &output, const std::vector<yfw::note> &notes) {
   std::string text = output;
   std::set<std::string> lines;
@@ -62,7 +63,7 @@ std::string as_whole(const std::string &text) {
   }
 }
 
-std::string in_pieces(const std::string &text, const yfw::stream_options &options) {
+std::string in_chunks(const std::string &text, const yfw::stream_options &options) {
   try {
     text_in_memory source(text);
     std::ostringstream output;
@@ -85,9 +86,9 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   const std::string text = fuzz::text_of(data + 1, size - 1);
   const std::string expected = as_whole(text);
   yfw::stream_options options;
-  options.piece_bytes = data[0];
+  options.chunk_bytes = data[0];
   for (options.jobs = 1; options.jobs <= 2; ++options.jobs) {
-    fuzz::require_same("the reply in pieces", expected, in_pieces(text, options));
+    fuzz::require_same("the reply in chunks", expected, in_chunks(text, options));
   }
   return 0;
 }

@@ -2,25 +2,25 @@
 #include <set>
 
 #include "yfw/internal/byte_search.hpp"
-#include "yfw/internal/document_cutter.hpp"
+#include "yfw/internal/document_splitter.hpp"
 
 namespace yfw {
 namespace {
 
-class xml_cutter : public document_cutter {
+class xml_splitter : public document_splitter {
  public:
-  explicit xml_cutter(std::vector<std::string> lists) : lists_(std::move(lists)) {}
+  explicit xml_splitter(std::vector<std::string> lists) : lists_(std::move(lists)) {}
 
   data_format format() const override {
     return data_format::xml;
   }
 
-  std::optional<cut> next_cut(std::string_view window, size_t least) override {
+  std::optional<split_point> next_split(std::string_view window, size_t least) override {
     window_ = window;
     marks_ = byte_marks<'<', '>', '"', '\''>(window);
     while (is_good_ && to_next_angle()) {
       if (at_ >= least && begins_entry()) {
-        return cut{at_, at_};
+        return split_point{at_, at_};
       }
       if (!pass_construct()) {
         break;
@@ -194,8 +194,8 @@ class xml_cutter : public document_cutter {
 
 }  // namespace
 
-std::unique_ptr<document_cutter> make_xml_cutter(std::vector<std::string> lists) {
-  return std::make_unique<xml_cutter>(std::move(lists));
+std::unique_ptr<document_splitter> make_xml_splitter(std::vector<std::string> lists) {
+  return std::make_unique<xml_splitter>(std::move(lists));
 }
 
 }  // namespace yfw

@@ -2,21 +2,21 @@
 #include <array>
 
 #include "yfw/internal/byte_search.hpp"
-#include "yfw/internal/document_cutter.hpp"
+#include "yfw/internal/document_splitter.hpp"
 #include "yfw/internal/text.hpp"
 
 namespace yfw {
 namespace {
 
-class json_cutter : public document_cutter {
+class json_splitter : public document_splitter {
  public:
-  explicit json_cutter(std::vector<std::string> lists) : lists_(std::move(lists)) {}
+  explicit json_splitter(std::vector<std::string> lists) : lists_(std::move(lists)) {}
 
   data_format format() const override {
     return data_format::json;
   }
 
-  std::optional<cut> next_cut(std::string_view window, size_t least) override {
+  std::optional<split_point> next_split(std::string_view window, size_t least) override {
     window_ = window;
     while (is_good_ && at_ < window_.size()) {
       if (depth_in_entry_ > 0) {
@@ -25,7 +25,7 @@ class json_cutter : public document_cutter {
           return std::nullopt;
         }
       } else if (window_[at_] == '{' && at_ >= least && comma_ != npos && is_in_list()) {
-        return cut{comma_, at_};
+        return split_point{comma_, at_};
       } else if (!pass_token()) {
         return std::nullopt;
       }
@@ -186,8 +186,8 @@ class json_cutter : public document_cutter {
 
 }  // namespace
 
-std::unique_ptr<document_cutter> make_json_cutter(std::vector<std::string> lists) {
-  return std::make_unique<json_cutter>(std::move(lists));
+std::unique_ptr<document_splitter> make_json_splitter(std::vector<std::string> lists) {
+  return std::make_unique<json_splitter>(std::move(lists));
 }
 
 void add_plain_step(std::string &path, std::string_view name) {
@@ -198,14 +198,14 @@ void add_plain_step(std::string &path, std::string_view name) {
   }
 }
 
-std::unique_ptr<document_cutter> make_cutter(std::string_view begin, std::vector<std::string> lists) {
+std::unique_ptr<document_splitter> make_splitter(std::string_view begin, std::vector<std::string> lists) {
   constexpr std::string_view byte_order_mark = "\xef\xbb\xbf";
   begin.remove_prefix(begin.starts_with(byte_order_mark) ? byte_order_mark.size() : 0);
   const size_t first = begin.find_first_not_of(" \t\r\n");
   if (first == npos || (begin[first] != '<' && begin[first] != '{')) {
     return nullptr;
   }
-  return begin[first] == '<' ? make_xml_cutter(std::move(lists)) : make_json_cutter(std::move(lists));
+  return begin[first] == '<' ? make_xml_splitter(std::move(lists)) : make_json_splitter(std::move(lists));
 }
 
 }  // namespace yfw

@@ -1,4 +1,4 @@
-#include "reply_pieces.hpp"
+#include "reply_chunks.hpp"
 
 #include <algorithm>
 #include <utility>
@@ -15,58 +15,58 @@ static unsigned count_lines(std::string_view text) {
   return count;
 }
 
-std::optional<piece> piece_source::next(size_t least) {
+std::optional<chunk> chunk_reader::next(size_t least) {
   if (is_at_end_) {
     return std::nullopt;
   }
   for (;;) {
-    const auto found = cutter_ != nullptr ? cutter_->next_cut(window(), least) : std::nullopt;
+    const auto found = splitter_ != nullptr ? splitter_->next_split(window(), least) : std::nullopt;
     if (found) {
-      return cut_off(*found);
+      return split_off(*found);
     }
     if (!read_more(least)) {
       is_at_end_ = true;
       const size_t end = begin_ + window().size();
-      return piece{begin_, end, end, first_line_, opening_, "", window()};
+      return chunk{begin_, end, end, first_line_, opening_, "", window()};
     }
   }
 }
 
-piece piece_source::cut_off(const cut &at) {
+chunk chunk_reader::split_off(const split_point &at) {
   if (begin_ == 0) {
     keep(window());
   }
-  piece result{begin_,
+  chunk result{begin_,
                begin_ + at.end,
                begin_ + at.next,
                first_line_,
                std::move(opening_),
-               cutter_->closing(),
+               splitter_->closing(),
                window().substr(0, at.end)};
   first_line_ += count_lines(window().substr(0, at.next));
-  opening_ = cutter_->opening();
-  cutter_->drop(at.next);
+  opening_ = splitter_->opening();
+  splitter_->drop(at.next);
   taken_ += at.next;
   begin_ += at.next;
   return result;
 }
 
-void piece_source::keep(std::string_view text) {
+void chunk_reader::keep(std::string_view text) {
   if (!can_seek_ && !is_from_kept_) {
     kept_.append(text);
     kept_bytes_ += text.size();
   }
 }
 
-// Asks for a piece and what may be left of an entry there, so that little is moved before the next reading; where that
+// Asks for a chunk and what may be left of an entry there, so that little is moved before the next reading; where that
 // is not enough for as much again as there is, so that what spans many readings is not looked at as many times.
-bool piece_source::read_more(size_t least) {
+bool chunk_reader::read_more(size_t least) {
   constexpr size_t entry_bytes = 16'384;
   std::copy(buffer_.begin() + static_cast<ptrdiff_t>(taken_), buffer_.begin() + static_cast<ptrdiff_t>(filled_),
             buffer_.begin());
   filled_ -= std::exchange(taken_, 0);
   if (filled_ > read_limits().bytes) {
-    throw error("a piece of the text is larger than " + std::to_string(read_limits().bytes) + " bytes");
+    throw error("a chunk of the text is larger than " + std::to_string(read_limits().bytes) + " bytes");
   }
   const size_t wanted = least + entry_bytes;
   size_t room = std::max(entry_bytes, filled_ < wanted ? wanted - filled_ : filled_);
@@ -84,14 +84,14 @@ bool piece_source::read_more(size_t least) {
     }
   }
   filled_ += room;
-  if (cutter_ == nullptr) {
-    cutter_ = make_cutter(window(), lists_);
+  if (splitter_ == nullptr) {
+    splitter_ = make_splitter(window(), lists_);
   }
   return room != 0;
 }
 
 // Less than the room only at the end of the text: a pipe gives a little at a time.
-size_t piece_source::fill(std::span<char> room) {
+size_t chunk_reader::fill(std::span<char> room) {
   size_t size = 0;
   for (size_t count = 1; size < room.size() && count != 0; size += count) {
     count = text_.read(room.subspan(size));
@@ -99,7 +99,7 @@ size_t piece_source::fill(std::span<char> room) {
   return size;
 }
 
-void piece_source::keep_rest() {
+void chunk_reader::keep_rest() {
   if (begin_ == 0) {
     keep(window());
   }
@@ -109,7 +109,7 @@ void piece_source::keep_rest() {
   }
 }
 
-void piece_source::restart() {
+void chunk_reader::restart() {
   if (can_seek_) {
     text_.seek(0);
   } else if (!is_from_kept_) {
@@ -122,10 +122,10 @@ void piece_source::restart() {
   opening_.clear();
   first_line_ = 1;
   is_at_end_ = false;
-  cutter_ = nullptr;
+  splitter_ = nullptr;
 }
 
-std::string piece_source::read(size_t begin, size_t end) {
+std::string chunk_reader::read(size_t begin, size_t end) {
   is_at_end_ = true;
   if (!can_seek_) {
     return kept_.read(begin, end - begin);
@@ -137,7 +137,7 @@ std::string piece_source::read(size_t begin, size_t end) {
   return text;
 }
 
-std::string piece_source::whole() {
+std::string chunk_reader::whole() {
   if (begin_ > 0) {
     restart();
   }
