@@ -13,6 +13,20 @@
 #include "yfw/namespaces.hpp"
 
 namespace yfw {
+
+// What tells whether a file is still the one that was read.
+struct file_identity {
+  dev_t device = 0;
+  ino_t number = 0;
+  off_t size = 0;
+  timespec changed = {};
+
+  bool operator==(const file_identity &other) const {
+    return device == other.device && number == other.number && size == other.size &&
+           changed.tv_sec == other.changed.tv_sec && changed.tv_nsec == other.changed.tv_nsec;
+  }
+};
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -59,19 +73,6 @@ class descriptor {
 
  private:
   int file_;
-};
-
-// What tells whether a file is still the one that was read.
-struct file_identity {
-  dev_t device = 0;
-  ino_t number = 0;
-  off_t size = 0;
-  timespec changed = {};
-
-  bool operator==(const file_identity &other) const {
-    return device == other.device && number == other.number && size == other.size &&
-           changed.tv_sec == other.changed.tv_sec && changed.tv_nsec == other.changed.tv_nsec;
-  }
 };
 
 file_identity identity_of(int file, const fs::path &name) {
