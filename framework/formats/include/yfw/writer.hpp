@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "yfw.h"
 #include "yfw/data_tree.hpp"
 
 namespace yfw {
