@@ -14,10 +14,6 @@
 namespace yfw {
 namespace {
 
-bool deletes(uint32_t operation) {
-  return operation == YFW_OPERATION_DELETE || operation == YFW_OPERATION_REMOVE;
-}
-
 // What an edit demands of the data before it, and what it does beside what it says.
 struct edit_conditions {
   std::vector<const yfw_node_t *> absent;    // created

@@ -7,10 +7,6 @@
 namespace yfw {
 namespace {
 
-bool deletes(uint32_t operation) {
-  return operation == YFW_OPERATION_DELETE || operation == YFW_OPERATION_REMOVE;
-}
-
 // The operation that the mapping wrote on the output node, which holds for the next path only. Where the client's node
 // is removed ("remove" never fails, RFC 6241, section 7.2), its native operation must not fail either, so that
 // "create" becomes "merge".

@@ -8,10 +8,6 @@
 namespace yfw {
 namespace {
 
-bool deletes(uint32_t operation) {
-  return operation == YFW_OPERATION_DELETE || operation == YFW_OPERATION_REMOVE;
-}
-
 bool is_value_leaf(const yfw_node_t &node) {
   const lysc_node *schema = extra(node).schema;
   return is_leaf(schema) || is_leaf_list(schema);

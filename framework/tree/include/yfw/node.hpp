@@ -57,6 +57,11 @@ bool is_envelope_ns(const char *ns);
 std::string_view operation_word(uint32_t operation);
 uint8_t operation_number(std::string_view word);
 
+// True for "delete" and "remove".
+inline bool deletes(uint32_t operation) {
+  return operation == YFW_OPERATION_DELETE || operation == YFW_OPERATION_REMOVE;
+}
+
 // A node that is all zero but for `given_operation`, which is no_operation.
 yfw_node_t blank_node();
 
