@@ -261,7 +261,8 @@ std::shared_ptr<native_store> file_device::current(const fs::path &target) const
   const std::scoped_lock lock(mutex_);
   if (loaded_ == nullptr || !(loaded_->identity == identity)) {
     const document native = document::read(contents(file, name_), name_, modules_);
-    loaded_ = std::make_unique<loaded_file>(identity, std::make_shared<native_store>(native_data(native)));
+    auto store = std::make_shared<native_store>(native_data(native));
+    loaded_ = std::make_unique<loaded_file>(loaded_file{identity, std::move(store)});
   }
   return loaded_->store;
 }
