@@ -51,8 +51,12 @@ Function *real(Function * /*its own*/, const char *name) {
   return reinterpret_cast<Function *>(::dlsym(RTLD_NEXT, name));
 }
 
+void *allocated_or_null(size_t bytes) noexcept {
+  return strikes("allocation") ? nullptr : std::malloc(bytes != 0 ? bytes : 1);
+}
+
 void *allocated(size_t bytes) {
-  void *memory = strikes("allocation") ? nullptr : std::malloc(bytes != 0 ? bytes : 1);
+  void *memory = allocated_or_null(bytes);
   if (memory == nullptr) {
     throw std::bad_alloc();
   }
@@ -66,6 +70,12 @@ void *operator new(size_t bytes) {
 }
 void *operator new[](size_t bytes) {
   return allocated(bytes);
+}
+void *operator new(size_t bytes, const std::nothrow_t & /*tag*/) noexcept {
+  return allocated_or_null(bytes);
+}
+void *operator new[](size_t bytes, const std::nothrow_t & /*tag*/) noexcept {
+  return allocated_or_null(bytes);
 }
 void operator delete(void *memory) noexcept {
   std::free(memory);
