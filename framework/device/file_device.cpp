@@ -14,7 +14,8 @@
 
 namespace yfw {
 
-// What tells whether a file is still the one that was read.
+// What tells whether a file is still the one that was read. The time is that of the last change of contents or
+// attributes, which, other than that of the contents alone, no program can set back.
 struct file_identity {
   dev_t device = 0;
   ino_t number = 0;
@@ -80,7 +81,7 @@ file_identity identity_of(int file, const fs::path &name) {
   if (::fstat(file, &found) != 0) {
     fail(name, "cannot be examined");
   }
-  return {found.st_dev, found.st_ino, found.st_size, found.st_mtim};
+  return {found.st_dev, found.st_ino, found.st_size, found.st_ctim};
 }
 
 std::string contents(int file, const fs::path &name) {
@@ -277,14 +278,17 @@ std::unique_ptr<native_transaction> file_device::begin(datastore /*to*/, transac
     return std::make_unique<file_transaction>(nullptr, current(target), store_transaction::save_function());
   }
   auto lock = std::make_unique<file_lock>(target.string() + ".lock");
-  const auto save = [this, target](const native_data &data) {
+  std::shared_ptr<native_store> store = current(target);
+  const auto save = [this, target, store](const native_data &data) {
+    // A reader may have loaded another file meanwhile.
+    auto saved = std::make_unique<loaded_file>(loaded_file{{}, store});
     replacement made(target);
     made.fill(data.text());
-    const file_identity identity = made.place();
+    saved->identity = made.place();
     const std::scoped_lock loaded(mutex_);
-    loaded_->identity = identity;
+    loaded_ = std::move(saved);
   };
-  return std::make_unique<file_transaction>(std::move(lock), current(target), save);
+  return std::make_unique<file_transaction>(std::move(lock), std::move(store), save);
 }
 
 }  // namespace yfw

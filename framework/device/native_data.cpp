@@ -139,7 +139,12 @@ data_node &native_data::added(const document &source, const yfw_node_t &from, da
   }
   if (is_leaf_list(schema)) {
     const std::string value = loaded_value(source, from);
-    fail_if(tree_.find_item(parent, schema, value) != nullptr);
+    if (tree_.find_item(parent, schema, value) != nullptr) {
+      fail_if(is_config(schema));  // state may repeat values (RFC 7950, section 7.7)
+      data_node &node = tree_.add(parent, schema);
+      tree_.set_value(node, value);
+      return node;
+    }
     return tree_.item(parent, ns(schema), name(schema), value);
   }
   if (!is_list(schema)) {

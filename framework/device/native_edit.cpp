@@ -2,6 +2,7 @@
 
 #include <libyang/libyang.h>
 
+#include <algorithm>
 #include <new>
 
 namespace yfw {
@@ -48,10 +49,26 @@ std::string path_to(const native_operation &operation, size_t count) {
   return path_text({operation.steps.begin(), operation.steps.begin() + static_cast<ptrdiff_t>(count)});
 }
 
+bool has_several_keys(const path_step &step) {
+  return step.keys.size() > 1;
+}
+
+// The operation with its keys in the order of each list's key statement, by which paths of one node are the same.
+native_operation in_key_order(native_operation operation) {
+  for (path_step &step : operation.steps) {
+    const std::vector<std::string_view> order = keys(step.node);
+    std::ranges::stable_sort(step.keys, {}, [&](const auto &key) { return std::ranges::find(order, key.first); });
+  }
+  return operation;
+}
+
 }  // namespace
 
 // Undoes what was not kept, the last step first.
 native_edit::~native_edit() {
+  if (undo_.empty()) {
+    return;
+  }
   for (; !undo_.empty(); undo_.pop_back()) {
     undo_step &step = undo_.back();
     switch (step.what) {
@@ -62,10 +79,11 @@ native_edit::~native_edit() {
         tree_.restore(*step.node, std::move(step.handle));
         break;
       case undo_step::kind::changed:
-        step.node->value = step.value;
+        tree_.restore_value(*step.node, step.value);
         break;
     }
   }
+  compact();
 }
 
 // Takes back an addition.
@@ -89,14 +107,8 @@ void native_edit::make_room() {
   }
 }
 
-void native_edit::keep() noexcept {
-  std::vector<undo_step> steps;
-  steps.swap(undo_);
-  for (const undo_step &step : steps) {
-    if (step.what == undo_step::kind::removed) {
-      release(*step.node);
-    }
-  }
+// Only after changes: without any, readers may use the texts.
+void native_edit::compact() noexcept {
   try {
     tree_.compact();
   } catch (const std::bad_alloc &) {
@@ -104,9 +116,24 @@ void native_edit::keep() noexcept {
   }
 }
 
+void native_edit::keep() noexcept {
+  if (undo_.empty()) {
+    return;
+  }
+  std::vector<undo_step> steps;
+  steps.swap(undo_);
+  for (const undo_step &step : steps) {
+    if (step.what == undo_step::kind::removed) {
+      release(*step.node);
+    }
+  }
+  compact();
+}
+
 void native_edit::apply(std::span<const native_operation> operations) {
   for (index_ = 0; index_ < operations.size(); ++index_) {
-    apply_one(operations[index_]);
+    const bool has_ordered_keys = std::ranges::none_of(operations[index_].steps, has_several_keys);
+    has_ordered_keys ? apply_one(operations[index_]) : apply_one(in_key_order(operations[index_]));
   }
 }
 
@@ -188,8 +215,8 @@ void native_edit::set_leaf(data_node *parent, const native_operation &operation)
   const std::string path = operation.path() + (is_leaf_list(leaf) ? "[.=" + key_literal(value) + "]" : "");
   make_room();
   if (found != nullptr) {
-    const std::string_view before = found->value.value_or("");
-    note(path, std::string(before), value);
+    const std::optional<std::string_view> before = found->value;
+    note(path, std::string(before.value_or("")), value);
     if (before != value) {
       tree_.set_value(*found, value);
       undo_.push_back({undo_step::kind::changed, found, {}, before});

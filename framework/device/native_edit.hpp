@@ -31,7 +31,7 @@ class native_edit {
     enum class kind { added, removed, changed } what;
     data_node *node;
     data_tree::index_handle handle = {};
-    std::string_view value = {};
+    std::optional<std::string_view> value = {};
   };
 
   void apply_one(const native_operation &operation);
@@ -45,6 +45,7 @@ class native_edit {
   void remove(data_node &node);
   void remember_addition(data_node &node);
   void make_room();
+  void compact() noexcept;
   void drop(data_node &node) noexcept;
   void release(data_node &node) noexcept;
   void note_removal(const data_node &node, const std::string &path);

@@ -330,6 +330,12 @@ void data_tree::set_value(data_node &node, std::string_view value) {
   node.value = keep(value);
 }
 
+void data_tree::restore_value(data_node &node, std::optional<std::string_view> before) noexcept {
+  dead_bytes_ += node.value ? node.value->size() : 0;
+  dead_bytes_ -= before ? before->size() : 0;
+  node.value = before;
+}
+
 std::string_view data_tree::keep(std::string_view text) {
   if (text.empty()) {
     return "";

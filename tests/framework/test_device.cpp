@@ -8,7 +8,9 @@
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <random>
+#include <set>
 #include <sstream>
 #include <thread>
 #include <tuple>
@@ -333,6 +335,241 @@ TEST(DeviceEdit, DoesTheSameInOneEditAsInMany) {
   EXPECT_GT(std::ranges::count(one.text(), '\n'), 100);
 }
 
+// ---- random edits, compared with those of a model that copies all
+
+struct model_node {
+  std::string name, value;  // no value: a container or list entry
+  std::vector<model_node> below;
+
+  bool operator==(const model_node &) const = default;
+};
+
+// A step of a path: a name, with the keys of a book.
+struct model_step {
+  std::string name, title, edition;
+
+  bool leads_to(const model_node &node) const {
+    return node.name == name &&
+           (title.empty() || (node.below.at(0).value == title && node.below.at(1).value == edition));
+  }
+};
+
+const std::set<std::string> heating = {"gas-meter", "stove", "coal",
+                                       "wood"};  // each is a case that excludes the others
+
+model_node &added_to(model_node &parent, model_node node) {
+  if (heating.contains(node.name)) {
+    std::erase_if(parent.below, [](const model_node &other) { return heating.contains(other.name); });
+  }
+  const auto last = std::find_if(parent.below.rbegin(), parent.below.rend(),
+                                 [&](const model_node &other) { return other.name == node.name; });
+  return *parent.below.insert(last == parent.below.rend() ? parent.below.end() : last.base(), std::move(node));
+}
+
+// Whether it can be done: "create" finds nothing there, "delete" something.
+bool apply_to(model_node &parent, std::span<const model_step> steps, const std::optional<std::string> &value,
+              uint32_t operation) {
+  const model_step &step = steps.front();
+  const bool is_last = steps.size() == 1;
+  if (value && is_last && step.name == "shelf") {
+    const bool is_there = std::ranges::find(parent.below, model_node{step.name, *value, {}}) != parent.below.end();
+    is_there ? void() : void(added_to(parent, {step.name, *value, {}}));
+    return !is_there || operation != YFW_OPERATION_CREATE;
+  }
+  auto found = std::ranges::find_if(parent.below, [&](const model_node &node) { return step.leads_to(node); });
+  if (value) {
+    const bool is_there = found != parent.below.end();
+    model_node fresh{step.name, "", {}};
+    if (!step.title.empty()) {
+      fresh.below = {{"title", step.title, {}}, {"edition", step.edition, {}}};
+    }
+    model_node &node = is_there ? *found : added_to(parent, std::move(fresh));
+    if (!is_last) {
+      return apply_to(node, steps.subspan(1), value, operation);
+    }
+    node.value = *value;
+    return !is_there || operation != YFW_OPERATION_CREATE;
+  }
+  if (found == parent.below.end()) {
+    return operation != YFW_OPERATION_DELETE;
+  }
+  if (is_last) {
+    std::erase_if(parent.below, [&](const model_node &node) { return step.leads_to(node); });
+    return true;
+  }
+  const bool is_done = apply_to(*found, steps.subspan(1), value, operation);
+  if (found->below.empty() && found->name != "stamp") {
+    parent.below.erase(found);
+  }
+  return is_done;
+}
+
+std::string picture_of(const model_node &node) {
+  std::string text = node.name + (node.value.empty() ? "" : "=" + node.value);
+  for (const model_node &below : node.below) {
+    text += (&below == &node.below.front() ? "{" : " ") + picture_of(below);
+  }
+  return text + (node.below.empty() ? "" : "}");
+}
+
+// What effects are about, by their paths.
+void add_items(const model_node &node, const std::string &above, std::map<std::string, std::string> &items) {
+  std::string path = above + (node.name.empty() ? "" : "/" + node.name);
+  if (node.name == "book") {
+    path += "[title='" + node.below.at(0).value + "'][edition='" + node.below.at(1).value + "']";
+  } else if (node.name == "shelf") {
+    path += "[.='" + node.value + "']";
+  }
+  if (!node.value.empty() || node.name == "book" || node.name == "stamp") {
+    items[path] = node.value;
+  }
+  for (const model_node &below : node.below) {
+    below.name == "title" || below.name == "edition" ? void() : add_items(below, path, items);
+  }
+}
+
+// Long values as a letter and its count, so that a failure can be read.
+std::string shortened(const std::string &text) {
+  std::string result;
+  for (size_t i = 0; i < text.size();) {
+    const size_t end = std::min(text.find_first_not_of(text[i], i), text.size());
+    result += end - i < 4 ? text.substr(i, end - i) : text[i] + std::to_string(end - i);
+    i = end;
+  }
+  return result;
+}
+
+std::set<std::string> difference(const model_node &before, const model_node &after) {
+  std::map<std::string, std::string> was;
+  std::map<std::string, std::string> is;
+  add_items(before, "", was);
+  add_items(after, "", is);
+  std::set<std::string> lines;
+  for (const auto &[path, value] : was) {
+    const auto now = is.find(path);
+    if (now == is.end() || now->second != value) {
+      lines.insert(shortened(path + ": " + value + " -> " + (now == is.end() ? "none" : now->second)));
+    }
+  }
+  for (const auto &[path, value] : is) {
+    was.contains(path) ? void() : void(lines.insert(shortened(path + ": none -> " + value)));
+  }
+  return lines;
+}
+
+std::string picture_of(const yfw::native_device &device, const std::string &path) {
+  const yfw::native_operation asked = call(operation_kind::read, path);
+  return shortened(picture(device.read({&asked, 1}, yfw::datastore::running)));
+}
+
+class random_edit {
+ public:
+  explicit random_edit(std::mt19937 &random) : random_(random) {
+    steps = {{"library", "", ""}};
+    const size_t kind = random_() % 16;
+    if (kind < 8) {
+      const size_t title = random_() % 5;
+      steps.push_back({"book", std::to_string(title), std::to_string(1 + random_() % 2)});
+      static const std::vector<std::vector<model_step>> leaves = {
+          {{"binding", "", ""}}, {{"loan", "", ""}, {"reader", "", ""}}, {{"stamp", "", ""}, {"day", "", ""}}};
+      const auto &leaf = leaves[random_() % 3];
+      steps.insert(steps.end(), leaf.begin(), leaf.end());
+    } else if (kind < 11) {
+      steps.push_back({"shelf", "", ""});
+    } else if (kind < 14) {
+      steps.push_back({*std::next(heating.begin(), static_cast<int>(random_() % 4)), "", ""});
+    } else {
+      steps.push_back({"motto", "", ""});
+    }
+    if (random_() % 3 != 0) {
+      value = value_for(steps.back().name);
+      operation = random_() % 8 == 0 ? YFW_OPERATION_CREATE : YFW_OPERATION_MERGE;
+      return;
+    }
+    operation = random_() % 8 == 0 ? YFW_OPERATION_DELETE : YFW_OPERATION_REMOVE;
+    while (steps.size() > 2 && random_() % 3 == 0) {
+      steps.pop_back();
+    }
+    if (random_() % 40 == 0) {
+      steps.resize(1);
+    }
+  }
+
+  yfw::native_operation native() const {
+    std::string path;
+    for (const model_step &step : steps) {
+      path += (path.empty() ? "/library:" : "/") + step.name;
+      path += step.title.empty() ? "" : "[title='" + step.title + "'][edition='" + step.edition + "']";
+    }
+    yfw::native_operation made = call(value ? operation_kind::set : operation_kind::remove, path, value, operation);
+    for (yfw::path_step &step : made.steps) {
+      random_() % 2 == 0 ? std::ranges::reverse(step.keys) : step.keys.begin();
+    }
+    return made;
+  }
+
+  std::vector<model_step> steps;
+  std::optional<std::string> value;
+  uint32_t operation = YFW_OPERATION_MERGE;
+
+ private:
+  std::string value_for(const std::string &leaf) {
+    if (leaf == "motto" || leaf == "reader") {
+      return std::string(1 + random_() % 6000, static_cast<char>('a' + random_() % 26));
+    }
+    if (leaf == "binding") {
+      return random_() % 2 == 0 ? "paper" : "cloth";
+    }
+    return leaf == "stove" ? "true" : std::to_string(1 + random_() % 6);
+  }
+
+  std::mt19937 &random_;
+};
+
+TEST(DeviceEdit, DoesWhatAModelThatCopiesAllDoes) {
+  yfw::memory_device device(library());
+  model_node model;
+  std::mt19937 random(7);
+  size_t failed = 0;
+  for (int i = 0; i < 3000; ++i) {
+    model_node after = model;
+    bool is_done = true;
+    auto edit = edit_of(device);
+    for (size_t count = 1 + random() % 12; count > 0 && is_done; --count) {
+      const random_edit next(random);
+      is_done = apply_to(after, next.steps, next.value, next.operation);
+      ASSERT_EQ(is_done, outcome_of(*edit, next.native()).empty()) << next.native().path();
+    }
+    failed += is_done ? 0 : 1;
+    if (is_done) {
+      std::set<std::string> effects;
+      const std::vector<yfw::device_change> changes = *edit->effects();
+      for (const yfw::device_change &change : changes) {
+        effects.insert(
+            shortened(change.path + ": " + change.before.value_or("none") + " -> " + change.after.value_or("none")));
+      }
+      ASSERT_EQ(difference(model, after), effects) << "transaction " << i;
+    }
+    if (is_done && random() % 2 == 0) {
+      edit->commit();
+      model = std::move(after);
+    }
+    edit.reset();
+    const std::string expected = model.below.empty() ? "" : shortened("library:" + picture_of(model.below.front()));
+    ASSERT_EQ(expected, picture_of(device, "/library:library")) << "transaction " << i;
+    for (int book = 0; book < 10; ++book) {
+      const model_step step{"book", std::to_string(book / 2), std::to_string(1 + book % 2)};
+      std::string entry;
+      for (const model_node &node : model.below.empty() ? std::vector<model_node>() : model.below.front().below) {
+        entry = step.leads_to(node) ? shortened("library:library{" + picture_of(node) + "}") : entry;
+      }
+      ASSERT_EQ(entry, picture_of(device,
+                                  "/library:library/book[title='" + step.title + "'][edition='" + step.edition + "']"));
+    }
+  }
+  EXPECT_LT(300U, failed);
+}
+
 // The entries move up when the leaf before them goes.
 TEST(DeviceEdit, FindsEntriesAfterACaseOfAChoiceIsGone) {
   const std::string heated = "<library xmlns=\"urn:test:library\"><gas-meter>7</gas-meter></library>";
@@ -381,6 +618,9 @@ INSTANTIATE_TEST_SUITE_P(
                 "    <genre xmlns:shop=\"urn:test:shop\">shop:crime</genre>\n  </book>\n</library>\n"},
         TextRow{"UnknownXml", "<library xmlns=\"urn:test:library\"><pond>deep</pond><pond/></library>",
                 "<library xmlns=\"urn:test:library\">\n  <pond>deep</pond>\n  <pond/>\n</library>\n"},
+        TextRow{"StateThatRepeats", R"({"library:library":{"visit":[{"chapter":[7,8,7]}]}})",
+                "{\n  \"library:library\": {\n    \"visit\": [\n      {\n        \"chapter\": [\n          7,\n"
+                "          8,\n          7\n        ]\n      }\n    ]\n  }\n}\n"},
         TextRow{
             "Json", R"({"library:library":{"shelf":[1],"closed":[null],"book":[{"title":"A","edition":1}]}})",
             "{\n  \"library:library\": {\n    \"shelf\": [\n      1\n    ],\n    \"closed\": [null],\n"
@@ -481,6 +721,45 @@ TEST_F(DeviceFile, StaysWhenItsNewTextCannotBeWritten) {
   EXPECT_NE("", thrown_by([&] { set(file_, "/library:library/name", "Annex"); }));
   EXPECT_EQ(before, text());
   ASSERT_EQ(0, ::chmod(directory_.c_str(), 0700));
+}
+
+std::string value_of(const yfw::native_device &device, const std::string &path) {
+  const yfw::native_operation asked = call(operation_kind::read, path);
+  const yfw::document read = device.read({&asked, 1}, yfw::datastore::running);
+  return read.roots().empty() ? "" : yfw::children(read.roots().front()).front().value;
+}
+
+std::string named(const std::string &name) {
+  return "<library xmlns=\"urn:test:library\"><name>" + name + "</name></library>";
+}
+
+TEST_F(DeviceFile, IsReadAgainWhenAnotherProgramWroteIt) {
+  const yfw::file_device device(file_, library());
+  write(named("Main"));
+  const auto time = fs::last_write_time(file_);
+  EXPECT_EQ("Main", value_of(device, "/library:library/name"));
+  std::this_thread::sleep_for(std::chrono::milliseconds(20));  // more than a file system's clock may stand still
+  write(named("Dock"));
+  fs::last_write_time(file_, time);
+  EXPECT_EQ("Dock", value_of(device, "/library:library/name"));
+}
+
+// Between the two a reader loads what another program wrote, which the commit then replaces.
+TEST_F(DeviceFile, ReadsWhatWasCommittedWhoeverReadBefore) {
+  yfw::file_device device(file_, library());
+  const auto edit = edit_of(device);
+  write(named("Other"));
+  EXPECT_EQ("Other", value_of(device, "/library:library/name"));
+  apply(*edit, call(operation_kind::set, "/library:library/name", "Annex"));
+  edit->commit();
+  EXPECT_NE(std::string::npos, text().find("<name>Annex</name>"));
+  EXPECT_EQ("Annex", value_of(device, "/library:library/name"));
+}
+
+TEST_F(DeviceFile, KeepsAFileThatNoEditChanged) {
+  const std::string before = text();  // in one line, which a file that was written is not
+  set(file_, "/library:library/name", "Main");
+  EXPECT_EQ(before, text());
 }
 
 TEST_F(DeviceFile, LosesNoEditOfTwoWriters) {

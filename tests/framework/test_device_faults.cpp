@@ -3,10 +3,12 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <malloc.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 #include <cstdarg>
 #include <cstdlib>
@@ -18,6 +20,7 @@
 
 #include "library.hpp"
 #include "yfw/file_device.hpp"
+#include "yfw/memory_device.hpp"
 #include "yfw/query.hpp"
 
 namespace {
@@ -51,6 +54,7 @@ Function *real(Function * /*its own*/, const char *name) {
   return reinterpret_cast<Function *>(::dlsym(RTLD_NEXT, name));
 }
 
+std::atomic<size_t> bytes_in_use = 0;
 void *allocated_or_null(size_t bytes) noexcept {
   return strikes("allocation") ? nullptr : std::malloc(bytes != 0 ? bytes : 1);
 }
@@ -60,7 +64,13 @@ void *allocated(size_t bytes) {
   if (memory == nullptr) {
     throw std::bad_alloc();
   }
+  bytes_in_use += ::malloc_usable_size(memory);
   return memory;
+}
+
+void release(void *memory) {
+  bytes_in_use -= memory != nullptr ? ::malloc_usable_size(memory) : 0;
+  std::free(memory);
 }
 
 }  // namespace
@@ -78,16 +88,16 @@ void *operator new[](size_t bytes, const std::nothrow_t & /*tag*/) noexcept {
   return allocated_or_null(bytes);
 }
 void operator delete(void *memory) noexcept {
-  std::free(memory);
+  release(memory);
 }
 void operator delete[](void *memory) noexcept {
-  std::free(memory);
+  release(memory);
 }
 void operator delete(void *memory, size_t /*bytes*/) noexcept {
-  std::free(memory);
+  release(memory);
 }
 void operator delete[](void *memory, size_t /*bytes*/) noexcept {
-  std::free(memory);
+  release(memory);
 }
 
 extern "C" {
@@ -315,6 +325,28 @@ TEST_F(DeviceFaults, OfAllocationsLeaveAWholeFile) {
   }
   EXPECT_GT(number, 20U);
   EXPECT_EQ("", edit());
+}
+
+// Neither edits that are dropped nor those that are committed let a device grow.
+TEST_F(DeviceFaults, OfMemoryDoNotAddUp) {
+  yfw::memory_device device(yfw::document::read(before, "device", library()));
+  const auto motto = yfw::read_instance_path("/library:library/motto", library());
+  const auto set = [&](const std::string &value, bool is_committed) {
+    const auto change = device.begin(yfw::datastore::running, yfw::transaction_use::commit);
+    const yfw::native_operation motto_set{yfw::operation_kind::set, motto, value, YFW_OPERATION_MERGE, nullptr};
+    change->apply({&motto_set, 1});
+    if (is_committed) {
+      change->commit();
+    }
+  };
+  for (const bool is_committed : {true, false}) {
+    set("Read", true);
+    const size_t bytes_before = bytes_in_use;
+    for (int i = 0; i < 1000; ++i) {
+      set(std::string(10000, 'x'), is_committed);
+    }
+    EXPECT_GT(bytes_before + 1000000, bytes_in_use) << (is_committed ? "committed" : "dropped");
+  }
 }
 
 // What a writer left that was killed is neither kept nor in the way.

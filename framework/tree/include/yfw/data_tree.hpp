@@ -61,6 +61,9 @@ class data_tree {
 
   void set_value(data_node &node, std::string_view value);
 
+  // Undoes a `set_value`, given the value before it.
+  void restore_value(data_node &node, std::optional<std::string_view> before) noexcept;
+
   // The child of that schema node, of a group the first one, or null.
   const data_node *find(const data_node *parent, const lysc_node *schema) const;
   data_node *find(const data_node *parent, const lysc_node *schema);
