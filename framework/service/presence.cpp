@@ -32,6 +32,10 @@ bool has_configuration(const data_node &node) {
 
 }  // namespace
 
+client_error unreadable(const native_device &device, const error &fault) {
+  return {{device.name(), 0, {}}, fault.where().path + ": " + fault.text(), error_tag::operation_failed};
+}
+
 void presence::read(const native_device &device) {
   if (nodes_.empty()) {
     return;
@@ -41,7 +45,11 @@ void presence::read(const native_device &device) {
   const native_request translated =
       translate_request(question, bare_request(question, client_operation::get_config), mapping_, log_);
   document native = device.read(translated.calls, datastore::running);
-  found_ = translate_reply(native, mapping_, {.wanted = content::config}, log_).data;
+  try {
+    found_ = translate_reply(native, mapping_, {.wanted = content::config}, log_).data;
+  } catch (const error &fault) {
+    throw unreadable(device, fault);
+  }
 }
 
 // Shallow nodes first: what is below a node that is asked for as a whole comes with it.
@@ -85,7 +93,8 @@ const data_node *presence::found(const yfw_node_t &node) const {
   }
   if (at != nullptr && is_leaf_list(at->schema)) {
     const checked_value checked = request_.check(node);
-    const std::string_view value = checked.ok ? std::string_view(checked.canonical) : node.value;
+    const std::string_view given = node.value != nullptr ? node.value : "";
+    const std::string_view value = checked.ok ? checked.canonical : given;
     while (at != nullptr && at->value != value) {
       at = at->next_entry;
     }

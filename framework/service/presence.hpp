@@ -12,6 +12,10 @@
 
 namespace yfw {
 
+// The error of a request that a device's answer cannot be translated for: its path is the device's, where an error's
+// place is the client's.
+client_error unreadable(const native_device &device, const error &fault);
+
 class presence {
  public:
   // Of nodes of `request`; all must outlive it.

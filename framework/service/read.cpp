@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "presence.hpp"
 #include "yfw/internal/dispatch.hpp"
 #include "yfw/internal/manifest_nodes.hpp"
 #include "yfw/mapping_service.hpp"
@@ -91,8 +92,7 @@ reply mapping_service::answer(document &request, const client_request &client, c
     asked.notes.insert(asked.notes.end(), translated.notes.begin(), translated.notes.end());
     return {std::move(translated.data), std::move(asked.notes)};
   } catch (const error &fault) {
-    // The path is the device's, where an error's place is the client's.
-    throw client_error({device_.name(), 0, {}}, fault.where().path + ": " + fault.text(), error_tag::operation_failed);
+    throw unreadable(device_, fault);
   }
 }
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <sstream>
+#include <utility>
 
 #include "ethernet.hpp"
 #include "library.hpp"
@@ -241,6 +242,120 @@ INSTANTIATE_TEST_SUITE_P(
                     LeafListRow{"CreatePresent", R"("shelf":[2],"@shelf":)" OPERATION("create"), "data-exists"},
                     LeafListRow{"DeleteAbsent", R"("shelf":[3],"@shelf":)" OPERATION("delete"), "data-missing"}),
     [](const auto &each) { return std::string(each.param.name); });
+
+TEST(LeafListEdit, OfANodeWithoutValueIsRejected) {
+  yfw::memory_device device = yfw::memory_device(library());
+  const yfw::plugin shelves = yfw::plugin::load(YFW_TEST_SHELVES);
+  yfw::trace_log log;
+  yfw::document request = yfw::document::read(
+      "<library xmlns='urn:test:library' xmlns:nc='urn:ietf:params:xml:ns:netconf:base:1.0'>"
+      "<shelf nc:operation='delete'/></library>",
+      "edit", library());
+  const auto client = read_client_request(request, yfw::client_operation::edit);
+  EXPECT_NE("", thrown_by([&] { (void)yfw::mapping_service(shelves, device, log).edit(request, client); }));
+}
+
+// A device that counts what is asked of it, and that may answer every read with the same text.
+class counting_device : public yfw::native_device {
+ public:
+  explicit counting_device(yfw::native_device &inside, std::string answer = "")
+      : inside_(inside), answer_(std::move(answer)) {}
+
+  const std::string &name() const override {
+    return inside_.name();
+  }
+  const yfw::schema &modules() const override {
+    return inside_.modules();
+  }
+  yfw::device_capabilities capabilities() const override {
+    return inside_.capabilities();
+  }
+  yfw::document read(std::span<const yfw::native_operation> operations, yfw::datastore from) const override {
+    ++reads;
+    operations_read += operations.size();
+    return answer_.empty() ? inside_.read(operations, from) : yfw::document::read(answer_, "device", modules());
+  }
+  std::unique_ptr<yfw::native_transaction> begin(yfw::datastore to, yfw::transaction_use use) override {
+    ++transactions;
+    return inside_.begin(to, use);
+  }
+
+  mutable size_t reads = 0, operations_read = 0;
+  size_t transactions = 0;
+
+ private:
+  yfw::native_device &inside_;
+  const std::string answer_;
+};
+
+TEST(ServiceCost, OfAnEditIsOneReadAndOneTransactionWhateverItsSize) {
+  for (const size_t count : {size_t{1}, size_t{100}, size_t{1000}}) {
+    yfw::memory_device inside = ports();
+    counting_device device(inside);
+    yfw::trace_log log;
+    size_t of_each = 0;
+    for (const std::string operation : {"create", "delete"}) {
+      std::string interfaces;
+      for (size_t i = 0; i < count; ++i) {
+        interfaces += config_of("X" + std::to_string(i),
+                                operation == "create"
+                                    ? "<port-speed nc:operation='create'>SPEED_1GB</port-speed>"
+                                      "<duplex-mode nc:operation='create'>FULL</duplex-mode>"
+                                    : "<port-speed nc:operation='delete'/><duplex-mode nc:operation='delete'/>");
+      }
+      yfw::document request = yfw::document::read(message("", interfaces), "", modules());
+      const auto client = read_client_request(request, yfw::client_operation::edit);
+      device.reads = device.transactions = device.operations_read = 0;
+      const auto changes = yfw::mapping_service(mapping(), device, log).edit(request, client).changes;
+      EXPECT_EQ((operation == "create" ? 3 : 2) * count, changes.size());
+      EXPECT_EQ(1U, device.reads);
+      EXPECT_EQ(1U, device.transactions);
+      of_each = device.operations_read / count;
+      EXPECT_EQ(of_each * count, device.operations_read);
+      EXPECT_GE(4U, of_each);
+    }
+    EXPECT_LT(0U, of_each);
+  }
+}
+
+TEST(ServiceCost, OfAnEditWithoutConditionsIsNoRead) {
+  yfw::memory_device inside = ports();
+  counting_device device(inside);
+  yfw::trace_log log;
+  yfw::document request =
+      yfw::document::read(message("", config_of("Gi1", "<duplex-mode>HALF</duplex-mode>")), "", modules());
+  const auto client = read_client_request(request, yfw::client_operation::edit);
+  EXPECT_EQ(1U, yfw::mapping_service(mapping(), device, log).edit(request, client).changes.size());
+  EXPECT_EQ(0U, device.reads);
+  EXPECT_EQ(1U, device.transactions);
+}
+
+// Gets and edits report it in the same way.
+TEST(ServiceErrors, OfAnAnswerThatCannotBeTranslatedAreTheClients) {
+  std::string refused;
+  for (int i = 0; i < 300; ++i) {
+    refused += "<shelf>13</shelf>";
+  }
+  yfw::memory_device inside(library());
+  counting_device device(inside, "<library xmlns='urn:test:library'>" + refused + "</library>");
+  const yfw::plugin shelves = yfw::plugin::load(YFW_TEST_SHELVES);
+  yfw::trace_log log;
+  const yfw::mapping_service service(shelves, device, log);
+  const auto tag_of = [](auto act) {
+    try {
+      act();
+    } catch (const yfw::client_error &fault) {
+      return std::string(to_string(fault.tag()));
+    } catch (const yfw::error &fault) {
+      return std::string("no client's: ") + fault.what();
+    }
+    return std::string();
+  };
+  EXPECT_EQ("operation-failed",
+            tag_of([&] { (void)service.find("/library:library", yfw::client_operation::get, yfw::content::all); }));
+  EXPECT_EQ("operation-failed",
+            tag_of([&] { (void)service.edit_node("/library:library/shelf", "3", YFW_OPERATION_CREATE); }));
+}
 
 // Each value that is refused ends a walk, and the next one goes without it: with very many of them that would take
 // long.
