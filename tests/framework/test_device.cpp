@@ -354,12 +354,15 @@ struct model_step {
   }
 };
 
-const std::set<std::string> heating = {"gas-meter", "stove", "coal",
-                                       "wood"};  // each is a case that excludes the others
+// The leaves of a choice, with their cases, which exclude each other.
+const std::map<std::string, std::string> heating = {
+    {"gas-meter", "gas"}, {"gas-price", "gas"}, {"stove", "stove"}, {"coal", "coal"}, {"wood", "wood"}};
 
 model_node &added_to(model_node &parent, model_node node) {
   if (heating.contains(node.name)) {
-    std::erase_if(parent.below, [](const model_node &other) { return heating.contains(other.name); });
+    std::erase_if(parent.below, [&](const model_node &other) {
+      return heating.contains(other.name) && heating.at(other.name) != heating.at(node.name);
+    });
   }
   const auto last = std::find_if(parent.below.rbegin(), parent.below.rend(),
                                  [&](const model_node &other) { return other.name == node.name; });
@@ -477,7 +480,7 @@ class random_edit {
     } else if (kind < 11) {
       steps.push_back({"shelf", "", ""});
     } else if (kind < 14) {
-      steps.push_back({*std::next(heating.begin(), static_cast<int>(random_() % 4)), "", ""});
+      steps.push_back({std::next(heating.begin(), static_cast<int>(random_() % heating.size()))->first, "", ""});
     } else {
       steps.push_back({"motto", "", ""});
     }

@@ -102,6 +102,9 @@ INSTANTIATE_TEST_SUITE_P(
         ServiceEditRow{"Delete", message("", config_of("Gi1", "<port-speed nc:operation='delete'/>")),
                        "speed: 100 -> none; "},
         ServiceEditRow{"RemoveAbsent", message("", config_of("Gi9", "<port-speed nc:operation='remove'/>")), ""},
+        // Natively this is a set, which would make the interface.
+        ServiceEditRow{"RemoveBySettingAbsent",
+                       message("", config_of("Gi9", "<auto-negotiate nc:operation='remove'/>")), ""},
         ServiceEditRow{"ReplaceOfContainer",
                        "<data xmlns='urn:ietf:params:xml:ns:netconf:base:1.0' "
                        "xmlns:nc='urn:ietf:params:xml:ns:netconf:base:1.0'><interfaces "
@@ -116,6 +119,13 @@ INSTANTIATE_TEST_SUITE_P(
                                                "<port-speed nc:operation='merge'>SPEED_1GB"
                                                "</port-speed>")),
                        "speed: 100 -> 1000; "},
+        ServiceEditRow{"ReplaceOfEmptyContainer",
+                       message("",
+                               "<interface><name>Gi1</name><ethernet "
+                               "xmlns='http://openconfig.net/yang/interfaces/ethernet'><config nc:operation='replace'/>"
+                               "</ethernet></interface>"),
+                       "mac-addr: 02:00:00:00:00:01 -> none; auto-negotiation: none -> override; duplex: full -> none; "
+                       "speed: 100 -> none; "},
         ServiceEditRow{
             "CreateInterface", message("", "<interface nc:operation='create'><name>Gi3</name></interface>"),
             "interface-configuration[interface-name='Gi3']: none -> ; auto-negotiation: none -> override; "}),
@@ -130,7 +140,22 @@ INSTANTIATE_TEST_SUITE_P(
         // The device has no item for it, and reads as "false".
         ServiceEditRow{"CreateOfWhatReadsAsPresent",
                        message("", config_of("Gi1", "<auto-negotiate nc:operation='create'>true</auto-negotiate>")),
-                       "data-exists |cannot be created: it already exists"},
+                       "data-exists |cannot be created: it is there already"},
+        // What is there above counts, not only what is asked for below.
+        ServiceEditRow{"CreateAboveCreate",
+                       message("",
+                               "<interface nc:operation='create'><name>Gi1</name><ethernet "
+                               "xmlns='http://openconfig.net/yang/interfaces/ethernet'><config nc:operation='create'>"
+                               "<enable-flow-control nc:operation='create'>true</enable-flow-control></config>"
+                               "</ethernet></interface>"),
+                       "data-exists |cannot be created: it is there already"},
+        ServiceEditRow{"CreateContainerAboveCreate",
+                       message("",
+                               "<interface><name>Gi1</name><ethernet "
+                               "xmlns='http://openconfig.net/yang/interfaces/ethernet'><config nc:operation='create'>"
+                               "<enable-flow-control nc:operation='create'>true</enable-flow-control></config>"
+                               "</ethernet></interface>"),
+                       "data-exists |cannot be created: it is there already"},
         ServiceEditRow{"CreateInterfacePresent",
                        message("", "<interface nc:operation='create'><name>Gi1</name></interface>"),
                        "data-exists |cannot be created: it already exists"},
