@@ -343,6 +343,26 @@ TEST(ServiceCost, OfAnEditIsOneReadAndOneTransactionWhateverItsSize) {
   }
 }
 
+// What is asked for above is asked for as a whole, whatever is asked for below.
+TEST(ServiceCost, OfAQuestionIncludesThoseBelow) {
+  const auto operations_read = [](const std::string &leaf_operation) {
+    yfw::memory_device inside = ports();
+    counting_device device(inside);
+    yfw::trace_log log;
+    yfw::document request = yfw::document::read(
+        message("",
+                "<interface><name>Gi1</name><ethernet xmlns='http://openconfig.net/yang/interfaces/ethernet'>"
+                "<config nc:operation='create'><duplex-mode" +
+                    leaf_operation + ">FULL</duplex-mode></config></ethernet></interface>"),
+        "", modules());
+    const auto client = read_client_request(request, yfw::client_operation::edit);
+    EXPECT_NE("", thrown_by([&] { (void)yfw::mapping_service(mapping(), device, log).edit(request, client); }));
+    return device.operations_read;
+  };
+  EXPECT_LT(1U, operations_read(""));
+  EXPECT_EQ(operations_read(""), operations_read(" nc:operation='create'"));
+}
+
 TEST(ServiceCost, OfAnEditWithoutConditionsIsNoRead) {
   yfw::memory_device inside = ports();
   counting_device device(inside);
