@@ -78,6 +78,13 @@ void release(void *memory) {
 void *operator new(size_t bytes) {
   return allocated(bytes);
 }
+void *operator new(size_t bytes, const std::nothrow_t & /*tag*/) noexcept {
+  try {
+    return allocated(bytes);
+  } catch (const std::bad_alloc &) {
+    return nullptr;
+  }
+}
 void *operator new[](size_t bytes) {
   return allocated(bytes);
 }
