@@ -5,10 +5,5 @@
 set -eu
 cd "$1"
 ls yfw/*.hpp >/dev/null
-find . -name '*.h' -o -name '*.hpp' | sort | {
-  status=0
-  while read -r header; do
-    "${CXX:-c++}" -std=c++20 -fsyntax-only -I . -include "$header" -x c++ /dev/null || status=1
-  done
-  exit $status
-}
+find . -name '*.h' -o -name '*.hpp' |
+  xargs -P "$(nproc)" -I '{}' "${CXX:-c++}" -std=c++20 -fsyntax-only -I . -include '{}' -x c++ /dev/null
