@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <initializer_list>
 #include <sstream>
 
 #include "ethernet.hpp"
@@ -89,7 +90,7 @@ std::string in_chunks(const std::string &text, const yfw::stream_options &option
 // Each chunk size, job count and kind of source gives the same as the whole.
 void expect_same(const std::string &text, yfw::stream_options options = {}) {
   const std::string whole = in_one_chunk(text, options);
-  for (const size_t bytes : {0, 1, 60, 200, 100'000}) {
+  for (const size_t bytes : std::initializer_list<size_t>{0, 1, 60, 200, 100'000}) {
     for (const unsigned jobs : {1U, 3U}) {
       for (const bool can_seek : {true, false}) {
         options.chunk_bytes = bytes;

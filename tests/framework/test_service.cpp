@@ -140,7 +140,7 @@ INSTANTIATE_TEST_SUITE_P(
         // The device has no item for it, and reads as "false".
         ServiceEditRow{"CreateOfWhatReadsAsPresent",
                        message("", config_of("Gi1", "<auto-negotiate nc:operation='create'>true</auto-negotiate>")),
-                       "data-exists |cannot be created: it is there already"},
+                       "data-exists |cannot be created: it already exists"},
         // What is there above counts, not only what is asked for below.
         ServiceEditRow{"CreateAboveCreate",
                        message("",
@@ -148,14 +148,14 @@ INSTANTIATE_TEST_SUITE_P(
                                "xmlns='http://openconfig.net/yang/interfaces/ethernet'><config nc:operation='create'>"
                                "<enable-flow-control nc:operation='create'>true</enable-flow-control></config>"
                                "</ethernet></interface>"),
-                       "data-exists |cannot be created: it is there already"},
+                       "data-exists |cannot be created: it already exists"},
         ServiceEditRow{"CreateContainerAboveCreate",
                        message("",
                                "<interface><name>Gi1</name><ethernet "
                                "xmlns='http://openconfig.net/yang/interfaces/ethernet'><config nc:operation='create'>"
                                "<enable-flow-control nc:operation='create'>true</enable-flow-control></config>"
                                "</ethernet></interface>"),
-                       "data-exists |cannot be created: it is there already"},
+                       "data-exists |cannot be created: it already exists"},
         ServiceEditRow{"CreateInterfacePresent",
                        message("", "<interface nc:operation='create'><name>Gi1</name></interface>"),
                        "data-exists |cannot be created: it already exists"},
