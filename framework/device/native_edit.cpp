@@ -270,7 +270,7 @@ void native_edit::remove_target(const native_operation &operation) {
       return;
     }
   }
-  if (is_key(target->schema)) {
+  if (is_key(operation.steps.back().node)) {
     fail(operation, "is a key, which cannot be deleted", error_tag::operation_failed);
   }
   const bool is_one_node = has_all_keys(operation.steps.back());  // else all entries of a list or leaf-list go
