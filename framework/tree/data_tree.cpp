@@ -83,7 +83,8 @@ static void add_part(std::string &key, std::string_view part) {
 
 // Begins the text under which an entry is found again: its parent and name, to be followed by its keys.
 std::string data_tree::index_key(const data_node *parent, std::string_view ns, std::string_view tag) const {
-  std::string key(reinterpret_cast<const char *>(&parent), sizeof parent);
+  const auto address = reinterpret_cast<uintptr_t>(parent);
+  std::string key(reinterpret_cast<const char *>(&address), sizeof address);
   add_part(key, ns);
   add_part(key, tag);
   return key;

@@ -11,11 +11,12 @@ namespace yfw {
 
 class native_store;
 
-// Reads see the file as it is when they begin, one whole state, and wait for nobody. Transactions of all processes wait
-// for each other by a lock on FILE.lock, which stays. A commit replaces the file: whenever the process or the machine
-// stops, it is the old or the new one, whole, and once the commit returns it is the new one, on disk, with its
-// permissions kept; one without effects writes nothing. FILE.ymap-new exists meanwhile; if the process is killed, the
-// next writer removes it. Symbolic links are followed to the file that they lead to.
+// Reads see the file as it is when they begin, one whole state; they wait for no other process, and in this one for a
+// transaction that has begun to apply. Transactions of all processes wait for each other by a lock on FILE.lock, which
+// stays. A commit replaces the file: whenever the process or the machine stops, it is the old or the new one, whole,
+// and once the commit returns it is the new one, on disk, with its permissions kept; one without effects writes
+// nothing. FILE.ymap-new exists meanwhile; if the process is killed, the next writer removes it. Symbolic links are
+// followed to the file that they lead to.
 //
 // All members throw `client_error` for a file that is missing, cannot be read, locked or replaced, is not a regular one
 // or does not hold native data as `memory_device` takes it. If a commit fails, the old file still stands, unless the

@@ -67,7 +67,8 @@ class native_transaction {
   virtual void commit() = 0;
 };
 
-// What a transaction is for: one that only tries an edit out is never committed and keeps nobody from editing.
+// What a transaction is for: one that only tries an edit out is never committed, so that a device need not be locked
+// for it beyond this process.
 enum class transaction_use { commit, trial };
 
 class native_device {
