@@ -55,8 +55,11 @@ Function *real(Function * /*its own*/, const char *name) {
 }
 
 std::atomic<size_t> bytes_in_use = 0;
+
 void *allocated_or_null(size_t bytes) noexcept {
-  return strikes("allocation") ? nullptr : std::malloc(bytes != 0 ? bytes : 1);
+  void *memory = strikes("allocation") ? nullptr : std::malloc(bytes != 0 ? bytes : 1);
+  bytes_in_use += memory != nullptr ? ::malloc_usable_size(memory) : 0;
+  return memory;
 }
 
 void *allocated(size_t bytes) {
@@ -64,7 +67,6 @@ void *allocated(size_t bytes) {
   if (memory == nullptr) {
     throw std::bad_alloc();
   }
-  bytes_in_use += ::malloc_usable_size(memory);
   return memory;
 }
 
@@ -77,13 +79,6 @@ void release(void *memory) {
 
 void *operator new(size_t bytes) {
   return allocated(bytes);
-}
-void *operator new(size_t bytes, const std::nothrow_t & /*tag*/) noexcept {
-  try {
-    return allocated(bytes);
-  } catch (const std::bad_alloc &) {
-    return nullptr;
-  }
 }
 void *operator new[](size_t bytes) {
   return allocated(bytes);

@@ -50,7 +50,7 @@ TEST(Schema, ListsChildrenInOrderWithoutChoicesAndRpcs) {
   for (const lysc_node *child : library().children(library().top(lib, "library"))) {
     names += std::string(yfw::name(child)) + ' ';
   }
-  EXPECT_EQ(names, "name open closed motto shelf gas-meter stove coal wood book visit ");
+  EXPECT_EQ(names, "name open closed motto shelf gas-meter gas-price stove coal wood book visit ");
   EXPECT_EQ(library().children(nullptr).size(), 2U);
   EXPECT_TRUE(library().children(leaf("name")).empty());
 }
