@@ -17,7 +17,7 @@ struct mapping_name {
   std::string plugin;
   std::string module;
   mapping_kind kind;
-  std::string path;  // "ethernet_state_hwmacaddress"; of a no-op: the kind that it replaces
+  std::string path;  // "weather_state_rain"; of a no-op: the kind that it replaces
   bool is_body;      // begins with two underscores: a generated body
 };
 

@@ -22,8 +22,8 @@ struct finding {
 // The functions of one model: of one YANG module in one direction.
 struct checked_model {
   direction dir;
-  std::string plugin;  // as its names have it: "oc_ethernet"
-  std::string module;  // without hyphens: "openconfigifethernet"
+  std::string plugin;  // as its names have it: "sky"
+  std::string module;  // without hyphens: "skyweather"
   std::vector<std::string> entry_points;
   std::vector<std::string> overrides;    // custom functions that replace a generated one
   std::vector<std::string> custom;       // custom functions that generated ones call
