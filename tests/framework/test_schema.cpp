@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "library.hpp"
 
 namespace {
@@ -74,7 +76,13 @@ class Value : public testing::TestWithParam<ValueRow> {};
 
 TEST_P(Value, IsChecked) {
   const auto result = library().check_value(leaf(GetParam().leaf), GetParam().in);
-  EXPECT_EQ(result.ok ? result.canonical : "-" + to_string(result.rejected), GetParam().out);
+  std::string outcome = result.ok ? result.canonical : "-" + to_string(result.rejected);
+  std::string_view expected = GetParam().out;
+  if (expected.ends_with("...")) {  // what follows differs between the releases of libyang
+    expected.remove_suffix(3);
+    outcome.resize(std::min(outcome.size(), expected.size()));
+  }
+  EXPECT_EQ(outcome, expected);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -109,7 +117,7 @@ INSTANTIATE_TEST_SUITE_P(
                  "-invalid value 'large', expected a whole number in 0..255 or 'large-and-red'"},
         ValueRow{"InstanceIdentifier", "place", "/library:library/name", "/library:library/name"},
         ValueRow{"NoInstanceIdentifier", "place", "library",
-                 "-invalid value 'library': invalid instance-identifier \"library\" value - syntax error"},
+                 "-invalid value 'library': invalid instance-identifier \"library\" value - syntax error..."},
         ValueRow{"Empty", "closed", "", ""},
         ValueRow{"Container", "book", "x", "-invalid value 'x': the node is not a leaf"}),
     [](const auto &row) { return std::string(row.param.name); });
