@@ -103,8 +103,7 @@ class plugin_check {
     }
     if (report_.elsewhere.empty()) {
       add(ok, "undefined",
-          std::to_string(report_.framework.size()) + " names of the framework, " +
-              std::to_string(report_.c_library.size()) + " of the C library");
+          std::to_string(report_.framework.size()) + " names of the framework; the others are of the C library");
     }
   }
 
