@@ -66,10 +66,6 @@ class reader {
 
 }  // namespace
 
-std::vector<key_value> step_keys(const path_step &step) {
-  return {step.keys.begin(), step.keys.end()};
-}
-
 bool has_all_keys(const path_step &step) {
   const std::vector<std::string_view> names = keys(step.node);
   return !names.empty() && names.size() == step.keys.size();

@@ -53,9 +53,6 @@ class native_data {
   std::string why_unwritable_;
 };
 
-// The schema node and the keys of a step, as `data_tree::find_entry` takes them.
-std::vector<key_value> step_keys(const path_step &step);
-
 // Whether the step has all keys of its list.
 bool has_all_keys(const path_step &step);
 

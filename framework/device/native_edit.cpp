@@ -31,10 +31,7 @@ bool exclude_each_other(const lysc_node *one, const lysc_node *other) {
 std::string predicates(const data_node &node) {
   std::string text;
   for (const std::string_view key : keys(node.schema)) {
-    const data_node *leaf = node.first_child;
-    while (leaf != nullptr && !(leaf->tag == key && is_key(leaf->schema))) {
-      leaf = leaf->next;
-    }
+    const data_node *leaf = key_leaf(node, key);
     const std::string value(leaf != nullptr ? leaf->value.value_or("") : "");
     text.append("[").append(key).append("=").append(key_literal(value)).append("]");
   }
@@ -292,13 +289,11 @@ void native_edit::note_removal(const data_node &node, const std::string &path) {
   if (node.value || is_list(node.schema) || is_presence(node.schema)) {
     note(path, std::string(node.value.value_or("")), std::nullopt);
   }
-  for (const data_node *first = node.first_child; first != nullptr; first = first->next) {
-    for (const data_node *below = first; below != nullptr; below = below->next_entry) {
-      if (!is_key(below->schema)) {
-        note_removal(*below, path + "/" + std::string(below->tag) + predicates(*below));
-      }
+  each_node(node.first_child, [&](const data_node &below) {
+    if (!is_key(below.schema)) {
+      note_removal(below, path + "/" + std::string(below.tag) + predicates(below));
     }
-  }
+  });
 }
 
 void native_edit::note(const std::string &path, std::optional<std::string> before, std::optional<std::string> after) {

@@ -16,23 +16,14 @@ class tree_copier {
     const size_t count = count_of(level);
     yfw_node_t *nodes = parts_.arena.nodes(count);
     size_t next = 0;
-    for (const data_node *first = level; first != nullptr; first = first->next) {
-      for (const data_node *node = first; node != nullptr; node = node->next_entry) {
-        copy(*node, nodes[next], parent);
-        ++next;
-      }
-    }
+    each_node(level, [&](const data_node &node) { copy(node, nodes[next++], parent); });
     return {nodes, count};
   }
 
  private:
   static size_t count_of(const data_node *level) {
     size_t count = 0;
-    for (const data_node *first = level; first != nullptr; first = first->next) {
-      for (const data_node *node = first; node != nullptr; node = node->next_entry) {
-        ++count;
-      }
-    }
+    each_node(level, [&](const data_node & /*node*/) { ++count; });
     return count;
   }
 

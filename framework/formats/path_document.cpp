@@ -7,11 +7,15 @@
 
 namespace yfw {
 
+data_node &add_step(data_tree &tree, data_node *parent, const path_step &step) {
+  return is_list(step.node) ? tree.entry(parent, ns(step.node), name(step.node), step_keys(step))
+                            : tree.at(parent, step.node);
+}
+
 data_node *add_path(data_tree &tree, const std::vector<path_step> &steps) {
   data_node *node = nullptr;
   for (const path_step &step : steps) {
-    const std::vector<key_value> keys(step.keys.begin(), step.keys.end());
-    node = is_list(step.node) ? &tree.entry(node, ns(step.node), name(step.node), keys) : &tree.at(node, step.node);
+    node = &add_step(tree, node, step);
   }
   return node;
 }

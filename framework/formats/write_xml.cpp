@@ -101,11 +101,7 @@ class xml_writer {
   }
 
   void write_groups(const data_node *first, size_t depth, std::string_view ns, uint32_t operation) {
-    for (const data_node *group = first; group != nullptr; group = group->next) {
-      for (const data_node *node = group; node != nullptr; node = node->next_entry) {
-        write_node(*node, depth, ns, operation);
-      }
-    }
+    each_node(first, [&](const data_node &node) { write_node(node, depth, ns, operation); });
   }
 
   void write_node(const data_node &node, size_t depth, std::string_view outer_ns, uint32_t outer_operation) {

@@ -6,16 +6,6 @@
 namespace yfw {
 namespace {
 
-// All nodes of one level.
-template <typename Visit>
-void each_node(const data_node *first, Visit visit) {
-  for (const data_node *group = first; group != nullptr; group = group->next) {
-    for (const data_node *node = group; node != nullptr; node = node->next_entry) {
-      visit(*node);
-    }
-  }
-}
-
 // RFC 6241, section 6.2: containment, selection and content match nodes.
 class subtree_filter {
  public:

@@ -30,12 +30,10 @@ class lyd_copy {
 
  private:
   void add_level(const data_node *first, lyd_node *parent) {
-    for (const data_node *group = first; group != nullptr; group = group->next) {
-      for (const data_node *node = group; node != nullptr; node = node->next_entry) {
-        lyd_node *copy = known_key(*node, parent);
-        add_level(node->first_child, copy != nullptr ? copy : added(*node, parent));
-      }
-    }
+    each_node(first, [&](const data_node &node) {
+      lyd_node *copy = known_key(node, parent);
+      add_level(node.first_child, copy != nullptr ? copy : added(node, parent));
+    });
   }
 
   // A key is made with its entry.

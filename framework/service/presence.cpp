@@ -5,6 +5,7 @@
 #include "yfw/client_request.hpp"
 #include "yfw/native_request.hpp"
 #include "yfw/node.hpp"
+#include "yfw/path_document.hpp"
 #include "yfw/reply.hpp"
 
 namespace yfw {
@@ -67,8 +68,7 @@ void presence::add_paths() {
 void presence::add_path_to(const yfw_node_t &node) {
   data_node *at = nullptr;
   for (const path_step &step : steps_to(node)) {
-    const std::vector<key_value> keys(step.keys.begin(), step.keys.end());
-    at = is_list(step.node) ? &asked_.entry(at, ns(step.node), name(step.node), keys) : &asked_.at(at, step.node);
+    at = &add_step(asked_, at, step);
     if (whole_.contains(at)) {
       return;
     }
@@ -85,8 +85,8 @@ const data_node *presence::found(const yfw_node_t &node) const {
   const std::vector<path_step> steps = steps_to(node);
   const data_node *at = nullptr;
   for (const path_step &step : steps) {
-    const std::vector<key_value> keys(step.keys.begin(), step.keys.end());
-    at = is_list(step.node) && !keys.empty() ? found_.find_entry(at, step.node, keys) : found_.find(at, step.node);
+    const bool is_entry = is_list(step.node) && !step.keys.empty();
+    at = is_entry ? found_.find_entry(at, step.node, step_keys(step)) : found_.find(at, step.node);
     if (at == nullptr) {
       return nullptr;
     }

@@ -36,17 +36,17 @@ class key_reads {
 
  private:
   void add_for(const yfw_node_t &entry) {
-    const std::string high = path(extra(entry).schema);
+    const std::string client_list = path(extra(entry).schema);
     for (const list_pair &pair : manifest_.lists) {
-      const lysc_node *low = pair.high == high ? manifest_node(manifest_, pair.low, modules_) : nullptr;
-      if (low != nullptr && (is_config(low) || client_.operation == client_operation::get)) {
-        add_call(modules_.child(low, ns(low), pair.low_key), entry);
+      const lysc_node *native_list = pair.high == client_list ? manifest_node(manifest_, pair.low, modules_) : nullptr;
+      if (native_list != nullptr && (is_config(native_list) || client_.operation == client_operation::get)) {
+        add_read(modules_.child(native_list, ns(native_list), pair.low_key), entry);
       }
     }
   }
 
-  void add_call(const lysc_node *key, const yfw_node_t &cause) {
-    native_operation call{operation_kind::read, {}, std::nullopt, YFW_OPERATION_MERGE, &cause};
+  void add_read(const lysc_node *key, const yfw_node_t &source_node) {
+    native_operation call{operation_kind::read, {}, std::nullopt, YFW_OPERATION_MERGE, &source_node};
     for (const lysc_node *node = key; node != nullptr; node = parent(node)) {
       call.steps.insert(call.steps.begin(), {node, {}});
     }

@@ -184,10 +184,7 @@ std::string data_tree::index_key_of(const data_node &node) const {
     return key;
   }
   for (const std::string_view name : keys(node.schema)) {
-    const data_node *leaf = node.first_child;
-    while (leaf != nullptr && !(leaf->tag == name && is_key(leaf->schema))) {
-      leaf = leaf->next;
-    }
+    const data_node *leaf = key_leaf(node, name);
     add_part(key, name);
     add_part(key, leaf != nullptr ? leaf->value.value_or("") : "");
   }
@@ -269,16 +266,14 @@ void data_tree::restore(data_node &node, index_handle handle) noexcept {
   }
 }
 
-// Takes the index's word of what is below a node.
+// Removes what is below a node from the index.
 void data_tree::forget(const data_node &node) {
-  for (const data_node *first = node.first_child; first != nullptr; first = first->next) {
-    for (const data_node *below = first; below != nullptr; below = below->next_entry) {
-      if (is_list(below->schema) || is_leaf_list(below->schema)) {
-        index_.erase(index_key_of(*below));
-      }
-      forget(*below);
+  each_node(node.first_child, [&](const data_node &below) {
+    if (is_list(below.schema) || is_leaf_list(below.schema)) {
+      index_.erase(index_key_of(below));
     }
-  }
+    forget(below);
+  });
 }
 
 void data_tree::release(data_node &node) {
@@ -288,28 +283,22 @@ void data_tree::release(data_node &node) {
     const data_node &each = *released[i];
     dead_bytes_ += each.value ? each.value->size() : 0;
     dead_bytes_ += each.schema == nullptr ? each.tag.size() + each.ns.size() : 0;
-    for (data_node *first = each.first_child; first != nullptr; first = first->next) {
-      for (data_node *below = first; below != nullptr; below = below->next_entry) {
-        released.push_back(below);
-      }
-    }
+    each_node(each.first_child, [&](data_node &below) { released.push_back(&below); });
   }
   free_.insert(free_.end(), released.begin(), released.end());
 }
 
 void data_tree::keep_again(data_node *level) {
-  for (data_node *first = level; first != nullptr; first = first->next) {
-    for (data_node *node = first; node != nullptr; node = node->next_entry) {
-      if (node->value) {
-        node->value = keep(*node->value);
-      }
-      if (node->schema == nullptr) {
-        node->tag = keep(node->tag);
-        node->ns = keep(node->ns);
-      }
-      keep_again(node->first_child);
+  each_node(level, [&](data_node &node) {
+    if (node.value) {
+      node.value = keep(*node.value);
     }
-  }
+    if (node.schema == nullptr) {
+      node.tag = keep(node.tag);
+      node.ns = keep(node.ns);
+    }
+    keep_again(node.first_child);
+  });
 }
 
 void data_tree::compact() {
@@ -362,6 +351,14 @@ void data_tree::clear() {
   text_left_ = kept_bytes_ = dead_bytes_ = 0;
   free_.clear();
   index_.clear();
+}
+
+const data_node *key_leaf(const data_node &entry, std::string_view key) {
+  const data_node *leaf = entry.first_child;
+  while (leaf != nullptr && !(leaf->tag == key && is_key(leaf->schema))) {
+    leaf = leaf->next;
+  }
+  return leaf;
 }
 
 static std::string step_text(const data_node &node) {

@@ -6,6 +6,10 @@
 
 namespace yfw {
 
+std::vector<std::pair<std::string_view, std::string_view>> step_keys(const path_step &step) {
+  return {step.keys.begin(), step.keys.end()};
+}
+
 std::string path_text(const std::vector<path_step> &steps) {
   std::string text;
   for (const path_step &step : steps) {

@@ -15,14 +15,12 @@ struct reported_leaves {
 };
 
 void add_leaves(const data_node *first, std::vector<std::pair<const lysc_node *, std::string>> &leaves) {
-  for (const data_node *group = first; group != nullptr; group = group->next) {
-    for (const data_node *node = group; node != nullptr; node = node->next_entry) {
-      if (node->value) {
-        leaves.emplace_back(node->schema, *node->value);
-      }
-      add_leaves(node->first_child, leaves);
+  each_node(first, [&](const data_node &node) {
+    if (node.value) {
+      leaves.emplace_back(node.schema, *node.value);
     }
-  }
+    add_leaves(node.first_child, leaves);
+  });
 }
 
 reported_leaves reported_leaves_of(document &native, content wanted, const plugin &mapping, trace_log &log) {

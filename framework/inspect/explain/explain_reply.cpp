@@ -7,14 +7,12 @@ namespace yfw {
 namespace {
 
 void add_leaves(const data_node *first, std::vector<reported_leaf> &leaves) {
-  for (const data_node *group = first; group != nullptr; group = group->next) {
-    for (const data_node *node = group; node != nullptr; node = node->next_entry) {
-      if (node->value && !is_key(node->schema)) {
-        leaves.push_back({path(*node), std::string(*node->value)});
-      }
-      add_leaves(node->first_child, leaves);
+  each_node(first, [&](const data_node &node) {
+    if (node.value && !is_key(node.schema)) {
+      leaves.push_back({path(node), std::string(*node.value)});
     }
-  }
+    add_leaves(node.first_child, leaves);
+  });
 }
 
 }  // namespace

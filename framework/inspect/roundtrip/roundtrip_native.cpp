@@ -10,14 +10,12 @@ namespace yfw {
 namespace {
 
 void require_valid(const data_node *first, const schema &modules) {
-  for (const data_node *group = first; group != nullptr; group = group->next) {
-    for (const data_node *node = group; node != nullptr; node = node->next_entry) {
-      if (const auto value = node->value; value && !modules.check_value(node->schema, *value).ok) {
-        throw error("reports " + in_quotes(*value) + ", an invalid value, as '" + path(node->schema) + "'");
-      }
-      require_valid(node->first_child, modules);
+  each_node(first, [&](const data_node &node) {
+    if (const auto value = node.value; value && !modules.check_value(node.schema, *value).ok) {
+      throw error("reports " + in_quotes(*value) + ", an invalid value, as '" + path(node.schema) + "'");
     }
-  }
+    require_valid(node.first_child, modules);
+  });
 }
 
 class native_check {

@@ -9,7 +9,7 @@ data_node &descend(data_tree &tree, data_node *parent, const path_step &step) {
   if (!is_list(step.node)) {
     return tree.at(parent, step.node);
   }
-  std::vector<key_value> known(step.keys.begin(), step.keys.end());
+  const std::vector<key_value> known = step_keys(step);
   data_node &entry = tree.entry(parent, ns(step.node), name(step.node), known);
   if (known.empty()) {
     for (const std::string_view key : keys(step.node)) {

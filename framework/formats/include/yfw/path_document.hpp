@@ -13,6 +13,9 @@
 
 namespace yfw {
 
+// The node of a step below `parent`, of lists the entry with the keys, added when missing.
+data_node &add_step(data_tree &tree, data_node *parent, const path_step &step);
+
 // Adds the nodes of a path to a tree and returns the last one; null for no steps. Of lists the entry with the keys.
 data_node *add_path(data_tree &tree, const std::vector<path_step> &steps);
 

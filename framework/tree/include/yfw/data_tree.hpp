@@ -1,4 +1,4 @@
-// The output side: data trees that are built path by path and then written.
+// Data trees: what translations build path by path, what devices hold, what is written.
 #pragma once
 
 #include <cstdint>
@@ -16,7 +16,7 @@
 
 namespace yfw {
 
-// A node of an output tree. Tag, namespace and value belong to the tree or its schema. Siblings with the same tag and
+// A node of a tree. Tag, namespace and value belong to the tree or its schema. Siblings with the same tag and
 // namespace (entries of one list, values of one leaf-list) form a group: `next` leads to the next group, and stands
 // only in a group's first node; `next_entry` leads to the next node of the same group.
 struct data_node {
@@ -33,6 +33,19 @@ struct data_node {
   data_node *previous_entry = nullptr;
   data_node *last_entry = nullptr;  // of the group, in its first node only
 };
+
+// All nodes of a level, whose first group is `first`; null for none.
+template <typename node_t, typename visit_t>
+void each_node(node_t *first, visit_t visit) {
+  for (node_t *group = first; group != nullptr; group = group->next) {
+    for (node_t *node = group; node != nullptr; node = node->next_entry) {
+      visit(*node);
+    }
+  }
+}
+
+// The leaf of a list entry that is its key of that name, or null.
+const data_node *key_leaf(const data_node &entry, std::string_view key);
 
 using key_value = std::pair<std::string_view, std::string_view>;
 

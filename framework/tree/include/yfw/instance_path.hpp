@@ -35,6 +35,9 @@ std::vector<path_step> read_instance_path(std::string_view path, const schema &m
                                           const client_node_test &is_clients = {},
                                           path_keys wanted = path_keys::required);
 
+// The keys of a step, as `data_tree` takes them. They are views of the step's.
+std::vector<std::pair<std::string_view, std::string_view>> step_keys(const path_step &step);
+
 // /list[key='x']/leaf with plain names, in the form of an instance-identifier (RFC 7950, section 9.13).
 std::string path_text(const std::vector<path_step> &steps);
 
